@@ -1,0 +1,52 @@
+// services/recordsource/result.h: a value or the Status that explains why there is none.
+//
+// C++20 has no std::expected; this is the small subset the project needs. A Result built
+// from a value is OK; one built from a Status must carry an error. value() on an error is
+// a programming mistake and asserts.
+#pragma once
+
+#include "services/recordsource/status.h"
+
+#include <optional>
+#include <utility>
+
+namespace plx {
+
+template<typename T> class [[nodiscard]] Result
+{
+public:
+    Result(T value) : m_value(std::move(value)) { }
+    Result(Status error) : m_status(std::move(error))
+    {
+        Q_ASSERT_X(!m_status.isOk(), "Result", "an error Result needs a failing Status");
+    }
+
+    bool isOk() const { return m_status.isOk(); }
+    const Status &status() const { return m_status; }
+
+    const T &value() const &
+    {
+        Q_ASSERT(isOk());
+        return *m_value;
+    }
+    T &value() &
+    {
+        Q_ASSERT(isOk());
+        return *m_value;
+    }
+    T &&value() &&
+    {
+        Q_ASSERT(isOk());
+        return std::move(*m_value);
+    }
+    const T &operator*() const & { return value(); }
+    T &operator*() & { return value(); }
+    const T *operator->() const { return &value(); }
+    T *operator->() { return &value(); }
+
+private:
+    Status m_status;
+    std::optional<T> m_value;
+};
+
+} // namespace plx
