@@ -1,0 +1,59 @@
+// services/ini.h: settings files (Windows-style INI): read and write primitives, typed
+// readers that fall back to the defaults file, section listing, and the two well-known
+// locations in the installation directory.
+//
+// The reader and writer behave like the Windows profile functions the settings files were
+// always written with: case-insensitive section and key names, the first match wins,
+// surrounding spaces and one pair of surrounding quotes are removed on read, and a write
+// creates a missing file or section and leaves every other line exactly as it was. Files
+// are Windows-1252 with CR LF line ends; LF files and UTF-8 files with a byte-order mark
+// are read too (and a BOM file stays UTF-8 when written).
+//
+// Writes are safe between processes: each one takes an exclusive lock on "<file>.lock",
+// re-reads the file, changes it, writes a temporary file beside it, syncs it and renames it
+// over the original. Readers never see a half-written file. The ".lock" file is left in
+// place (removing it would race with the next writer).
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace plx {
+
+struct Services;
+
+// Reads section/key of `file` into `value`; the trimmed default when the file or key is
+// missing. Values longer than 1,998 characters are cut to 1,998.
+void readINI(const QString &section, const QString &key, const QString &file, QString &value,
+             const QString &def);
+// Writes key=value into section of `file`, all four trimmed first. Returns false when the
+// file could not be written (callers of the hosts' interface ignore it). A blank section
+// or key writes nothing.
+bool writeINI(const QString &section, const QString &key, const QString &file,
+              const QString &value);
+
+// readINI with the defaults file standing in for a blank `file`; this overload overwrites
+// `file` with the defaults-file path in that case, as callers rely on.
+QString getINIString(const QString &section, const QString &key, const QString &def, QString &file);
+QString getINIString(const QString &section, const QString &key, const QString &def,
+                     const QString &file);
+// True for "-1", "TRUE" or "1" (trimmed, any case); false for anything else, "" included.
+bool getINIBool(const QString &section, const QString &key, bool def, const QString &file);
+// The value as a number; the default when the key is missing, 0 when the value is blank
+// or not numeric.
+double getINIDouble(const QString &section, const QString &key, double def, const QString &file);
+qint16 getINIInt(const QString &section, const QString &key, qint16 def, const QString &file);
+
+// The section names of `file`; element 0 is always present and empty, names start at 1.
+QStringList getINISections(const QString &file);
+
+// Full path of "HBDEFAULTS.INI" in the installation directory, looked up once per process.
+QString getDefaultsINI();
+// Forgets the held defaults-file path (tests that change the installation directory).
+void resetDefaultsINI();
+// Full path of the work directory "WORK-PLX" in the installation directory; asks to create
+// it when missing and shows "Path Error" when it still does not exist. Returns the path
+// either way.
+QString getWorkDir(Services *services = nullptr);
+
+} // namespace plx

@@ -1,0 +1,41 @@
+// services/iniprofile_p.h: the in-memory form of one settings file, line by line.
+//
+// Each line keeps its raw bytes (terminator included), so that a rewrite reproduces every
+// line it did not change byte for byte, whatever its line end or encoding oddities.
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+namespace plx {
+
+class IniProfile
+{
+public:
+    // Splits raw file contents. A UTF-8 byte-order mark makes the file UTF-8; otherwise it
+    // is Windows-1252.
+    static IniProfile parse(const QByteArray &contents);
+
+    // The first matching key of the first matching section, already trimmed and unquoted;
+    // false when there is none.
+    bool find(const QString &section, const QString &key, QString *value) const;
+    // Replaces the first matching key line, or adds the key at the end of the section, or
+    // appends the section.
+    void set(const QString &section, const QString &key, const QString &value);
+    QByteArray serialize() const;
+
+    // Decoded lines without their terminators.
+    const QList<QString> &lines() const { return m_text; }
+
+private:
+    QByteArray encodeLine(const QString &text) const;
+    qsizetype findSection(const QString &section) const; // header index or -1
+    qsizetype sectionEnd(qsizetype header) const; // index of the next header or size
+
+    bool m_utf8Bom = false;
+    QList<QByteArray> m_raw;
+    QList<QString> m_text;
+};
+
+} // namespace plx

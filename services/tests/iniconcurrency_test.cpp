@@ -1,0 +1,108 @@
+// Two processes writing different keys of one settings file at the same moment, and two
+// processes logging at once: without the write lock and the re-read under it, one
+// writer's keys vanish; without one append per entry, log entries interleave.
+#include "services/ini.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace plx;
+
+namespace {
+
+constexpr int keysPerWriter = 60;
+constexpr int entriesPerLogger = 200;
+
+QProcess *startChild(const QStringList &args, const QString &installDir)
+{
+    auto *p = new QProcess;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("PLX_HARROWBY_DIR"), installDir);
+    p->setProcessEnvironment(env);
+    p->start(QStringLiteral(PLX_SERVICES_CHILD), args);
+    return p;
+}
+
+void finish(QProcess *p)
+{
+    ASSERT_TRUE(p->waitForFinished(30000)) << "child did not finish";
+    EXPECT_EQ(p->exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(p->exitCode(), 0) << p->readAllStandardError().toStdString();
+    delete p;
+}
+
+} // namespace
+
+TEST(IniConcurrencyTest, TwoProcessesWritingDifferentKeysLoseNeither)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const QString file = dir.filePath(QStringLiteral("shared.ini"));
+    QFile seed(file);
+    ASSERT_TRUE(seed.open(QIODevice::WriteOnly));
+    seed.write("; kept\r\n[Shared]\r\nStart=1\r\n");
+    seed.close();
+
+    QProcess *a = startChild({ QStringLiteral("ini"), file, QStringLiteral("Shared"),
+                               QStringLiteral("A"), QString::number(keysPerWriter) },
+                             dir.path());
+    QProcess *b = startChild({ QStringLiteral("ini"), file, QStringLiteral("shared"),
+                               QStringLiteral("B"), QString::number(keysPerWriter) },
+                             dir.path());
+    finish(a);
+    finish(b);
+
+    for (int i = 1; i <= keysPerWriter; ++i) {
+        const QString n = QString::number(i);
+        for (const QString &prefix : { QStringLiteral("A"), QStringLiteral("B") }) {
+            QString v;
+            readINI(QStringLiteral("Shared"), prefix + n, file, v, QStringLiteral("<lost>"));
+            EXPECT_EQ(v, QStringLiteral("v") + n) << (prefix + n).toStdString();
+        }
+    }
+    QFile result(file);
+    ASSERT_TRUE(result.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(result.readAll().startsWith("; kept\r\n[Shared]\r\nStart=1\r\n"));
+    EXPECT_EQ(getINISections(file), (QStringList{ QString(), QStringLiteral("Shared") }));
+}
+
+TEST(ActivityLogConcurrencyTest, TwoProcessesLoggingAtOnceWriteWholeEntries)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    QProcess *a = startChild(
+        { QStringLiteral("log"), QString::number(entriesPerLogger), QStringLiteral("alpha") },
+        dir.path());
+    QProcess *b = startChild(
+        { QStringLiteral("log"), QString::number(entriesPerLogger), QStringLiteral("beta") },
+        dir.path());
+    finish(a);
+    finish(b);
+
+    QFile log(dir.filePath(QStringLiteral("PLXLogFile.TXT")));
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    const QList<QByteArray> lines = log.readAll().split('\n');
+    // Six lines per entry (the message holds a line break), plus the empty piece after the
+    // final CR LF.
+    ASSERT_EQ(lines.size(), 2 * entriesPerLogger * 6 + 1);
+    int nextOf[2] = { 1, 1 };
+    for (qsizetype at = 0; at + 6 < lines.size(); at += 6) {
+        ASSERT_EQ(lines.at(at), QByteArray(20, '=') + '\r') << "entry at line " << at;
+        EXPECT_TRUE(lines.at(at + 1).endsWith(" serviceschild\r"));
+        const QByteArray what = lines.at(at + 2);
+        const int who = what.startsWith("alpha ") ? 0 : what.startsWith("beta ") ? 1 : -1;
+        ASSERT_GE(who, 0) << what.toStdString();
+        const QByteArray tag = who == 0 ? "alpha" : "beta";
+        // Each process's entries arrive whole and in its own call order.
+        EXPECT_EQ(what, tag + " entry " + QByteArray::number(nextOf[who]++) + '\r');
+        EXPECT_EQ(lines.at(at + 3), "second line of " + tag + '\r');
+        EXPECT_EQ(lines.at(at + 4), QByteArray("PLX services_child\r"));
+        EXPECT_EQ(lines.at(at + 5), QByteArray("REV 34\r"));
+    }
+    EXPECT_EQ(nextOf[0], entriesPerLogger + 1);
+    EXPECT_EQ(nextOf[1], entriesPerLogger + 1);
+}
