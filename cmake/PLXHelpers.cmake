@@ -50,7 +50,8 @@ function(plx_add_test name)
     add_executable(${name} ${A_SOURCES})
     target_link_libraries(${name} PRIVATE ${A_DEPS} plx_test_support $<BUILD_INTERFACE:plx_options>)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
-        PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;PLX_SOURCE_DIR=${PROJECT_SOURCE_DIR}"
+        PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen"
+                   ENVIRONMENT_MODIFICATION "PLX_SOURCE_DIR=set:${PROJECT_SOURCE_DIR}"
                    LABELS "${A_LABEL}" TIMEOUT ${A_TIMEOUT})
 endfunction()
 
