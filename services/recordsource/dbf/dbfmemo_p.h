@@ -1,0 +1,62 @@
+// services/recordsource/dbf/dbfmemo_p.h: the memo file beside a table (.FPT or .DBT).
+//
+// Memo fields hold a block number; the text lives in the memo file. Reading validates every
+// pointer and length against the file, so a damaged file gives an error naming it instead
+// of a crash. Writing follows FoxPro: a new value goes to the header's next free block (the
+// header is rewritten after the data, so a crash leaves at worst unused blocks), a value
+// that fits the blocks of the one it replaces is written in place, and allocation happens
+// under the memo file's lock bytes (0x40000000 as CodeBase, 0 as Harbour).
+#pragma once
+
+#include "services/recordsource/dbf/dbftable.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+
+namespace plx {
+
+class DbfMemoFile
+{
+public:
+    ~DbfMemoFile();
+    DbfMemoFile(const DbfMemoFile &) = delete;
+    DbfMemoFile &operator=(const DbfMemoFile &) = delete;
+
+    static Result<std::unique_ptr<DbfMemoFile>> open(const QString &path, DbfMemoKind kind,
+                                                     bool writable);
+    // Writes the header of an empty memo file (FPT: 64-byte blocks; DBT: 512).
+    static Status create(const QString &path, DbfMemoKind kind);
+
+    const QString &path() const { return m_path; }
+    DbfMemoKind kind() const { return m_kind; }
+
+    // The data of the memo starting at `block`. Empty for block 0 or a block inside the
+    // header (some tools write such pointers for empty values); Corrupt for a block or
+    // length past the end of the file.
+    Result<QByteArray> read(quint32 block) const;
+
+    // Stores `data` as a memo of FPT block type `type` (1 text, 2 object, 0 picture) and
+    // returns its first block. `oldBlock` is the value being replaced (0 when none): it is
+    // rewritten in place when the new value fits its blocks.
+    Result<quint32> write(const QByteArray &data, quint32 type, quint32 oldBlock, bool durable);
+
+private:
+    DbfMemoFile(int fd, QString path, DbfMemoKind kind)
+        : m_fd(fd), m_path(std::move(path)), m_kind(kind)
+    {
+    }
+    Result<QByteArray> readFpt(quint32 block, qint64 size) const;
+    Result<QByteArray> readDbt3(quint32 block, qint64 size) const;
+    Result<QByteArray> readDbt4(quint32 block, qint64 size) const;
+    Result<quint32> writeLocked(const QByteArray &data, quint32 type, quint32 oldBlock);
+    Status lock();
+    void unlock();
+
+    int m_fd;
+    QString m_path;
+    DbfMemoKind m_kind;
+};
+
+} // namespace plx

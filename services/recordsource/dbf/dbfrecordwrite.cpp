@@ -1,0 +1,251 @@
+// services/recordsource/dbf/dbfrecordwrite.cpp: writeRecord, appendRecord and setDeleted.
+#include "services/recordsource/dbf/dbftable.h"
+
+#include "services/recordsource/dbf/dbfio_p.h"
+#include "services/recordsource/dbf/dbfmemo_p.h"
+#include "services/recordsource/dbf/dbftesthooks_p.h"
+#include "services/recordsource/dbf/dbfvalue_p.h"
+
+namespace plx {
+
+namespace {
+
+class HeaderLockGuard
+{
+public:
+    HeaderLockGuard(DbfTable &t, int timeoutMs) : m_table(t), m_timeoutMs(timeoutMs) { }
+    ~HeaderLockGuard()
+    {
+        if (m_held)
+            (void)m_table.unlockHeader();
+    }
+    Status acquire()
+    {
+        Status s = m_table.lockHeader(m_timeoutMs);
+        m_held = s.isOk();
+        return s;
+    }
+
+private:
+    DbfTable &m_table;
+    int m_timeoutMs;
+    bool m_held = false;
+};
+
+class RecordLockGuard
+{
+public:
+    RecordLockGuard(DbfTable &t, quint32 recno) : m_table(t), m_recno(recno) { }
+    ~RecordLockGuard()
+    {
+        if (m_owned)
+            (void)m_table.unlockRecord(m_recno);
+    }
+    Status acquire()
+    {
+        if (m_table.holdsRecordLock(m_recno))
+            return Status::ok();
+        Status s = m_table.lockRecord(m_recno);
+        m_owned = s.isOk();
+        return s;
+    }
+
+private:
+    DbfTable &m_table;
+    quint32 m_recno;
+    bool m_owned = false;
+};
+
+} // namespace
+
+Status DbfTable::encodeValues(QByteArray &rec, const QVariantList &values,
+                              QList<QPair<int, QByteArray>> &memos, bool fresh) const
+{
+    if (values.size() > m_fields.size())
+        return Status(Status::Code::InvalidArgument,
+                      QStringLiteral("%1 values for a table of %2 fields")
+                          .arg(values.size())
+                          .arg(m_fields.size()));
+    for (int i = 0; i < values.size(); ++i) {
+        const DbfField &f = m_fields[i];
+        if (dbfvalue::isMemo(f))
+            continue;
+        Status s = dbfvalue::encodeInline(f, values[i], m_header.codePage, rec.data() + f.offset);
+        if (!s.isOk())
+            return s;
+    }
+    for (int i = 0; i < values.size(); ++i) {
+        const DbfField &f = m_fields[i];
+        if (!dbfvalue::isMemo(f))
+            continue;
+        auto bytes = dbfvalue::memoBytes(f, values[i], m_header.codePage);
+        if (!bytes.isOk())
+            return bytes.status();
+        const quint32 oldBlock = dbfvalue::memoBlock(f, rec.constData() + f.offset);
+        if (!fresh && oldBlock == 0 && bytes->isEmpty())
+            continue;
+        if (!fresh && oldBlock != 0 && m_memo) {
+            // An unchanged memo keeps its blocks: rewriting it would only grow the file.
+            auto current = m_memo->read(oldBlock);
+            if (current.isOk() && *current == *bytes)
+                continue;
+        }
+        if (!bytes->isEmpty() && !m_memo)
+            return dbfio::fileError(Status::Code::NotSupported, m_path,
+                                    QStringLiteral("the memo file is missing"));
+        memos.append({ i, *bytes });
+    }
+    return Status::ok();
+}
+
+Status DbfTable::writeMemos(QByteArray &rec, const QList<QPair<int, QByteArray>> &memos)
+{
+    for (const auto &[index, bytes] : memos) {
+        const DbfField &f = m_fields[index];
+        quint32 block = 0;
+        if (!bytes.isEmpty()) {
+            const quint32 oldBlock = dbfvalue::memoBlock(f, rec.constData() + f.offset);
+            // Durable memo blocks before the record that points at them.
+            auto written = m_memo->write(bytes, dbfvalue::memoType(f), oldBlock, m_durable);
+            if (!written.isOk())
+                return written.status();
+            block = *written;
+        }
+        dbfvalue::putMemoBlock(f, block, rec.data() + f.offset);
+    }
+    return Status::ok();
+}
+
+Status DbfTable::touchDate()
+{
+    const QDate today = QDate::currentDate();
+    if (m_header.lastUpdate == today)
+        return Status::ok();
+    char d[3] = { char(today.year() % 100), char(today.month()), char(today.day()) };
+    Status s = dbfio::writeAt(m_fd, 1, d, 3, m_path);
+    if (s.isOk())
+        m_header.lastUpdate = today;
+    return s;
+}
+
+Status DbfTable::writeRecord(quint32 recno, const QVariantList &values)
+{
+    if (!isWritable())
+        return m_writable;
+    if (recno == 0 || recno > m_count) {
+        auto count = refreshCount();
+        if (!count.isOk())
+            return count.status();
+        if (recno == 0 || recno > *count)
+            return Status(Status::Code::NotFound,
+                          QStringLiteral("record %1 is not in the table").arg(recno));
+    }
+    RecordLockGuard lock(*this, recno);
+    Status s = lock.acquire();
+    if (!s.isOk())
+        return s;
+    // Read the record under the lock: another program may have changed it since.
+    QByteArray rec(recordBytes(recno), m_header.recordLength);
+    QList<QPair<int, QByteArray>> memos;
+    s = encodeValues(rec, values, memos, false);
+    if (!s.isOk())
+        return s;
+    s = writeMemos(rec, memos);
+    if (!s.isOk())
+        return s;
+    dbftest::crashIfArmed(dbftest::CrashPoint::WriteAfterMemo);
+    const qint64 offset = m_header.headerLength + qint64(recno - 1) * m_header.recordLength;
+    s = dbfio::writeAt(m_fd, offset + 1, rec.constData() + 1, rec.size() - 1, m_path);
+    if (s.isOk())
+        s = touchDate();
+    if (s.isOk() && m_durable)
+        s = dbfio::syncData(m_fd, m_path);
+    return s;
+}
+
+Result<quint32> DbfTable::appendRecord(const QVariantList &values)
+{
+    if (!isWritable())
+        return m_writable;
+    const int recLen = m_header.recordLength;
+    QByteArray rec(recLen + 1, ' ');
+    rec[recLen] = 0x1A; // the end-of-file mark goes out in the same write as the record
+    QList<QPair<int, QByteArray>> memos;
+    Status s = encodeValues(rec, values, memos, true);
+    if (!s.isOk())
+        return s;
+    HeaderLockGuard headerLock(*this, m_headerLockTimeoutMs);
+    s = headerLock.acquire();
+    if (!s.isOk())
+        return s;
+    // Under the lock, count from the header and from the file size and take the larger, so
+    // a record left by a writer that died before updating the header is never overwritten.
+    char h[8];
+    auto got = dbfio::readAt(m_fd, 0, h, 8, m_path);
+    if (!got.isOk())
+        return got.status();
+    auto size = dbfio::fileSize(m_fd, m_path);
+    if (!size.isOk())
+        return size.status();
+    const quint64 headerCount = dbfio::le32(h + 4);
+    const quint64 physical = quint64(qMax<qint64>(0, *size - m_header.headerLength)) / recLen;
+    const quint64 next = qMax(headerCount, physical) + 1;
+    if (next >= 0x7FFFFFFE - 1 || m_header.headerLength + next * recLen > 0x7FFFFFFFu)
+        return dbfio::fileError(Status::Code::IoError, m_path,
+                                QStringLiteral("the table has reached FoxPro's 2 GB limit"));
+    const auto recno = quint32(next);
+    RecordLockGuard recordLock(*this, recno);
+    s = recordLock.acquire();
+    if (!s.isOk())
+        return s;
+    s = writeMemos(rec, memos);
+    if (!s.isOk())
+        return s;
+    dbftest::crashIfArmed(dbftest::CrashPoint::AppendAfterMemo);
+    const qint64 offset = m_header.headerLength + qint64(recno - 1) * recLen;
+    s = dbfio::writeAt(m_fd, offset, rec.constData(), rec.size(), m_path);
+    if (!s.isOk())
+        return s;
+    dbftest::crashIfArmed(dbftest::CrashPoint::AppendAfterRecord);
+    s = writeHeaderCount(recno);
+    if (s.isOk() && m_durable)
+        s = dbfio::syncData(m_fd, m_path);
+    if (!s.isOk())
+        return s;
+    m_header.physicalCount = recno;
+    if (offset + rec.size() > m_mapLength) {
+        s = remap(offset + rec.size());
+        if (!s.isOk())
+            return s;
+    }
+    m_count = recno;
+    return recno;
+}
+
+Status DbfTable::setDeleted(quint32 recno, bool deleted)
+{
+    if (!isWritable())
+        return m_writable;
+    if (recno == 0 || recno > m_count) {
+        auto count = refreshCount();
+        if (!count.isOk())
+            return count.status();
+        if (recno == 0 || recno > *count)
+            return Status(Status::Code::NotFound,
+                          QStringLiteral("record %1 is not in the table").arg(recno));
+    }
+    RecordLockGuard lock(*this, recno);
+    Status s = lock.acquire();
+    if (!s.isOk())
+        return s;
+    const char flag = deleted ? '*' : ' ';
+    const qint64 offset = m_header.headerLength + qint64(recno - 1) * m_header.recordLength;
+    s = dbfio::writeAt(m_fd, offset, &flag, 1, m_path);
+    if (s.isOk())
+        s = touchDate();
+    if (s.isOk() && m_durable)
+        s = dbfio::syncData(m_fd, m_path);
+    return s;
+}
+
+} // namespace plx

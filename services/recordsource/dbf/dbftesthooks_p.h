@@ -1,0 +1,21 @@
+// services/recordsource/dbf/dbftesthooks_p.h: crash points for the tests of the write order.
+//
+// A test child process sets a crash point and then writes; at that point the process ends at
+// once (std::_Exit: no destructors, no flush of ours, locks dropped by the kernel), which is
+// what a process killed between two writes leaves behind. Never set outside tests.
+#pragma once
+
+namespace plx::dbftest {
+
+enum class CrashPoint {
+    None,
+    AppendAfterMemo, // memo blocks written, record not yet
+    AppendAfterRecord, // record and 0x1A written, header count not yet
+    WriteAfterMemo, // writeRecord: new memo written, record still points at the old one
+};
+
+void setCrashPoint(CrashPoint point);
+// Ends the process when `point` is the armed crash point.
+void crashIfArmed(CrashPoint point);
+
+} // namespace plx::dbftest

@@ -1,0 +1,85 @@
+// services/recordsource/dbf/tests/dbf_child.cpp: the second process of the multi-process
+// table tests. The tests start it with QProcess; it works on a table and reports on stdout.
+//
+//   dbf_child append PATH COUNT TAG     append COUNT records (NAME = TAG, QTY = 1..COUNT)
+//   dbf_child lock PATH RECNO           lock RECNO, print "locked" or "busy", wait for a line
+//                                       on stdin, exit (the kernel drops the lock)
+//   dbf_child crash PATH POINT          arm crash POINT (1 after memo, 2 after record, 3 in
+//                                       writeRecord after memo), then append or rewrite
+//                                       record 1 with a memo; the process ends at that point
+#include "services/recordsource/dbf/dbftable.h"
+#include "services/recordsource/dbf/dbftesthooks_p.h"
+
+#include <QCoreApplication>
+#include <QDate>
+
+#include <cstdio>
+#include <iostream>
+#include <string>
+
+namespace {
+
+int fail(const plx::Status &s)
+{
+    std::fprintf(stderr, "%s\n", qPrintable(s.toString()));
+    return 2;
+}
+
+int append(plx::DbfTable &t, int count, const QString &tag)
+{
+    for (int i = 1; i <= count; ++i) {
+        auto r = t.appendRecord({ tag, i, i * 0.25, QDate(2020, 1, 1), true,
+                                  QStringLiteral("%1 memo %2").arg(tag).arg(i) });
+        if (!r.isOk())
+            return fail(r.status());
+    }
+    return 0;
+}
+
+int lockAndWait(plx::DbfTable &t, quint32 recno)
+{
+    const plx::Status s = t.lockRecord(recno);
+    std::printf("%s\n", s.isOk() ? "locked" : "busy");
+    std::fflush(stdout);
+    std::string line;
+    std::getline(std::cin, line);
+    return 0;
+}
+
+int crash(plx::DbfTable &t, int point)
+{
+    using plx::dbftest::CrashPoint;
+    const CrashPoint cp = point == 1 ? CrashPoint::AppendAfterMemo
+        : point == 2                 ? CrashPoint::AppendAfterRecord
+                                     : CrashPoint::WriteAfterMemo;
+    plx::dbftest::setCrashPoint(cp);
+    const QString memo = QStringLiteral("a memo long enough to need new blocks ").repeated(8);
+    if (cp == CrashPoint::WriteAfterMemo) {
+        const plx::Status s =
+            t.writeRecord(1, { QStringLiteral("CRASHED"), 1, 1, QVariant(), QVariant(), memo });
+        return s.isOk() ? 0 : fail(s);
+    }
+    auto r = t.appendRecord({ QStringLiteral("CRASHED"), 1, 1, QVariant(), QVariant(), memo });
+    return r.isOk() ? 0 : fail(r.status());
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    if (args.size() < 4)
+        return 64;
+    auto table = plx::DbfTable::open(args[2]);
+    if (!table.isOk())
+        return fail(table.status());
+    const QString mode = args[1];
+    if (mode == QLatin1String("append") && args.size() >= 5)
+        return append(**table, args[3].toInt(), args[4]);
+    if (mode == QLatin1String("lock"))
+        return lockAndWait(**table, args[3].toUInt());
+    if (mode == QLatin1String("crash"))
+        return crash(**table, args[3].toInt());
+    return 64;
+}

@@ -1,0 +1,152 @@
+// services/recordsource/dbf/tests/dbf_process_test.cpp: several processes on one table.
+// Concurrent appends lose and tear nothing; record locks exclude other processes; a process
+// killed in the middle of a write leaves a table every reader can open.
+#include "dbf_test_util.h"
+
+#include "services/recordsource/dbf/dbftable.h"
+
+#include <QProcess>
+#include <QSet>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace plx;
+using namespace plx::dbftestutil;
+
+namespace {
+
+bool finishedOk(QProcess &p, int timeoutMs = 60000)
+{
+    if (!p.waitForFinished(timeoutMs))
+        return false;
+    if (p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0)
+        ADD_FAILURE() << "child failed: " << p.readAllStandardError().toStdString();
+    return p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0;
+}
+
+void expectReadersAgree(const QString &path)
+{
+    if (!pythonReady())
+        return;
+    auto t = DbfTable::open(path, DbfTable::OpenMode::ReadOnly);
+    ASSERT_TRUE(t.isOk());
+    bool ok = false;
+    const QStringList viaDbf = runInterop({ QStringLiteral("dump-dbf"), path }, &ok);
+    ASSERT_TRUE(ok);
+    const QStringList viaDbfread =
+        runInterop({ QStringLiteral("dump-dbfread"), path, QStringLiteral("1252") }, &ok);
+    ASSERT_TRUE(ok);
+    const QStringList ours = dumpTable(**t);
+    EXPECT_EQ(ours, viaDbf);
+    // dbfread reads up to the end-of-file mark rather than the header count, so it also
+    // shows a complete record whose count the dead writer never wrote.
+    ASSERT_GE(viaDbfread.size(), ours.size());
+    EXPECT_EQ(viaDbfread.mid(0, ours.size()), ours);
+}
+
+} // namespace
+
+TEST(DbfProcesses, TwoProcessesAppendingLoseAndTearNothing)
+{
+    QTemporaryDir dir;
+    const QString path = makeSmallTable(dir.path(), 0);
+    QProcess a;
+    QProcess b;
+    a.start(childProgram(),
+            { QStringLiteral("append"), path, QStringLiteral("1000"), QStringLiteral("AAA") });
+    b.start(childProgram(),
+            { QStringLiteral("append"), path, QStringLiteral("1000"), QStringLiteral("BBB") });
+    ASSERT_TRUE(finishedOk(a));
+    ASSERT_TRUE(finishedOk(b));
+
+    auto t = DbfTable::open(path, DbfTable::OpenMode::ReadOnly);
+    ASSERT_TRUE(t.isOk());
+    EXPECT_EQ((*t)->recordCount(), 2000u);
+    EXPECT_EQ((*t)->header().headerCount, 2000u);
+    EXPECT_EQ((*t)->header().physicalCount, 2000u);
+    QSet<QString> seen;
+    for (quint32 r = 1; r <= 2000; ++r) {
+        auto rec = (*t)->record(r);
+        ASSERT_TRUE(rec.isOk()) << rec.status().toString().toStdString();
+        const QString tag = rec->at(0).toString();
+        const qint64 n = rec->at(1).toLongLong();
+        ASSERT_TRUE(tag == QLatin1String("AAA") || tag == QLatin1String("BBB")) << r;
+        // Every field of a record comes from the same append: nothing torn.
+        EXPECT_DOUBLE_EQ(rec->at(2).toDouble(), n * 0.25);
+        EXPECT_EQ(rec->at(5).toString(), QStringLiteral("%1 memo %2").arg(tag).arg(n));
+        seen.insert(tag + QString::number(n));
+    }
+    EXPECT_EQ(seen.size(), 2000);
+    const QByteArray bytes = readFile(path);
+    EXPECT_EQ(bytes.at(bytes.size() - 1), '\x1A');
+}
+
+TEST(DbfProcesses, RecordLockedByAnotherProcessIsReportedLocked)
+{
+    QTemporaryDir dir;
+    const QString path = makeSmallTable(dir.path(), 3);
+    QProcess child;
+    child.start(childProgram(), { QStringLiteral("lock"), path, QStringLiteral("2") });
+    ASSERT_TRUE(child.waitForReadyRead(10000));
+    ASSERT_EQ(child.readLine().trimmed(), QByteArray("locked"));
+
+    auto t = DbfTable::open(path);
+    ASSERT_TRUE(t.isOk());
+    EXPECT_EQ((*t)->lockRecord(2).code(), Status::Code::Locked);
+    EXPECT_EQ((*t)->writeRecord(2, { QStringLiteral("X") }).code(), Status::Code::Locked);
+    EXPECT_TRUE((*t)->lockRecord(1).isOk()); // a different record: both succeed
+    EXPECT_TRUE((*t)->writeRecord(3, { QStringLiteral("Y") }).isOk());
+
+    // Our lock on record 1 is seen by another process too.
+    QProcess second;
+    second.start(childProgram(), { QStringLiteral("lock"), path, QStringLiteral("1") });
+    ASSERT_TRUE(second.waitForReadyRead(10000));
+    EXPECT_EQ(second.readLine().trimmed(), QByteArray("busy"));
+    second.write("\n");
+    ASSERT_TRUE(finishedOk(second));
+
+    child.write("\n");
+    ASSERT_TRUE(finishedOk(child));
+    EXPECT_TRUE((*t)->lockRecord(2).isOk()); // released when the holder ended
+}
+
+TEST(DbfProcesses, ProcessKilledMidWriteLeavesAReadableTable)
+{
+    struct Case
+    {
+        const char *point;
+        quint32 countAfter; // records our reader shows after the crash
+        const char *firstName; // NAME of record 1 afterwards
+    };
+    const Case cases[] = {
+        { "1", 3, "NAME1" }, // memo written, record not: table unchanged
+        { "2", 3, "NAME1" }, // record written, count not: header still says 3
+        { "3", 3, "NAME1" }, // writeRecord: new memo written, record not rewritten
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.point);
+        QTemporaryDir dir;
+        const QString path = makeSmallTable(dir.path(), 3);
+        QProcess child;
+        child.start(childProgram(),
+                    { QStringLiteral("crash"), path, QString::fromLatin1(c.point) });
+        ASSERT_TRUE(child.waitForFinished(10000));
+        EXPECT_EQ(child.exitCode(), 77) << child.readAllStandardError().toStdString();
+
+        auto t = DbfTable::open(path);
+        ASSERT_TRUE(t.isOk()) << t.status().toString().toStdString();
+        EXPECT_EQ((*t)->recordCount(), c.countAfter);
+        EXPECT_EQ((*t)->value(1, 0)->toString(), QLatin1String(c.firstName));
+        for (quint32 r = 1; r <= 3; ++r)
+            EXPECT_EQ((*t)->value(r, 5)->toString(), QStringLiteral("memo of record %1").arg(r));
+        expectReadersAgree(path);
+
+        // The next append goes after anything the dead writer left, never over it.
+        auto next = (*t)->appendRecord({ QStringLiteral("AFTER") });
+        ASSERT_TRUE(next.isOk());
+        EXPECT_EQ(*next, QByteArrayView(c.point) == QByteArrayView("2") ? 5u : 4u);
+        EXPECT_EQ((*t)->value(*next, 0)->toString(), QStringLiteral("AFTER"));
+        expectReadersAgree(path);
+    }
+}

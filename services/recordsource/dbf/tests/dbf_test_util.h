@@ -1,0 +1,37 @@
+// services/recordsource/dbf/tests/dbf_test_util.h: helpers shared by the table-layer tests.
+#pragma once
+
+#include "services/recordsource/dbf/dbftable.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+
+namespace plx::dbftestutil {
+
+// The directory of the shared sample tables (never copied into the project).
+QString sampleDir();
+QString samplePath(const QString &name);
+
+// True when /usr/bin/python3 has both dbf and dbfread.
+bool pythonReady();
+// Runs tests/dbf_interop.py with `args`; its stdout split into lines. `ok` false on failure.
+QStringList runInterop(const QStringList &args, bool *ok);
+
+// The canonical text of a value, as dbf_interop.py prints it.
+QString canon(const QVariant &value);
+// 'L|...' lines for the live records, then 'D|...' lines for the deleted ones.
+QStringList dumpTable(const DbfTable &table);
+
+// The helper program the multi-process tests start.
+QString childProgram();
+
+QByteArray readFile(const QString &path);
+void writeFile(const QString &path, const QByteArray &bytes);
+
+// A small FoxPro 2.x table with a memo: NAME C(10), QTY N(5), PRICE N(8,2), BORN D,
+// OK L, NOTES M. Returns its path.
+QString makeSmallTable(const QString &dir, int records);
+
+} // namespace plx::dbftestutil
