@@ -6,6 +6,7 @@ cd "$(dirname "$0")/.."
 tools/build.sh
 tools/format.sh --check
 export QT_QPA_PLATFORM=offscreen
+export XDG_RUNTIME_DIR="${XDG_RUNTIME_DIR:-$(mktemp -d)}"
 
 # The DBF table and memo readers under libFuzzer + AddressSanitizer (clang), 30 seconds.
 CC=clang CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=Release \

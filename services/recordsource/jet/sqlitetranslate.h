@@ -38,6 +38,10 @@ struct TranslatedSelect
     QString baseTable; // the single table read when there are no joins; empty otherwise
     QString baseAlias; // how that table is named inside the statement (for "<alias>.rowid")
     QStringList outputNames; // the output column names, in order
+    // The tables read, as named inside the statement and as stored; criteria are resolved
+    // against them.
+    QStringList sourceAliases;
+    QList<TableColumns> sourceTables;
 };
 
 // Parses a Jet SELECT and translates it. Syntax, UnknownField (with the name),
@@ -52,6 +56,10 @@ Result<QString> translateCriterion(const QString &jetCriterion, const Translated
                                    const TableLookup &tables,
                                    TextCompare compare = TextCompare::NoCase);
 
+// Dates are stored in SQLite as ISO text ('YYYY-MM-DD' or 'YYYY-MM-DD hh:mm:ss') and
+// Booleans as -1/0; date literals are emitted in that form, so comparisons and ORDER BY
+// work on the stored text.
+//
 // Installs the functions and collations the translated texts call. Call once per
 // connection, right after opening it.
 Status registerJetFunctions(sqlite3 *db);

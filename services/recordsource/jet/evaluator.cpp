@@ -1,0 +1,386 @@
+// services/recordsource/jet/evaluator.cpp: Jet's expression semantics over rows: Null
+// propagation, '&' treating one Null as "", True = -1, three-valued And/Or, lazy IIF.
+#include "services/recordsource/jet/evaluator.h"
+
+#include "services/recordsource/jet/functions.h"
+#include "services/recordsource/jet/like.h"
+#include "services/recordsource/jet/parser.h"
+#include "services/recordsource/jet/values.h"
+
+#include <cmath>
+
+namespace plx::jet {
+
+namespace {
+
+using R = Result<QVariant>;
+
+Status divisionByZero(int pos)
+{
+    return Status(Status::Code::InvalidArgument,
+                  QStringLiteral("division by zero at position %1").arg(pos));
+}
+
+// -1, 0 or Null (as an empty optional) for a logical operand.
+Result<std::optional<bool>> truth(const QVariant &v, int pos)
+{
+    if (isNull(v))
+        return std::optional<bool>();
+    Result<double> d = toNumber(v, pos);
+    if (!d.isOk())
+        return d.status();
+    return std::optional<bool>(d.value() != 0);
+}
+
+R arithmetic(Op op, const QVariant &a, const QVariant &b, int pos)
+{
+    if (isNull(a) || isNull(b))
+        return QVariant();
+    if (op == Op::Add && isText(a) && isText(b))
+        return QVariant(a.toString() + b.toString());
+    Result<double> x = toNumber(a, pos);
+    if (!x.isOk())
+        return x.status();
+    Result<double> y = toNumber(b, pos);
+    if (!y.isOk())
+        return y.status();
+    const double l = x.value(), r = y.value();
+    switch (op) {
+    case Op::Add:
+    case Op::Sub: {
+        const double v = op == Op::Add ? l + r : l - r;
+        // A date plus or minus days stays a date; the difference of two dates is days.
+        const bool dateResult =
+            (isDate(a) && !isDate(b)) || (op == Op::Add && isDate(b) && !isDate(a));
+        return dateResult ? QVariant(serialToDate(v)) : QVariant(v);
+    }
+    case Op::Mul: return QVariant(l * r);
+    case Op::Div:
+        if (r == 0)
+            return divisionByZero(pos);
+        return QVariant(l / r);
+    case Op::IntDiv: {
+        const double rl = roundHalfEven(l), rr = roundHalfEven(r);
+        if (rr == 0)
+            return divisionByZero(pos);
+        return QVariant(std::trunc(rl / rr));
+    }
+    case Op::Mod: {
+        const double rl = roundHalfEven(l), rr = roundHalfEven(r);
+        if (rr == 0)
+            return divisionByZero(pos);
+        return QVariant(std::fmod(rl, rr));
+    }
+    case Op::Pow: return QVariant(std::pow(l, r));
+    default: break;
+    }
+    return QVariant();
+}
+
+R logical(Op op, const QVariant &a, const QVariant &b, int pos)
+{
+    Result<std::optional<bool>> ta = truth(a, pos);
+    if (!ta.isOk())
+        return ta.status();
+    Result<std::optional<bool>> tb = truth(b, pos);
+    if (!tb.isOk())
+        return tb.status();
+    const std::optional<bool> x = ta.value(), y = tb.value();
+    switch (op) {
+    case Op::And:
+        if ((x && !*x) || (y && !*y))
+            return QVariant(false);
+        return (x && y) ? QVariant(true) : QVariant();
+    case Op::Or:
+        if ((x && *x) || (y && *y))
+            return QVariant(true);
+        return (x && y) ? QVariant(false) : QVariant();
+    case Op::Xor: return (x && y) ? QVariant(*x != *y) : QVariant();
+    case Op::Eqv: return (x && y) ? QVariant(*x == *y) : QVariant();
+    case Op::Imp:
+        if ((x && !*x) || (y && *y))
+            return QVariant(true);
+        return (x && y) ? QVariant(false) : QVariant();
+    default: break;
+    }
+    return QVariant();
+}
+
+R comparison(Op op, const QVariant &a, const QVariant &b, TextCompare mode, int pos)
+{
+    if (isNull(a) || isNull(b))
+        return QVariant();
+    Result<int> c = compareValues(a, b, mode, pos);
+    if (!c.isOk())
+        return c.status();
+    const int v = c.value();
+    switch (op) {
+    case Op::Eq: return QVariant(v == 0);
+    case Op::Ne: return QVariant(v != 0);
+    case Op::Lt: return QVariant(v < 0);
+    case Op::Gt: return QVariant(v > 0);
+    case Op::Le: return QVariant(v <= 0);
+    case Op::Ge: return QVariant(v >= 0);
+    default: break;
+    }
+    return QVariant();
+}
+
+R binary(const Node &node, const Row *row, TextCompare mode)
+{
+    R a = evaluate(*node.args[0], row, mode);
+    if (!a.isOk())
+        return a;
+    // And/Or look at the right side even when the left decides, as Jet evaluates both.
+    R b = evaluate(*node.args[1], row, mode);
+    if (!b.isOk())
+        return b;
+    switch (node.op) {
+    case Op::Concat:
+        if (isNull(a.value()) && isNull(b.value()))
+            return QVariant();
+        return QVariant(toText(a.value()) + toText(b.value()));
+    case Op::Eq:
+    case Op::Ne:
+    case Op::Lt:
+    case Op::Gt:
+    case Op::Le:
+    case Op::Ge: return comparison(node.op, a.value(), b.value(), mode, node.pos);
+    case Op::And:
+    case Op::Or:
+    case Op::Xor:
+    case Op::Eqv:
+    case Op::Imp: return logical(node.op, a.value(), b.value(), node.pos);
+    default: return arithmetic(node.op, a.value(), b.value(), node.pos);
+    }
+}
+
+R unary(const Node &node, const Row *row, TextCompare mode)
+{
+    R a = evaluate(*node.args[0], row, mode);
+    if (!a.isOk() || isNull(a.value()))
+        return a;
+    if (node.op == Op::Not) {
+        if (isBoolean(a.value()))
+            return QVariant(!a.value().toBool());
+        Result<double> d = toNumber(a.value(), node.pos);
+        if (!d.isOk())
+            return d.status();
+        return QVariant(double(~qint64(roundHalfEven(d.value()))));
+    }
+    Result<double> d = toNumber(a.value(), node.pos);
+    if (!d.isOk())
+        return d.status();
+    return QVariant(-d.value());
+}
+
+R like(const Node &node, const Row *row, TextCompare mode)
+{
+    R value = evaluate(*node.args[0], row, mode);
+    if (!value.isOk())
+        return value;
+    R pattern = evaluate(*node.args[1], row, mode);
+    if (!pattern.isOk())
+        return pattern;
+    if (isNull(value.value()) || isNull(pattern.value()))
+        return QVariant();
+    Result<LikePattern> p = LikePattern::compile(toText(pattern.value()), mode, node.args[1]->pos);
+    if (!p.isOk())
+        return p.status();
+    return QVariant(p->matches(toText(value.value())) != node.negated);
+}
+
+R between(const Node &node, const Row *row, TextCompare mode)
+{
+    QVariant v[3];
+    for (int i = 0; i < 3; ++i) {
+        R r = evaluate(*node.args[i], row, mode);
+        if (!r.isOk())
+            return r;
+        v[i] = r.value();
+    }
+    if (isNull(v[0]) || isNull(v[1]) || isNull(v[2]))
+        return QVariant();
+    Result<int> order = compareValues(v[1], v[2], mode, node.pos);
+    if (!order.isOk())
+        return order.status();
+    // Jet accepts the bounds in either order.
+    const QVariant &low = order.value() <= 0 ? v[1] : v[2];
+    const QVariant &high = order.value() <= 0 ? v[2] : v[1];
+    Result<int> lo = compareValues(v[0], low, mode, node.pos);
+    if (!lo.isOk())
+        return lo.status();
+    Result<int> hi = compareValues(v[0], high, mode, node.pos);
+    if (!hi.isOk())
+        return hi.status();
+    return QVariant((lo.value() >= 0 && hi.value() <= 0) != node.negated);
+}
+
+R inList(const Node &node, const Row *row, TextCompare mode)
+{
+    R value = evaluate(*node.args[0], row, mode);
+    if (!value.isOk() || isNull(value.value()))
+        return value;
+    for (size_t i = 1; i < node.args.size(); ++i) {
+        R item = evaluate(*node.args[i], row, mode);
+        if (!item.isOk())
+            return item;
+        if (isNull(item.value()))
+            continue;
+        Result<int> c = compareValues(value.value(), item.value(), mode, node.pos);
+        if (!c.isOk())
+            return c.status();
+        if (c.value() == 0)
+            return QVariant(!node.negated);
+    }
+    return QVariant(node.negated);
+}
+
+R call(const Node &node, const Row *row, TextCompare mode)
+{
+    const int n = int(node.args.size());
+    auto arity = [&node, n](int lo, int hi) -> Status {
+        if (n >= lo && n <= hi)
+            return Status::ok();
+        return Status(Status::Code::Syntax,
+                      QStringLiteral("wrong number of arguments (%1) for %2 at position %3")
+                          .arg(n)
+                          .arg(node.name)
+                          .arg(node.pos));
+    };
+    if (node.name == QLatin1String("IIF")) {
+        if (Status s = arity(3, 3); !s.isOk())
+            return s;
+        R cond = evaluate(*node.args[0], row, mode);
+        if (!cond.isOk())
+            return cond;
+        // Only the chosen branch runs; a Null condition chooses the false part.
+        return evaluate(*node.args[isTrue(cond.value()) ? 1 : 2], row, mode);
+    }
+    if (node.name == QLatin1String("ISNULL")) {
+        if (Status s = arity(1, 1); !s.isOk())
+            return s;
+        R v = evaluate(*node.args[0], row, mode);
+        if (!v.isOk())
+            return v;
+        return QVariant(isNull(v.value()));
+    }
+    const FunctionDef *def = findFunction(node.name);
+    if (!def)
+        return Status(
+            Status::Code::UnknownFunction,
+            QStringLiteral("undefined function '%1' at position %2").arg(node.name).arg(node.pos));
+    if (Status s = arity(def->minArgs, def->maxArgs); !s.isOk())
+        return s;
+    QVariant args[4];
+    for (int i = 0; i < n; ++i) {
+        R v = evaluate(*node.args[i], row, mode);
+        if (!v.isOk())
+            return v;
+        args[i] = v.value();
+    }
+    return def->call(args, n, mode, node.pos);
+}
+
+} // namespace
+
+bool isKnownFunction(const QString &upperName)
+{
+    return upperName == QLatin1String("IIF") || upperName == QLatin1String("ISNULL")
+        || findFunction(upperName) != nullptr;
+}
+
+Status bind(const NodePtr &root, const ColumnResolver &resolve)
+{
+    if (!root)
+        return Status::ok();
+    if (root->kind == NodeKind::Column) {
+        Result<int> index = resolve(*root);
+        if (!index.isOk())
+            return index.status();
+        root->column = index.value();
+        return Status::ok();
+    }
+    for (const NodePtr &arg : root->args) {
+        if (Status s = jet::bind(arg, resolve); !s.isOk())
+            return s;
+    }
+    return Status::ok();
+}
+
+Result<QVariant> evaluate(const Node &node, const Row *row, TextCompare mode)
+{
+    switch (node.kind) {
+    case NodeKind::Literal: return node.value;
+    case NodeKind::Column:
+        if (!row || node.column < 0)
+            return Status(Status::Code::UnknownField,
+                          QStringLiteral("unknown field '%1' at position %2")
+                              .arg(node.table.isEmpty() ? node.name
+                                                        : node.table + QLatin1Char('.') + node.name)
+                              .arg(node.pos));
+        return row->value(node.column);
+    case NodeKind::Unary: return unary(node, row, mode);
+    case NodeKind::Binary: return binary(node, row, mode);
+    case NodeKind::Like: return like(node, row, mode);
+    case NodeKind::Between: return between(node, row, mode);
+    case NodeKind::In: return inList(node, row, mode);
+    case NodeKind::IsNull: {
+        R v = evaluate(*node.args[0], row, mode);
+        if (!v.isOk())
+            return v;
+        return QVariant(isNull(v.value()) != node.negated);
+    }
+    case NodeKind::Call: return call(node, row, mode);
+    }
+    return QVariant();
+}
+
+bool isTrue(const QVariant &value)
+{
+    if (isNull(value))
+        return false;
+    if (isBoolean(value))
+        return value.toBool();
+    Result<double> d = toNumber(value, 0);
+    return d.isOk() && d.value() != 0;
+}
+
+Result<QVariant> evaluateStandalone(const QString &expression)
+{
+    Result<NodePtr> tree = parseExpression(expression);
+    if (!tree.isOk())
+        return tree.status();
+    Status s = jet::bind(tree.value(), [](const Node &col) -> Result<int> {
+        return Status(
+            Status::Code::UnknownField,
+            QStringLiteral("unknown field '%1' at position %2")
+                .arg(col.table.isEmpty() ? col.name : col.table + QLatin1Char('.') + col.name)
+                .arg(col.pos));
+    });
+    if (!s.isOk())
+        return s;
+    return evaluate(*tree.value(), nullptr, TextCompare::NoCase);
+}
+
+QString formatValue(const QVariant &value)
+{
+    if (isNull(value))
+        return QStringLiteral("Null");
+    if (isBoolean(value))
+        return value.toBool() ? QStringLiteral("True") : QStringLiteral("False");
+    if (isDate(value)) {
+        const QDateTime dt = toDateTime(value);
+        QString s = dt.date().toString(QStringLiteral("MM/dd/yyyy"));
+        if (dt.time() != QTime(0, 0))
+            s += QLatin1Char(' ') + dt.time().toString(QStringLiteral("hh:mm:ss"));
+        return QLatin1Char('#') + s + QLatin1Char('#');
+    }
+    if (isNumeric(value))
+        return numberText(value.toDouble());
+    QString text = value.toString();
+    text.replace(QLatin1Char('"'), QStringLiteral("\"\""));
+    return QLatin1Char('"') + text + QLatin1Char('"');
+}
+
+} // namespace plx::jet

@@ -1,0 +1,562 @@
+// services/recordsource/jet/parser.cpp: a recursive-descent parser with Jet's operator
+// precedence (loosest first): Imp, Eqv, Xor, Or, And, Not, comparisons (= <> < > <= >=
+// Like Is Between In), &, + -, Mod, \, * /, unary -, ^.
+#include "services/recordsource/jet/parser.h"
+
+#include "services/recordsource/jet/lexer.h"
+
+namespace plx::jet {
+
+namespace {
+
+class Parser
+{
+public:
+    explicit Parser(std::vector<Token> tokens) : m_tokens(std::move(tokens)) { }
+
+    Result<SelectStatement> select();
+    Result<NodePtr> wholeExpression();
+
+private:
+    const Token &peek(int ahead = 0) const
+    {
+        const size_t i = std::min(m_index + size_t(ahead), m_tokens.size() - 1);
+        return m_tokens[i];
+    }
+    const Token &take() { return m_tokens[std::min(m_index++, m_tokens.size() - 1)]; }
+    bool acceptWord(QLatin1String w)
+    {
+        if (!peek().isWord(w))
+            return false;
+        ++m_index;
+        return true;
+    }
+    bool acceptSymbol(QLatin1String s)
+    {
+        if (!peek().isSymbol(s))
+            return false;
+        ++m_index;
+        return true;
+    }
+    Status error(const QString &expected) const
+    {
+        const Token &t = peek();
+        const QString found = t.kind == TokenKind::End ? QStringLiteral("end of text")
+                                                       : QStringLiteral("'%1'").arg(t.text);
+        return Status(Status::Code::Syntax,
+                      QStringLiteral("%1 expected but %2 found at position %3")
+                          .arg(expected, found)
+                          .arg(t.pos));
+    }
+    bool isReserved(const Token &t) const;
+
+    Result<NodePtr> expression() { return binaryLevel(0); }
+    Result<NodePtr> binaryLevel(int level);
+    Result<NodePtr> notLevel();
+    Result<NodePtr> comparison();
+    Result<NodePtr> arithmetic(int level);
+    Result<NodePtr> unary();
+    Result<NodePtr> power();
+    Result<NodePtr> primary();
+    Result<NodePtr> nameOrCall();
+    Result<TableRef> tableRef();
+    Status fromClause(SelectStatement &stmt);
+    Status selectList(SelectStatement &stmt);
+
+    std::vector<Token> m_tokens;
+    size_t m_index = 0;
+};
+
+NodePtr makeBinary(Op op, NodePtr l, NodePtr r, int pos)
+{
+    auto n = std::make_shared<Node>();
+    n->kind = NodeKind::Binary;
+    n->op = op;
+    n->pos = pos;
+    n->args = { std::move(l), std::move(r) };
+    return n;
+}
+
+bool Parser::isReserved(const Token &t) const
+{
+    static const char *const words[] = { "SELECT", "FROM",  "WHERE", "ORDER",   "BY", "AND",
+                                         "OR",     "NOT",   "LIKE",  "BETWEEN", "IN", "IS",
+                                         "XOR",    "EQV",   "IMP",   "MOD",     "ON", "JOIN",
+                                         "INNER",  "LEFT",  "RIGHT", "OUTER",   "AS", "ASC",
+                                         "DESC",   "GROUP", "HAVING" };
+    if (t.kind != TokenKind::Name)
+        return false;
+    for (const char *w : words) {
+        if (t.text.compare(QLatin1String(w), Qt::CaseInsensitive) == 0)
+            return true;
+    }
+    return false;
+}
+
+// Levels 0..5: Imp, Eqv, Xor, Or, And, then Not.
+Result<NodePtr> Parser::binaryLevel(int level)
+{
+    static const struct
+    {
+        const char *word;
+        Op op;
+    } levels[] = { { "IMP", Op::Imp },
+                   { "EQV", Op::Eqv },
+                   { "XOR", Op::Xor },
+                   { "OR", Op::Or },
+                   { "AND", Op::And } };
+    if (level == 5)
+        return notLevel();
+    Result<NodePtr> left = binaryLevel(level + 1);
+    if (!left.isOk())
+        return left;
+    NodePtr node = left.value();
+    while (peek().isWord(QLatin1String(levels[level].word))) {
+        const int pos = take().pos;
+        Result<NodePtr> right = binaryLevel(level + 1);
+        if (!right.isOk())
+            return right;
+        node = makeBinary(levels[level].op, node, right.value(), pos);
+    }
+    return node;
+}
+
+Result<NodePtr> Parser::notLevel()
+{
+    if (peek().isWord(QLatin1String("NOT"))) {
+        const int pos = take().pos;
+        Result<NodePtr> inner = notLevel();
+        if (!inner.isOk())
+            return inner;
+        auto n = std::make_shared<Node>();
+        n->kind = NodeKind::Unary;
+        n->op = Op::Not;
+        n->pos = pos;
+        n->args = { inner.value() };
+        return n;
+    }
+    return comparison();
+}
+
+Result<NodePtr> Parser::comparison()
+{
+    Result<NodePtr> left = arithmetic(0);
+    if (!left.isOk())
+        return left;
+    NodePtr node = left.value();
+    for (;;) {
+        const Token &t = peek();
+        const int pos = t.pos;
+        static const struct
+        {
+            const char *sym;
+            Op op;
+        } cmps[] = { { "=", Op::Eq }, { "<>", Op::Ne }, { "<", Op::Lt },
+                     { ">", Op::Gt }, { "<=", Op::Le }, { ">=", Op::Ge } };
+        bool matched = false;
+        for (const auto &c : cmps) {
+            if (t.isSymbol(QLatin1String(c.sym))) {
+                take();
+                Result<NodePtr> right = arithmetic(0);
+                if (!right.isOk())
+                    return right;
+                node = makeBinary(c.op, node, right.value(), pos);
+                matched = true;
+                break;
+            }
+        }
+        if (matched)
+            continue;
+        bool negated = false;
+        if (t.isWord(QLatin1String("NOT"))
+            && (peek(1).isWord(QLatin1String("LIKE")) || peek(1).isWord(QLatin1String("BETWEEN"))
+                || peek(1).isWord(QLatin1String("IN")))) {
+            take();
+            negated = true;
+        }
+        auto n = std::make_shared<Node>();
+        n->pos = pos;
+        n->negated = negated;
+        n->args = { node };
+        if (acceptWord(QLatin1String("LIKE"))) {
+            Result<NodePtr> pattern = arithmetic(0);
+            if (!pattern.isOk())
+                return pattern;
+            n->kind = NodeKind::Like;
+            n->args.push_back(pattern.value());
+        } else if (acceptWord(QLatin1String("BETWEEN"))) {
+            Result<NodePtr> low = arithmetic(0);
+            if (!low.isOk())
+                return low;
+            if (!acceptWord(QLatin1String("AND")))
+                return error(QStringLiteral("'And' of Between"));
+            Result<NodePtr> high = arithmetic(0);
+            if (!high.isOk())
+                return high;
+            n->kind = NodeKind::Between;
+            n->args.push_back(low.value());
+            n->args.push_back(high.value());
+        } else if (acceptWord(QLatin1String("IN"))) {
+            if (!acceptSymbol(QLatin1String("(")))
+                return error(QStringLiteral("'(' after In"));
+            do {
+                Result<NodePtr> item = expression();
+                if (!item.isOk())
+                    return item;
+                n->args.push_back(item.value());
+            } while (acceptSymbol(QLatin1String(",")));
+            if (!acceptSymbol(QLatin1String(")")))
+                return error(QStringLiteral("')' closing the In list"));
+            n->kind = NodeKind::In;
+        } else if (!negated && acceptWord(QLatin1String("IS"))) {
+            n->negated = acceptWord(QLatin1String("NOT"));
+            if (!acceptWord(QLatin1String("NULL")))
+                return error(QStringLiteral("'Null' after Is"));
+            n->kind = NodeKind::IsNull;
+        } else {
+            return node;
+        }
+        node = n;
+    }
+}
+
+// Levels 0..4: &, + -, Mod, \, * /.
+Result<NodePtr> Parser::arithmetic(int level)
+{
+    if (level == 5)
+        return unary();
+    Result<NodePtr> left = arithmetic(level + 1);
+    if (!left.isOk())
+        return left;
+    NodePtr node = left.value();
+    for (;;) {
+        const Token &t = peek();
+        Op op = Op::None;
+        switch (level) {
+        case 0: op = t.isSymbol(QLatin1String("&")) ? Op::Concat : Op::None; break;
+        case 1:
+            op = t.isSymbol(QLatin1String("+"))  ? Op::Add
+                : t.isSymbol(QLatin1String("-")) ? Op::Sub
+                                                 : Op::None;
+            break;
+        case 2: op = t.isWord(QLatin1String("MOD")) ? Op::Mod : Op::None; break;
+        case 3: op = t.isSymbol(QLatin1String("\\")) ? Op::IntDiv : Op::None; break;
+        default:
+            op = t.isSymbol(QLatin1String("*"))  ? Op::Mul
+                : t.isSymbol(QLatin1String("/")) ? Op::Div
+                                                 : Op::None;
+            break;
+        }
+        if (op == Op::None)
+            return node;
+        const int pos = take().pos;
+        Result<NodePtr> right = arithmetic(level + 1);
+        if (!right.isOk())
+            return right;
+        node = makeBinary(op, node, right.value(), pos);
+    }
+}
+
+Result<NodePtr> Parser::unary()
+{
+    if (peek().isSymbol(QLatin1String("-")) || peek().isSymbol(QLatin1String("+"))) {
+        const Token &t = take();
+        const bool minus = t.text == QLatin1String("-");
+        const int pos = t.pos;
+        Result<NodePtr> inner = unary();
+        if (!inner.isOk() || !minus)
+            return inner;
+        auto n = std::make_shared<Node>();
+        n->kind = NodeKind::Unary;
+        n->op = Op::Neg;
+        n->pos = pos;
+        n->args = { inner.value() };
+        return n;
+    }
+    return power();
+}
+
+Result<NodePtr> Parser::power()
+{
+    Result<NodePtr> left = primary();
+    if (!left.isOk())
+        return left;
+    NodePtr node = left.value();
+    while (peek().isSymbol(QLatin1String("^"))) {
+        const int pos = take().pos;
+        // The exponent may carry its own sign: 2 ^ -1.
+        Result<NodePtr> right = peek().isSymbol(QLatin1String("-")) ? unary() : primary();
+        if (!right.isOk())
+            return right;
+        node = makeBinary(Op::Pow, node, right.value(), pos);
+    }
+    return node;
+}
+
+Result<NodePtr> Parser::primary()
+{
+    const Token &t = peek();
+    auto lit = std::make_shared<Node>();
+    lit->kind = NodeKind::Literal;
+    lit->pos = t.pos;
+    switch (t.kind) {
+    case TokenKind::Text:
+        lit->value = t.text;
+        take();
+        return lit;
+    case TokenKind::Number:
+        lit->value = t.number;
+        take();
+        return lit;
+    case TokenKind::Date:
+        lit->value = t.date;
+        take();
+        return lit;
+    case TokenKind::Symbol:
+        if (t.isSymbol(QLatin1String("("))) {
+            take();
+            Result<NodePtr> inner = expression();
+            if (!inner.isOk())
+                return inner;
+            if (!acceptSymbol(QLatin1String(")")))
+                return error(QStringLiteral("')'"));
+            return inner;
+        }
+        return error(QStringLiteral("a value"));
+    case TokenKind::End: return error(QStringLiteral("a value"));
+    case TokenKind::Name:
+        if (t.isWord(QLatin1String("TRUE")) || t.isWord(QLatin1String("FALSE"))) {
+            lit->value = t.isWord(QLatin1String("TRUE"));
+            take();
+            return lit;
+        }
+        if (t.isWord(QLatin1String("NULL"))) {
+            take();
+            return lit;
+        }
+        // Left( and Right( are functions although LEFT and RIGHT also start joins.
+        if (isReserved(t) && !peek(1).isSymbol(QLatin1String("(")))
+            return error(QStringLiteral("a value"));
+        return nameOrCall();
+    case TokenKind::BracketName: return nameOrCall();
+    }
+    return error(QStringLiteral("a value"));
+}
+
+Result<NodePtr> Parser::nameOrCall()
+{
+    const Token first = take();
+    auto n = std::make_shared<Node>();
+    n->pos = first.pos;
+    if (first.kind == TokenKind::Name && peek().isSymbol(QLatin1String("("))) {
+        take();
+        n->kind = NodeKind::Call;
+        n->name = first.text.toUpper();
+        if (!isKnownFunction(n->name))
+            return Status(Status::Code::UnknownFunction,
+                          QStringLiteral("undefined function '%1' at position %2")
+                              .arg(first.text)
+                              .arg(first.pos));
+        if (!acceptSymbol(QLatin1String(")"))) {
+            do {
+                Result<NodePtr> arg = expression();
+                if (!arg.isOk())
+                    return arg;
+                n->args.push_back(arg.value());
+            } while (acceptSymbol(QLatin1String(",")));
+            if (!acceptSymbol(QLatin1String(")")))
+                return error(QStringLiteral("')' closing %1(").arg(first.text));
+        }
+        return n;
+    }
+    n->kind = NodeKind::Column;
+    if (peek().isSymbol(QLatin1String(".")) || peek().isSymbol(QLatin1String("!"))) {
+        take();
+        const Token &second = peek();
+        if (second.kind != TokenKind::Name && second.kind != TokenKind::BracketName)
+            return error(QStringLiteral("a field name after '%1.'").arg(first.text));
+        take();
+        n->table = first.text.trimmed();
+        n->name = second.text.trimmed();
+    } else {
+        n->name = first.text.trimmed();
+        n->wholeBracket =
+            first.kind == TokenKind::BracketName && n->name.contains(QLatin1Char('.'));
+    }
+    return n;
+}
+
+Result<TableRef> Parser::tableRef()
+{
+    const Token &t = peek();
+    if ((t.kind != TokenKind::Name && t.kind != TokenKind::BracketName) || isReserved(t))
+        return error(QStringLiteral("a table name"));
+    TableRef ref;
+    ref.pos = t.pos;
+    ref.name = take().text.trimmed();
+    if (acceptWord(QLatin1String("AS")) || (peek().kind == TokenKind::BracketName)
+        || (peek().kind == TokenKind::Name && !isReserved(peek()))) {
+        const Token &a = peek();
+        if (a.kind != TokenKind::Name && a.kind != TokenKind::BracketName)
+            return error(QStringLiteral("an alias"));
+        ref.alias = take().text.trimmed();
+    }
+    return ref;
+}
+
+// FROM a [AS x] { [INNER|LEFT [OUTER]|RIGHT [OUTER]] JOIN b ON cond }, with Jet's
+// parentheses around nested joins: they are flattened left to right.
+Status Parser::fromClause(SelectStatement &stmt)
+{
+    int open = 0;
+    while (acceptSymbol(QLatin1String("(")))
+        ++open;
+    Result<TableRef> first = tableRef();
+    if (!first.isOk())
+        return first.status();
+    stmt.from = first.value();
+    for (;;) {
+        if (open > 0 && acceptSymbol(QLatin1String(")"))) {
+            --open;
+            continue;
+        }
+        JoinKind kind = JoinKind::Inner;
+        if (acceptWord(QLatin1String("INNER"))) {
+            kind = JoinKind::Inner;
+        } else if (acceptWord(QLatin1String("LEFT"))) {
+            kind = JoinKind::Left;
+            acceptWord(QLatin1String("OUTER"));
+        } else if (acceptWord(QLatin1String("RIGHT"))) {
+            kind = JoinKind::Right;
+            acceptWord(QLatin1String("OUTER"));
+        } else if (!peek().isWord(QLatin1String("JOIN"))) {
+            break;
+        }
+        if (!acceptWord(QLatin1String("JOIN")))
+            return error(QStringLiteral("'JOIN'"));
+        Join join;
+        join.kind = kind;
+        Result<TableRef> table = tableRef();
+        if (!table.isOk())
+            return table.status();
+        join.table = table.value();
+        if (!acceptWord(QLatin1String("ON")))
+            return error(QStringLiteral("'ON'"));
+        Result<NodePtr> on = expression();
+        if (!on.isOk())
+            return on.status();
+        join.on = on.value();
+        stmt.joins.push_back(std::move(join));
+    }
+    if (open > 0)
+        return error(QStringLiteral("')'"));
+    return Status::ok();
+}
+
+Status Parser::selectList(SelectStatement &stmt)
+{
+    if (acceptSymbol(QLatin1String("*"))) {
+        stmt.star = true;
+        return Status::ok();
+    }
+    do {
+        SelectItem item;
+        const Token &t = peek();
+        if ((t.kind == TokenKind::Name || t.kind == TokenKind::BracketName)
+            && (peek(1).isSymbol(QLatin1String(".")) || peek(1).isSymbol(QLatin1String("!")))
+            && peek(2).isSymbol(QLatin1String("*"))) {
+            item.starTable = take().text.trimmed();
+            take();
+            take();
+        } else {
+            Result<NodePtr> e = expression();
+            if (!e.isOk())
+                return e.status();
+            item.expr = e.value();
+            if (acceptWord(QLatin1String("AS"))) {
+                const Token &a = peek();
+                if (a.kind != TokenKind::Name && a.kind != TokenKind::BracketName)
+                    return error(QStringLiteral("a column alias"));
+                item.alias = take().text.trimmed();
+            }
+        }
+        stmt.items.push_back(std::move(item));
+    } while (acceptSymbol(QLatin1String(",")));
+    return Status::ok();
+}
+
+Result<SelectStatement> Parser::select()
+{
+    SelectStatement stmt;
+    if (!acceptWord(QLatin1String("SELECT")))
+        return error(QStringLiteral("SELECT"));
+    if (peek().isWord(QLatin1String("DISTINCT")) || peek().isWord(QLatin1String("TOP")))
+        return Status(Status::Code::NotSupported,
+                      QStringLiteral("'%1' at position %2 is not supported")
+                          .arg(peek().text)
+                          .arg(peek().pos));
+    if (Status s = selectList(stmt); !s.isOk())
+        return s;
+    if (!acceptWord(QLatin1String("FROM")))
+        return error(QStringLiteral("FROM"));
+    if (Status s = fromClause(stmt); !s.isOk())
+        return s;
+    if (acceptWord(QLatin1String("WHERE"))) {
+        Result<NodePtr> where = expression();
+        if (!where.isOk())
+            return where.status();
+        stmt.where = where.value();
+    }
+    if (acceptWord(QLatin1String("ORDER"))) {
+        if (!acceptWord(QLatin1String("BY")))
+            return error(QStringLiteral("BY after ORDER"));
+        do {
+            OrderItem item;
+            Result<NodePtr> e = expression();
+            if (!e.isOk())
+                return e.status();
+            item.expr = e.value();
+            if (acceptWord(QLatin1String("DESC")))
+                item.descending = true;
+            else
+                acceptWord(QLatin1String("ASC"));
+            stmt.orderBy.push_back(std::move(item));
+        } while (acceptSymbol(QLatin1String(",")));
+    }
+    acceptSymbol(QLatin1String(";"));
+    if (peek().kind != TokenKind::End)
+        return error(QStringLiteral("end of statement"));
+    return stmt;
+}
+
+Result<NodePtr> Parser::wholeExpression()
+{
+    Result<NodePtr> e = expression();
+    if (!e.isOk())
+        return e;
+    if (peek().kind != TokenKind::End)
+        return error(QStringLiteral("an operator"));
+    return e;
+}
+
+} // namespace
+
+Result<SelectStatement> parseSelect(const QString &sql)
+{
+    Result<std::vector<Token>> tokens = tokenize(sql);
+    if (!tokens.isOk())
+        return tokens.status();
+    Parser parser(std::move(tokens).value());
+    return parser.select();
+}
+
+Result<NodePtr> parseExpression(const QString &text)
+{
+    Result<std::vector<Token>> tokens = tokenize(text);
+    if (!tokens.isOk())
+        return tokens.status();
+    Parser parser(std::move(tokens).value());
+    return parser.wholeExpression();
+}
+
+} // namespace plx::jet

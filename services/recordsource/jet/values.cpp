@@ -1,0 +1,218 @@
+// services/recordsource/jet/values.cpp: conversions and comparisons of Jet values.
+#include "services/recordsource/jet/values.h"
+
+#include "services/recordsource/jet/lexer.h"
+
+#include <QRegularExpression>
+
+#include <cmath>
+
+namespace plx::jet {
+
+namespace {
+
+const QDate kEpoch(1899, 12, 30);
+
+Status mismatch(const QVariant &v, int pos)
+{
+    return Status(Status::Code::TypeMismatch,
+                  QStringLiteral("type mismatch: '%1' is not a number at position %2")
+                      .arg(toText(v))
+                      .arg(pos));
+}
+
+} // namespace
+
+bool isText(const QVariant &v)
+{
+    return v.typeId() == QMetaType::QString;
+}
+
+bool isDate(const QVariant &v)
+{
+    return v.typeId() == QMetaType::QDateTime || v.typeId() == QMetaType::QDate;
+}
+
+bool isBoolean(const QVariant &v)
+{
+    return v.typeId() == QMetaType::Bool;
+}
+
+bool isNumeric(const QVariant &v)
+{
+    switch (v.typeId()) {
+    case QMetaType::Double:
+    case QMetaType::Float:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Bool: return true;
+    default: return false;
+    }
+}
+
+double roundHalfEven(double d)
+{
+    return std::nearbyint(d); // the default rounding mode is to nearest, ties to even
+}
+
+QString numberText(double d)
+{
+    if (std::isnan(d))
+        return QStringLiteral("NaN");
+    if (d == 0)
+        return QStringLiteral("0");
+    if (std::fabs(d) < 1e15 && d == std::trunc(d))
+        return QString::number(qint64(d));
+    QString s = QString::number(d, 'g', 15);
+    if (!s.contains(QLatin1Char('e')))
+        return s;
+    // Plain decimal even for very large or very small numbers.
+    const int exponent = int(std::floor(std::log10(std::fabs(d))));
+    const int decimals = std::max(0, 14 - exponent);
+    s = QString::number(d, 'f', std::min(decimals, 330));
+    if (s.contains(QLatin1Char('.'))) {
+        while (s.endsWith(QLatin1Char('0')))
+            s.chop(1);
+        if (s.endsWith(QLatin1Char('.')))
+            s.chop(1);
+    }
+    return s;
+}
+
+double dateToSerial(const QDateTime &dt)
+{
+    const double days = double(kEpoch.daysTo(dt.date()));
+    const double frac = dt.time().msecsSinceStartOfDay() / 86400000.0;
+    // Serials before the epoch keep the time as a positive fraction of the negative day.
+    return days < 0 ? days - frac : days + frac;
+}
+
+QDateTime serialToDate(double serial)
+{
+    const double whole = std::trunc(serial);
+    const double frac = std::fabs(serial - whole);
+    const QDate d = kEpoch.addDays(qint64(whole));
+    const int ms = int(std::llround(frac * 86400000.0));
+    return QDateTime(d, QTime(0, 0).addMSecs(std::min(ms, 86399999)));
+}
+
+QDateTime parseDateText(const QString &text)
+{
+    static const QRegularExpression iso(
+        QStringLiteral("^(\\d{4})-(\\d{2})-(\\d{2})(?:[ T](\\d{2}):(\\d{2})(?::(\\d{2}))?)?$"));
+    const QString s = text.trimmed();
+    if (QRegularExpressionMatch m = iso.match(s); m.hasMatch()) {
+        const QDate d(m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3).toInt());
+        const QTime t(m.captured(4).toInt(), m.captured(5).toInt(), m.captured(6).toInt());
+        if (d.isValid() && t.isValid())
+            return QDateTime(d, t);
+        return {};
+    }
+    static const QRegularExpression us(QStringLiteral("^\\d{1,2}/\\d{1,2}/\\d{2,4}( .*)?$"));
+    if (us.match(s).hasMatch()) {
+        // The lexer's reader understands the month-first forms with times and AM/PM.
+        return parseJetDate(s);
+    }
+    return {};
+}
+
+QDateTime toDateTime(const QVariant &v)
+{
+    if (v.typeId() == QMetaType::QDateTime)
+        return v.toDateTime();
+    if (v.typeId() == QMetaType::QDate)
+        return QDateTime(v.toDate(), QTime(0, 0));
+    if (isText(v))
+        return parseDateText(v.toString());
+    if (isNumeric(v) && !isBoolean(v))
+        return serialToDate(v.toDouble());
+    return {};
+}
+
+Result<double> toNumber(const QVariant &v, int pos)
+{
+    if (isBoolean(v))
+        return v.toBool() ? -1.0 : 0.0;
+    if (isNumeric(v))
+        return v.toDouble();
+    if (isDate(v))
+        return dateToSerial(toDateTime(v));
+    if (isText(v)) {
+        QString s = v.toString().trimmed();
+        if (s.startsWith(QLatin1String("&H"), Qt::CaseInsensitive)) {
+            bool ok = false;
+            const qlonglong n = s.mid(2).toLongLong(&ok, 16);
+            if (ok)
+                return double(n <= 0xFFFF && n > 0x7FFF ? n - 0x10000 : n);
+        } else if (s.startsWith(QLatin1String("&O"), Qt::CaseInsensitive)) {
+            bool ok = false;
+            const qlonglong n = s.mid(2).toLongLong(&ok, 8);
+            if (ok)
+                return double(n);
+        } else {
+            s.remove(QLatin1Char(','));
+            bool ok = false;
+            const double d = s.toDouble(&ok);
+            if (ok && !s.isEmpty())
+                return d;
+        }
+    }
+    return mismatch(v, pos);
+}
+
+QString toText(const QVariant &v)
+{
+    if (isNull(v))
+        return QString();
+    if (isBoolean(v))
+        return v.toBool() ? QStringLiteral("True") : QStringLiteral("False");
+    if (isDate(v)) {
+        const QDateTime dt = toDateTime(v);
+        QString s = QStringLiteral("%1/%2/%3")
+                        .arg(dt.date().month())
+                        .arg(dt.date().day())
+                        .arg(dt.date().year());
+        if (dt.time() != QTime(0, 0))
+            s += QLatin1Char(' ') + dt.time().toString(QStringLiteral("h:mm:ss AP"));
+        return s;
+    }
+    if (isNumeric(v))
+        return numberText(v.toDouble());
+    return v.toString();
+}
+
+int compareText(QStringView a, QStringView b, TextCompare mode)
+{
+    if (mode == TextCompare::Binary) {
+        const int c = a.compare(b, Qt::CaseSensitive);
+        return c < 0 ? -1 : (c > 0 ? 1 : 0);
+    }
+    const int c = a.compare(b, Qt::CaseInsensitive);
+    return c < 0 ? -1 : (c > 0 ? 1 : 0);
+}
+
+Result<int> compareValues(const QVariant &a, const QVariant &b, TextCompare mode, int pos)
+{
+    if (isText(a) && isText(b))
+        return compareText(a.toString(), b.toString(), mode);
+    if (isDate(a) || isDate(b)) {
+        const QDateTime da = toDateTime(a);
+        const QDateTime db = toDateTime(b);
+        if (!da.isValid())
+            return mismatch(a, pos);
+        if (!db.isValid())
+            return mismatch(b, pos);
+        return da < db ? -1 : (da > db ? 1 : 0);
+    }
+    Result<double> x = toNumber(a, pos);
+    if (!x.isOk())
+        return x.status();
+    Result<double> y = toNumber(b, pos);
+    if (!y.isOk())
+        return y.status();
+    return x.value() < y.value() ? -1 : (x.value() > y.value() ? 1 : 0);
+}
+
+} // namespace plx::jet
