@@ -1,0 +1,82 @@
+// apps/plxsql/commands.cpp: the back-end table and the three commands of plxsql.
+#include "apps/plxsql/commands.h"
+
+#include "apps/plxsql/textoutput.h"
+
+#include "services/recordsource/jet/evaluator.h"
+
+namespace plx::plxsql {
+
+const QList<BackEnd> &backEnds()
+{
+    static const QList<BackEnd> table{
+        { "--sqlite", "FILE", "a SQLite database file",
+          [](const QString &file) { return OpenDatabase(file, false, false, QString()); } },
+    };
+    return table;
+}
+
+namespace {
+
+Status usageError(const QString &why)
+{
+    return Status(Status::Code::InvalidArgument, why);
+}
+
+Status runQuery(Database &db, const QString &sql, bool countOnly, QTextStream &out)
+{
+    Result<std::unique_ptr<RecordSource>> source = db.OpenRecordset(sql);
+    if (!source.isOk())
+        return source.status();
+    RecordSource &rs = *source.value();
+    if (countOnly) {
+        if (!rs.isEOF()) {
+            Status s = rs.MoveLast();
+            if (!s.isOk())
+                return s;
+        }
+        out << rs.RecordCount() << '\n';
+        return Status::ok();
+    }
+    return writeRows(rs, out);
+}
+
+Status runEval(const QString &expression, QTextStream &out)
+{
+    Result<QVariant> value = jet::evaluateStandalone(expression);
+    if (!value.isOk())
+        return value.status();
+    out << jet::formatValue(value.value()) << '\n';
+    return Status::ok();
+}
+
+} // namespace
+
+Status run(const QStringList &args, QTextStream &out)
+{
+    if (args.first() == QLatin1String("--eval")) {
+        if (args.size() != 2)
+            return usageError(QStringLiteral("--eval takes one expression"));
+        return runEval(args.at(1), out);
+    }
+    for (const BackEnd &backEnd : backEnds()) {
+        if (args.first() != QLatin1String(backEnd.option))
+            continue;
+        QStringList rest = args.mid(1);
+        if (rest.isEmpty())
+            return usageError(
+                QStringLiteral("%1 needs a %2")
+                    .arg(QLatin1String(backEnd.option), QLatin1String(backEnd.argumentName)));
+        const QString target = rest.takeFirst();
+        const bool countOnly = rest.removeAll(QStringLiteral("--count")) > 0;
+        if (rest.size() != 1)
+            return usageError(QStringLiteral("expected one SQL statement"));
+        Result<std::unique_ptr<Database>> db = backEnd.open(target);
+        if (!db.isOk())
+            return db.status();
+        return runQuery(*db.value(), rest.first(), countOnly, out);
+    }
+    return usageError(QStringLiteral("unknown option %1").arg(args.first()));
+}
+
+} // namespace plx::plxsql

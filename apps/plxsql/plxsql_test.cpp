@@ -1,0 +1,112 @@
+// apps/plxsql/plxsql_test.cpp: plxsql as a user runs it: the printed rows, the count,
+// typed expression values, and the error and usage exits.
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+namespace {
+
+struct Outcome
+{
+    int exitCode = -1;
+    QString out;
+    QString err;
+};
+
+Outcome plxsql(const QStringList &args)
+{
+    QProcess p;
+    p.start(QStringLiteral(PLXSQL_PATH), args);
+    p.waitForFinished(20000);
+    return { p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
+             QString::fromUtf8(p.readAllStandardError()) };
+}
+
+class PlxsqlTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_dir.isValid());
+        m_file = m_dir.filePath(QStringLiteral("t.sqlite"));
+        sqlite3 *db = nullptr;
+        ASSERT_EQ(sqlite3_open(m_file.toUtf8().constData(), &db), SQLITE_OK);
+        const char *sql = "CREATE TABLE T (ID CHAR(10), NAME CHAR(30), AMOUNT NUMERIC(8,2), "
+                          "BORN DATE, ACTIVE BOOLEAN, NOTES MEMO);"
+                          "INSERT INTO T VALUES ('PLE1', 'Smith, Ann', 12.5, '1970-01-02', -1, "
+                          "'two\tparts');"
+                          "INSERT INTO T VALUES ('PLE2', 'SMALL, BOB', 3, NULL, 0, NULL);"
+                          "INSERT INTO T VALUES ('PLE3', 'Jones, Al', 0.25, '2001-12-31', 0, '');";
+        ASSERT_EQ(sqlite3_exec(db, sql, nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(db);
+    }
+    QTemporaryDir m_dir;
+    QString m_file;
+};
+
+TEST_F(PlxsqlTest, QueryPrintsHeaderAndTabSeparatedPlainRows)
+{
+    const Outcome r = plxsql(
+        { QStringLiteral("--sqlite"), m_file,
+          QStringLiteral("SELECT * from T WHERE UCase([T.NAME]) LIKE 'SM*' ORDER BY T.NAME") });
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out,
+              QStringLiteral("ID\tNAME\tAMOUNT\tBORN\tACTIVE\tNOTES\n"
+                             "PLE2\tSMALL, BOB\t3.00\t\tFalse\t\n"
+                             "PLE1\tSmith, Ann\t12.50\t1970-01-02\tTrue\ttwo parts\n"));
+}
+
+TEST_F(PlxsqlTest, CountPrintsTheRecordCountAfterMoveLast)
+{
+    Outcome r = plxsql(
+        { QStringLiteral("--sqlite"), m_file, QStringLiteral("--count"), QStringLiteral("T") });
+    EXPECT_EQ(r.exitCode, 0);
+    EXPECT_EQ(r.out, QStringLiteral("3\n"));
+    r = plxsql({ QStringLiteral("--sqlite"), m_file, QStringLiteral("--count"),
+                 QStringLiteral("SELECT * FROM T WHERE ID = 'NONE'") });
+    EXPECT_EQ(r.out, QStringLiteral("0\n"));
+}
+
+TEST_F(PlxsqlTest, ErrorsPrintOneErrorLineAndExitOne)
+{
+    for (const QStringList &args :
+         { QStringList{ QStringLiteral("--sqlite"), m_file,
+                        QStringLiteral("SELECT * FROM T WHERE (") },
+           QStringList{ QStringLiteral("--sqlite"), m_file,
+                        QStringLiteral("SELECT NOSUCH FROM T") },
+           QStringList{ QStringLiteral("--sqlite"), m_file },
+           QStringList{ QStringLiteral("--bogus"), QStringLiteral("x") } }) {
+        const Outcome r = plxsql(args);
+        EXPECT_EQ(r.exitCode, 1) << args.join(QLatin1Char(' ')).toStdString();
+        EXPECT_TRUE(r.err.startsWith(QLatin1String("Error:"))) << r.err.toStdString();
+        EXPECT_EQ(r.err.count(QLatin1Char('\n')), 1);
+        EXPECT_TRUE(r.out.isEmpty());
+    }
+    const Outcome usage = plxsql({});
+    EXPECT_EQ(usage.exitCode, 2);
+    EXPECT_TRUE(usage.err.startsWith(QLatin1String("usage:")));
+}
+
+TEST(PlxsqlEvalTest, EvalPrintsTypedValues)
+{
+    const QList<std::pair<QString, QString>> cases{
+        { QStringLiteral("UCase('say \"hi\"')"), QStringLiteral("\"SAY \"\"HI\"\"\"") },
+        { QStringLiteral("1 + 2.5"), QStringLiteral("3.5") },
+        { QStringLiteral("3 > 2"), QStringLiteral("True") },
+        { QStringLiteral("Null"), QStringLiteral("Null") },
+        { QStringLiteral("#12/31/2025#"), QStringLiteral("#12/31/2025#") },
+        { QStringLiteral("CHR(80) & CHR(76)"), QStringLiteral("\"PL\"") },
+    };
+    for (const auto &[expression, printed] : cases) {
+        const Outcome r = plxsql({ QStringLiteral("--eval"), expression });
+        EXPECT_EQ(r.exitCode, 0) << expression.toStdString() << r.err.toStdString();
+        EXPECT_EQ(r.out, printed + QLatin1Char('\n')) << expression.toStdString();
+    }
+    const Outcome bad = plxsql({ QStringLiteral("--eval"), QStringLiteral("1 +") });
+    EXPECT_EQ(bad.exitCode, 1);
+    EXPECT_TRUE(bad.err.startsWith(QLatin1String("Error:")));
+}
+
+} // namespace

@@ -1,0 +1,20 @@
+// apps/plxsql/textoutput.h: plxsql's plain text form of record-source values and rows.
+#pragma once
+
+#include "services/recordsource/recordsource.h"
+
+#include <QTextStream>
+
+namespace plx::plxsql {
+
+// A value as plxsql prints it: Null as nothing, dates as YYYY-MM-DD (with hh:mm:ss for
+// date-times), logicals as True/False, Numeric fields with their decimals, other numbers
+// in the shortest exact decimal form, text as it is (tabs and line breaks as blanks, so
+// one record stays one line).
+QString plainText(const QVariant &value, const FieldInfo &field);
+
+// Writes the header line of field names and one tab-separated line per record, from the
+// current record to the end. Returns the first error met.
+Status writeRows(RecordSource &source, QTextStream &out);
+
+} // namespace plx::plxsql

@@ -1,0 +1,36 @@
+// benchmarks/benchtablecache.cpp: generating the benchmark tables on first use.
+#include "benchmarks/benchtablecache.h"
+
+#include "apps/plxgen/sqlitewriter.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <cstdio>
+
+namespace plx::bench {
+
+QString sqliteBenchFile(qint64 rows)
+{
+    QString dir = qEnvironmentVariable("PLX_BENCH_DIR");
+    if (dir.isEmpty())
+        dir = QStringLiteral("/tmp/plx-bench");
+    QDir().mkpath(dir);
+    const QString path = dir + QStringLiteral("/bench-%1.sqlite").arg(rows);
+    if (QFile::exists(path))
+        return path;
+    // Written under another name first, so an interrupted run leaves no half table behind.
+    const QString partial = path + QStringLiteral(".part");
+    QFile::remove(partial);
+    std::fprintf(stderr, "generating %lld records into %s ...\n", rows, qPrintable(path));
+    const Status s = writeSqliteBenchTable(partial, QStringLiteral("T"), rows);
+    if (!s.isOk() || !QFile::rename(partial, path)) {
+        std::fprintf(stderr, "cannot generate the benchmark table: %s\n", qPrintable(s.toString()));
+        return {};
+    }
+    QFile::remove(partial + QStringLiteral("-wal"));
+    QFile::remove(partial + QStringLiteral("-shm"));
+    return path;
+}
+
+} // namespace plx::bench

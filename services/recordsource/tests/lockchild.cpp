@@ -1,0 +1,72 @@
+// services/recordsource/tests/lockchild.cpp: the second process of the two-process lock
+// tests. It opens a contract database with the named back end, goes to one record and
+//   try    tries Edit once and prints the outcome ("OK" or the code name, e.g. "Locked");
+//   hold   takes the lock with Edit, prints "HELD", then obeys lines on stdin:
+//          "update CITY" writes CITY and Updates (prints "UPDATED"), "quit" ends.
+// Usage: recordsource_lockchild BACKEND DIR ID try|hold
+#include "services/texthelpers.h"
+#include "services/recordsource/tests/backend.h"
+
+#include <QCoreApplication>
+#include <QTextStream>
+
+#include <cstdio>
+
+using namespace plx;
+
+namespace {
+
+int fail(QTextStream &out, const Status &s)
+{
+    out << codeName(s.code()) << Qt::endl;
+    return 1;
+}
+
+int hold(RecordSource &rs, QTextStream &out)
+{
+    Status s = rs.Edit();
+    if (!s.isOk())
+        return fail(out, s);
+    out << "HELD" << Qt::endl;
+    QTextStream in(stdin);
+    QString line;
+    while (in.readLineInto(&line)) {
+        if (line.startsWith(QLatin1String("update "))) {
+            s = rs.setValue(QStringLiteral("CITY"), line.mid(7));
+            if (s.isOk())
+                s = rs.Update();
+            out << (s.isOk() ? QStringLiteral("UPDATED") : codeName(s.code())) << Qt::endl;
+        } else if (line == QLatin1String("quit")) {
+            break;
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    QTextStream out(stdout);
+    const QStringList args = app.arguments();
+    if (args.size() != 5)
+        return 2;
+    std::shared_ptr<testing::BackEnd> backEnd = testing::backEndNamed(args.at(1));
+    if (!backEnd)
+        return 2;
+    Result<std::unique_ptr<Database>> db = backEnd->open(args.at(2));
+    if (!db.isOk())
+        return fail(out, db.status());
+    Result<std::unique_ptr<RecordSource>> rs = db.value()->OpenRecordset(QStringLiteral("T"));
+    if (!rs.isOk())
+        return fail(out, rs.status());
+    Status s = rs.value()->FindFirst(QStringLiteral("ID = ") + strToASC(args.at(3)));
+    if (!s.isOk() || rs.value()->NoMatch())
+        return fail(out, s.isOk() ? Status(Status::Code::NotFound, QString()) : s);
+    if (args.at(4) == QLatin1String("hold"))
+        return hold(*rs.value(), out);
+    s = rs.value()->Edit();
+    out << (s.isOk() ? QStringLiteral("OK") : codeName(s.code())) << Qt::endl;
+    return 0;
+}

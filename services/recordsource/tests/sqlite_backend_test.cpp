@@ -1,0 +1,209 @@
+// services/recordsource/tests/sqlite_backend_test.cpp: what only the SQLite back end
+// promises: how declared types map to fields and how values are stored, held (join)
+// sources, read-only databases, and sources that outlive their Database.
+#include "services/recordsource/database.h"
+
+#include <QDate>
+#include <QDateTime>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+namespace plx {
+namespace {
+
+using Code = Status::Code;
+
+class SqliteBackEndTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_dir.isValid());
+        m_file = m_dir.filePath(QStringLiteral("db.sqlite"));
+        exec("CREATE TABLE K (CODE VARCHAR(12), LABEL TEXT, BODY LONGTEXT, N INT, "
+             "PRICE DECIMAL(8,3), RATIO REAL, FLAG BIT, SEEN DATETIME, DAY DATE, RAW BLOB);"
+             "INSERT INTO K VALUES ('A1', 'alpha', 'long', 7, 1.5, 0.25, -1, "
+             "'2024-02-29 13:14:15', '2024-03-01', x'0102');"
+             "INSERT INTO K VALUES ('B2', NULL, NULL, NULL, NULL, NULL, 0, NULL, NULL, NULL);"
+             "CREATE TABLE U (CODE CHAR(12), OWNER CHAR(20));"
+             "INSERT INTO U VALUES ('A1', 'ann'), ('B2', 'bob'), ('A1', 'al');");
+    }
+    void exec(const char *sql)
+    {
+        sqlite3 *db = nullptr;
+        ASSERT_EQ(sqlite3_open(m_file.toUtf8().constData(), &db), SQLITE_OK);
+        char *error = nullptr;
+        EXPECT_EQ(sqlite3_exec(db, sql, nullptr, nullptr, &error), SQLITE_OK)
+            << (error ? error : "");
+        sqlite3_free(error);
+        sqlite3_close(db);
+    }
+    QString rawText(const char *sql)
+    {
+        sqlite3 *db = nullptr;
+        sqlite3_open(m_file.toUtf8().constData(), &db);
+        sqlite3_stmt *st = nullptr;
+        sqlite3_prepare_v2(db, sql, -1, &st, nullptr);
+        QString text;
+        if (sqlite3_step(st) == SQLITE_ROW)
+            text = QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(st, 0)));
+        sqlite3_finalize(st);
+        sqlite3_close(db);
+        return text;
+    }
+    std::unique_ptr<Database> openDb(bool readOnly = false)
+    {
+        Result<std::unique_ptr<Database>> db = OpenDatabase(m_file, false, readOnly, QString());
+        EXPECT_TRUE(db.isOk()) << db.status().toString().toStdString();
+        return db.isOk() ? std::move(db).value() : nullptr;
+    }
+    std::unique_ptr<RecordSource> openRs(Database &db, const QString &sql)
+    {
+        Result<std::unique_ptr<RecordSource>> rs = db.OpenRecordset(sql);
+        EXPECT_TRUE(rs.isOk()) << rs.status().toString().toStdString();
+        return rs.isOk() ? std::move(rs).value() : nullptr;
+    }
+
+    QTemporaryDir m_dir;
+    QString m_file;
+};
+
+TEST_F(SqliteBackEndTest, DeclaredTypesBecomeFieldTypesAndTypedValues)
+{
+    auto db = openDb();
+    auto rs = openRs(*db, QStringLiteral("K"));
+    ASSERT_TRUE(rs);
+    const QList<FieldInfo> &f = rs->fieldInfos();
+    ASSERT_EQ(f.size(), 10);
+    EXPECT_EQ(f[0].type, FieldType::Text);
+    EXPECT_EQ(f[0].size, 12);
+    EXPECT_EQ(f[1].type, FieldType::Text);
+    EXPECT_EQ(f[1].size, 255);
+    EXPECT_EQ(f[2].type, FieldType::Memo);
+    EXPECT_EQ(f[3].type, FieldType::Integer);
+    EXPECT_EQ(f[4].type, FieldType::Numeric);
+    EXPECT_EQ(f[4].size, 8);
+    EXPECT_EQ(f[4].decimals, 3);
+    EXPECT_EQ(f[5].type, FieldType::Double);
+    EXPECT_EQ(f[6].type, FieldType::Boolean);
+    EXPECT_EQ(f[7].type, FieldType::DateTime);
+    EXPECT_EQ(f[8].type, FieldType::Date);
+    EXPECT_EQ(f[9].type, FieldType::Binary);
+
+    EXPECT_EQ(rs->value(3).value(), QVariant(qlonglong(7)));
+    EXPECT_EQ(rs->value(6).value(), QVariant(true));
+    EXPECT_EQ(rs->value(7).value().toDateTime(), QDateTime(QDate(2024, 2, 29), QTime(13, 14, 15)));
+    EXPECT_EQ(rs->value(8).value().toDate(), QDate(2024, 3, 1));
+    EXPECT_EQ(rs->value(9).value().toByteArray(), QByteArray("\x01\x02", 2));
+    ASSERT_TRUE(rs->MoveNext().isOk());
+    EXPECT_EQ(rs->value(6).value(), QVariant(false));
+    for (int i : { 1, 2, 3, 4, 5, 7, 8, 9 })
+        EXPECT_FALSE(rs->value(i).value().isValid()) << i;
+}
+
+// Other programs read the file: dates must stay ISO text and logicals -1/0.
+TEST_F(SqliteBackEndTest, WrittenDatesAndLogicalsKeepTheStoredForms)
+{
+    auto db = openDb();
+    auto rs = openRs(*db, QStringLiteral("K"));
+    ASSERT_TRUE(rs);
+    ASSERT_TRUE(rs->AddNew().isOk());
+    ASSERT_TRUE(rs->setValue(QStringLiteral("CODE"), QStringLiteral("C3")).isOk());
+    ASSERT_TRUE(rs->setValue(QStringLiteral("FLAG"), true).isOk());
+    ASSERT_TRUE(
+        rs->setValue(QStringLiteral("SEEN"), QDateTime(QDate(2025, 1, 2), QTime(3, 4, 5))).isOk());
+    ASSERT_TRUE(rs->setValue(QStringLiteral("DAY"), QStringLiteral("12/31/2025")).isOk());
+    ASSERT_TRUE(rs->setValue(QStringLiteral("PRICE"), 2.34567).isOk());
+    ASSERT_TRUE(rs->setValue(QStringLiteral("N"), QStringLiteral("42")).isOk());
+    EXPECT_EQ(rs->setValue(QStringLiteral("N"), QStringLiteral("many")).code(), Code::TypeMismatch);
+    EXPECT_EQ(rs->setValue(QStringLiteral("CODE"), QStringLiteral("THIRTEEN CHRS")).code(),
+              Code::InvalidArgument);
+    ASSERT_TRUE(rs->Update().isOk());
+    EXPECT_EQ(rawText("SELECT FLAG FROM K WHERE CODE='C3'"), QStringLiteral("-1"));
+    EXPECT_EQ(rawText("SELECT SEEN FROM K WHERE CODE='C3'"), QStringLiteral("2025-01-02 03:04:05"));
+    EXPECT_EQ(rawText("SELECT DAY FROM K WHERE CODE='C3'"), QStringLiteral("2025-12-31"));
+    EXPECT_EQ(rawText("SELECT PRICE FROM K WHERE CODE='C3'"), QStringLiteral("2.346"));
+    EXPECT_EQ(rawText("SELECT N FROM K WHERE CODE='C3'"), QStringLiteral("42"));
+    EXPECT_TRUE(QFile::exists(m_file + QStringLiteral("-wal")) || QFile::exists(m_file));
+}
+
+// Programs outside this layer take no record locks; their delete must not let our Update
+// report success for a record that is gone.
+TEST_F(SqliteBackEndTest, UpdateOfARecordDeletedByAnotherProgramFails)
+{
+    auto db = openDb();
+    auto rs = openRs(*db, QStringLiteral("K"));
+    ASSERT_TRUE(rs);
+    ASSERT_TRUE(rs->Edit().isOk());
+    ASSERT_TRUE(rs->setValue(QStringLiteral("N"), 8).isOk());
+    exec("DELETE FROM K WHERE CODE = 'A1'");
+    EXPECT_EQ(rs->Update().code(), Code::NotFound);
+    EXPECT_EQ(rs->editMode(), EditMode::None);
+    EXPECT_EQ(rawText("SELECT count(*) FROM K"), QStringLiteral("1"));
+}
+
+TEST_F(SqliteBackEndTest, JoinIsReadOnlyAndFindsInItsOrder)
+{
+    auto db = openDb();
+    auto rs = openRs(*db,
+                     QStringLiteral("SELECT K.CODE, U.OWNER FROM K INNER JOIN U ON K.CODE = U.CODE "
+                                    "ORDER BY U.OWNER"));
+    ASSERT_TRUE(rs);
+    ASSERT_TRUE(rs->MoveLast().isOk());
+    EXPECT_EQ(rs->RecordCount(), 3);
+    ASSERT_TRUE(rs->FindFirst(QStringLiteral("K.CODE = 'A1'")).isOk());
+    EXPECT_EQ(rs->AbsolutePosition(), 0);
+    ASSERT_TRUE(rs->FindNext(QStringLiteral("K.CODE = 'A1'")).isOk());
+    EXPECT_EQ(rs->AbsolutePosition(), 1);
+    EXPECT_EQ(rs->value(1).value().toString(), QStringLiteral("ann"));
+    EXPECT_EQ(rs->Edit().code(), Code::NotSupported);
+    EXPECT_EQ(rs->AddNew().code(), Code::NotSupported);
+}
+
+TEST_F(SqliteBackEndTest, ReadOnlyDatabaseRefusesEveryWrite)
+{
+    auto db = openDb(true);
+    auto rs = openRs(*db, QStringLiteral("K"));
+    ASSERT_TRUE(rs);
+    EXPECT_EQ(rs->Edit().code(), Code::NotSupported);
+    EXPECT_EQ(rs->AddNew().code(), Code::NotSupported);
+    EXPECT_EQ(rs->Delete().code(), Code::NotSupported);
+    EXPECT_EQ(rawText("SELECT count(*) FROM K"), QStringLiteral("2"));
+}
+
+TEST_F(SqliteBackEndTest, SourceOutlivesItsDatabaseAndFailsAfterClose)
+{
+    auto db = openDb();
+    EXPECT_EQ(db->tableNames(), QStringList({ QStringLiteral("K"), QStringLiteral("U") }));
+    auto rs = openRs(*db, QStringLiteral("K"));
+    ASSERT_TRUE(rs);
+    db.reset();
+    ASSERT_TRUE(rs->MoveNext().isOk());
+    EXPECT_EQ(rs->value(0).value().toString(), QStringLiteral("B2"));
+    ASSERT_TRUE(rs->Edit().isOk());
+    rs->Close();
+    EXPECT_EQ(rs->MoveFirst().code(), Code::InvalidArgument);
+    EXPECT_FALSE(rs->value(0).isOk());
+    EXPECT_TRUE(rs->isBOF() && rs->isEOF());
+}
+
+TEST(SqliteOpenDatabaseTest, ConnectStringChoosesTheEngine)
+{
+    QTemporaryDir dir;
+    Result<std::unique_ptr<Database>> fox =
+        OpenDatabase(dir.path(), false, false, QStringLiteral("FoxPro 2.6"));
+    EXPECT_EQ(fox.status().code(), Code::NotSupported);
+    EXPECT_EQ(OpenDatabase(dir.path(), false, false, QStringLiteral("Paradox 4.x")).status().code(),
+              Code::NotSupported);
+    // A missing file is created; a read-only open of a missing file fails.
+    EXPECT_TRUE(
+        OpenDatabase(dir.filePath(QStringLiteral("new.sqlite")), false, false, QString()).isOk());
+    EXPECT_FALSE(
+        OpenDatabase(dir.filePath(QStringLiteral("none.sqlite")), false, true, QString()).isOk());
+}
+
+} // namespace
+} // namespace plx
