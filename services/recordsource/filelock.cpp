@@ -114,8 +114,8 @@ Result<std::unique_ptr<LockFile>> LockFile::open(const QString &path)
 {
 #ifdef _WIN32
     HANDLE h = CreateFileW(reinterpret_cast<const wchar_t *>(path.utf16()),
-                           GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                           OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+                           GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                           nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (h == INVALID_HANDLE_VALUE)
         return ioError("cannot open the lock file", int(GetLastError()));
     return std::unique_ptr<LockFile>(new LockFile(h, path));

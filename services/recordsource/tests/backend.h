@@ -16,7 +16,7 @@
 
 namespace plx::testing {
 
-struct TableSpec
+struct TableDef
 {
     QString name;
     QList<FieldInfo> fields;
@@ -31,7 +31,7 @@ public:
     virtual QString name() const = 0;
     // Writes `tables` as the back end's files inside `dir` (an empty folder). Test set-up
     // failures are returned, not asserted, so the test can report them.
-    virtual Status createTables(const QString &dir, const QList<TableSpec> &tables) const = 0;
+    virtual Status createTables(const QString &dir, const QList<TableDef> &tables) const = 0;
     // Opens the database kept in `dir`; called again for a second, independent connection.
     virtual Result<std::unique_ptr<Database>> open(const QString &dir) const = 0;
 };

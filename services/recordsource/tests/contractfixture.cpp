@@ -35,9 +35,9 @@ QVariantList person(const char *id, const char *name, const char *city, double a
              QString::fromLatin1(notes) };
 }
 
-TableSpec makePeople()
+TableDef makePeople()
 {
-    TableSpec t{ QStringLiteral("T"), peopleFields(), {} };
+    TableDef t{ QStringLiteral("T"), peopleFields(), {} };
     t.rows << person("PLE0000001", "SMITH, JOHN A", "BOSTON", 10.5, QDate(1970, 1, 2), true,
                      "first")
            << person("PLE0000002", "Smithson, Ann", "Albany", 20.25, QDate(1980, 5, 6), false, "")
@@ -54,18 +54,18 @@ TableSpec makePeople()
 
 } // namespace
 
-const TableSpec &peopleTable()
+const TableDef &peopleTable()
 {
-    static const TableSpec table = makePeople();
+    static const TableDef table = makePeople();
     return table;
 }
 
-QList<TableSpec> contractTables()
+QList<TableDef> contractTables()
 {
-    TableSpec big{ QStringLiteral("BIG"),
-                   { { QStringLiteral("ID"), FieldType::Text, 20, 0 },
-                     { QStringLiteral("N"), FieldType::Numeric, 10, 0 } },
-                   {} };
+    TableDef big{ QStringLiteral("BIG"),
+                  { { QStringLiteral("ID"), FieldType::Text, 20, 0 },
+                    { QStringLiteral("N"), FieldType::Numeric, 10, 0 } },
+                  {} };
     for (int i = 0; i < BigRows; ++i)
         big.rows << QVariantList{ QStringLiteral("PLE%1").arg(i, 7, 10, QLatin1Char('0')), i };
     return { peopleTable(), big };

@@ -26,9 +26,9 @@ namespace plx::testing {
 inline const QString OddId = QStringLiteral("PLE'A|B C");
 constexpr int BigRows = 300;
 
-QList<TableSpec> contractTables();
+QList<TableDef> contractTables();
 // The rows of T as the tests expect them, for computing expected orders.
-const TableSpec &peopleTable();
+const TableDef &peopleTable();
 
 // The trimmed text of a field of the current record ("" for Null or no record): FoxPro
 // pads text fields with blanks, SQLite does not.

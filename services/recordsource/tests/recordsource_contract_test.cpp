@@ -181,11 +181,11 @@ TEST_P(RecordSourceContractTest, FieldsCarryNameValueSizeAndNull)
     auto rs = open(QStringLiteral("T"));
     ASSERT_TRUE(rs);
     FieldList fields = rs->Fields();
-    const TableSpec &spec = peopleTable();
-    ASSERT_EQ(fields.Count(), spec.fields.size());
-    for (int i = 0; i < spec.fields.size(); ++i) {
-        EXPECT_EQ(fields[i].Name().toUpper(), spec.fields.at(i).name);
-        EXPECT_EQ(fields[i].Type(), spec.fields.at(i).type) << i;
+    const TableDef &table = peopleTable();
+    ASSERT_EQ(fields.Count(), table.fields.size());
+    for (int i = 0; i < table.fields.size(); ++i) {
+        EXPECT_EQ(fields[i].Name().toUpper(), table.fields.at(i).name);
+        EXPECT_EQ(fields[i].Type(), table.fields.at(i).type) << i;
     }
     EXPECT_EQ(fields(QStringLiteral("id")).Size(), 20);
     EXPECT_EQ(fields(QStringLiteral("City")).Size(), 30);

@@ -54,7 +54,7 @@ Status fail(sqlite3 *db, const QString &what)
                   QString::fromUtf8(sqlite3_errmsg(db)));
 }
 
-Status writeTable(sqlite3 *db, const TableSpec &table)
+Status writeTable(sqlite3 *db, const TableDef &table)
 {
     QStringList columns;
     QStringList marks;
@@ -91,7 +91,7 @@ class SqliteBackEnd final : public BackEnd
 public:
     QString name() const override { return QStringLiteral("SQLite"); }
 
-    Status createTables(const QString &dir, const QList<TableSpec> &tables) const override
+    Status createTables(const QString &dir, const QList<TableDef> &tables) const override
     {
         sqlite3 *db = nullptr;
         if (sqlite3_open(fileIn(dir).toUtf8().constData(), &db) != SQLITE_OK) {
@@ -101,7 +101,7 @@ public:
         }
         Status s = Status::ok();
         sqlite3_exec(db, "BEGIN", nullptr, nullptr, nullptr);
-        for (const TableSpec &table : tables) {
+        for (const TableDef &table : tables) {
             s = writeTable(db, table);
             if (!s.isOk())
                 break;
