@@ -5,6 +5,7 @@
 // Comparisons carry the source's collation. Booleans come out as -1/0 as in Jet.
 #include "services/recordsource/jet/sqlitetranslate.h"
 
+#include "services/recordsource/jet/evaluator.h"
 #include "services/recordsource/jet/functions.h"
 #include "services/recordsource/jet/like.h"
 #include "services/recordsource/jet/parser.h"
@@ -153,8 +154,32 @@ Result<QString> Translator::args(const Node &node, size_t from, QString *out)
     return *out;
 }
 
+// True when a subtree has no field and no clock function: its value is the same for every
+// row, so it is computed once here ("CHR(80) & CHR(76) & ..." becomes 'PL...').
+bool isConstant(const Node &node)
+{
+    if (node.kind == NodeKind::Column)
+        return false;
+    if (node.kind == NodeKind::Call
+        && (node.name == QLatin1String("DATE") || node.name == QLatin1String("NOW")))
+        return false;
+    for (const NodePtr &arg : node.args) {
+        if (!isConstant(*arg))
+            return false;
+    }
+    return true;
+}
+
 Result<QString> Translator::expr(const Node &node)
 {
+    if (node.kind != NodeKind::Literal && isConstant(node)) {
+        // A constant that cannot be computed (1/0, Chr(300)) fails now, before any row is read.
+        Result<QVariant> value = evaluate(node, nullptr, m_mode);
+        if (!value.isOk())
+            return value.status();
+        return literal(value.value());
+    }
+
     auto sub = [this](const Node &n) { return expr(n); };
     switch (node.kind) {
     case NodeKind::Literal: return literal(node.value);

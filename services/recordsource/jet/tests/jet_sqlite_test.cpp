@@ -213,3 +213,17 @@ TEST_F(JetSqliteTest, UnknownNamesAndTablesFailBeforeAnythingRuns)
         translateSelect(QStringLiteral("SELECT * from T WHERE Nz(NAME) = 1"), lookup());
     EXPECT_EQ(fn.status().code(), Status::Code::UnknownFunction);
 }
+
+// A criterion's constant parts are computed once, so the ID chain reaches SQLite as one
+// literal and a constant that cannot be computed fails before any row is read.
+TEST_F(JetSqliteTest, ConstantPartsAreComputedBeforeTheQueryRuns)
+{
+    Result<TranslatedSelect> t = translateSelect(QStringLiteral("SELECT * from T"), lookup());
+    Result<QString> c = translateCriterion(QStringLiteral("T.ID = CHR(80) & CHR(39) & CHR(124)"),
+                                           t.value(), lookup());
+    ASSERT_TRUE(c.isOk());
+    EXPECT_TRUE(c.value().contains(QStringLiteral("'P''|'"))) << c.value().toStdString();
+    EXPECT_FALSE(c.value().contains(QStringLiteral("jet_chr")));
+    Result<QString> bad = translateCriterion(QStringLiteral("ID = CHR(300)"), t.value(), lookup());
+    EXPECT_EQ(bad.status().code(), Status::Code::InvalidArgument);
+}
