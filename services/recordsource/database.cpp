@@ -1,6 +1,7 @@
 // services/recordsource/database.cpp: OpenDatabase, choosing the engine by connect string.
 #include "services/recordsource/database.h"
 
+#include "services/recordsource/foxpro/foxprodatabase.h"
 #include "services/recordsource/sqlite/sqlitedatabase.h"
 
 namespace plx {
@@ -10,13 +11,13 @@ Database::~Database() = default;
 Result<std::unique_ptr<Database>> OpenDatabase(const QString &name, bool exclusive, bool readOnly,
                                                const QString &connect)
 {
-    const QString kind = connect.trimmed();
+    // DAO connect strings may carry options after a ';' ("FoxPro 2.6;"): the engine is the
+    // first part.
+    const QString kind = connect.section(QLatin1Char(';'), 0, 0).trimmed();
     if (kind.isEmpty())
         return sqlite::openSqliteDatabase(name, exclusive, readOnly);
     if (kind.compare(QLatin1String("FoxPro 2.6"), Qt::CaseInsensitive) == 0)
-        return Status(
-            Status::Code::NotSupported,
-            QStringLiteral("FoxPro 2.6 table directories are not available in this build"));
+        return foxpro::openDatabase(name, readOnly);
     return Status(Status::Code::NotSupported,
                   QStringLiteral("unknown connect string \"%1\"").arg(connect));
 }

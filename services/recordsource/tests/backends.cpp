@@ -1,13 +1,15 @@
 // services/recordsource/tests/backends.cpp: the list of back ends the contract suite runs on.
 #include "services/recordsource/tests/backend.h"
 
+#include "services/recordsource/tests/dbfbackend.h"
 #include "services/recordsource/tests/sqlitebackend.h"
 
 namespace plx::testing {
 
 const std::vector<std::shared_ptr<BackEnd>> &allBackEnds()
 {
-    static const std::vector<std::shared_ptr<BackEnd>> list{ makeSqliteBackEnd() };
+    static const std::vector<std::shared_ptr<BackEnd>> list{ makeSqliteBackEnd(),
+                                                             makeDbfBackEnd() };
     return list;
 }
 

@@ -1,0 +1,94 @@
+// services/recordsource/foxpro/foxprorecordsource.h: a record source over one FoxPro table.
+//
+// Keyset-driven: opening evaluates the WHERE condition over the table's live records and
+// sorts their record numbers by the ORDER BY keys (4 bytes a record); values are decoded
+// from the mapped file when asked for, so they are always the file's latest. Deleted
+// records are hidden (FoxPro's SET DELETED ON, and Jet's rule). Text compares in the code
+// page's byte order.
+//
+// Two shapes skip the general evaluator, because the controls send them on every find
+// and every save: UCase(field) Like 'PREFIX*' (the find query) scans the raw bytes, and
+// field = constant (the ID criterion) compares the raw bytes of the field.
+#pragma once
+
+#include "services/recordsource/dbf/dbftable.h"
+#include "services/recordsource/jet/ast.h"
+
+#include <functional>
+#include <vector>
+
+namespace plx::foxpro {
+
+// The file of a table by name; empty when there is none.
+using TablePaths = std::function<QString(const QString &table)>;
+
+class FoxProRecordSource final : public RecordSource
+{
+public:
+    // A table name or a SELECT on one table with WHERE and ORDER BY. NotFound for an unknown
+    // table, the Jet front end's errors for a bad text, NotSupported for a join.
+    static Result<std::unique_ptr<RecordSource>> open(const TablePaths &paths,
+                                                      const QString &tableOrSql, bool readOnly);
+    ~FoxProRecordSource() override;
+
+    bool isBOF() const override;
+    bool isEOF() const override;
+    qint32 AbsolutePosition() const override;
+    Status setAbsolutePosition(qint32 position) override;
+    qint32 RecordCount() const override;
+
+    Status MoveFirst() override;
+    Status MoveLast() override;
+    Status MovePrevious() override;
+    Status MoveNext() override;
+
+    Status FindFirst(const QString &criterion) override;
+    Status FindNext(const QString &criterion) override;
+    bool NoMatch() const override { return m_noMatch; }
+
+    const QList<FieldInfo> &fieldInfos() const override { return m_table->fieldInfos(); }
+    Result<QVariant> value(int index) const override;
+    Status setValue(int index, const QVariant &value) override;
+
+    EditMode editMode() const override { return m_mode; }
+    Status AddNew() override;
+    Status Edit() override;
+    Status Update() override;
+    Status CancelUpdate() override;
+    Status Delete() override;
+
+    void Close() override;
+
+    // Bytes held for the keyset (for the memory benchmark).
+    size_t keysetBytes() const { return m_keys.capacity() * sizeof(quint32); }
+
+private:
+    FoxProRecordSource() = default;
+
+    Status build(const jet::SelectStatement &stmt);
+    Result<jet::NodePtr> bindExpression(const jet::NodePtr &node) const;
+    Result<std::vector<quint32>> filter(const jet::NodePtr &where) const;
+    Status sort(const std::vector<jet::OrderItem> &order);
+    Result<qint64> findFrom(const QString &criterion, qint64 start) const;
+    Status moveTo(qint64 position);
+    bool hasCurrent() const;
+    Status checkOpen() const;
+    void endEdit();
+
+    std::unique_ptr<DbfTable> m_table;
+    QString m_tableName;
+    QString m_alias;
+    std::vector<quint32> m_keys; // record numbers in the source's order
+
+    qint64 m_pos = -1; // -1 before the first record, size after the last
+    bool m_onDeleted = false; // the record at m_pos was deleted; m_pos names its successor
+    qint64 m_reached = 0;
+    bool m_noMatch = false;
+    bool m_closed = false;
+
+    EditMode m_mode = EditMode::None;
+    QVariantList m_buffer;
+    quint32 m_editRecno = 0;
+};
+
+} // namespace plx::foxpro
