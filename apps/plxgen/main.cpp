@@ -1,10 +1,12 @@
 // apps/plxgen/main.cpp: plxgen, the benchmark-table generator.
 //
 //   plxgen --sqlite FILE [--rows N]   writes table T with N records (default 1,000,000)
+//   plxgen --foxpro DIR [--rows N]    writes DIR/T.DBF and T.FPT (FoxPro 2.6, ~3 % deleted)
 //
 // The records are the same on every run (fixed seed). Writers for other engines are
 // further rows of the writer table below.
 #include "apps/plxgen/benchtable.h"
+#include "apps/plxgen/foxprowriter.h"
 #include "apps/plxgen/sqlitewriter.h"
 
 #include <QCoreApplication>
@@ -27,6 +29,10 @@ const QList<Writer> &writers()
         { "--sqlite", "FILE",
           [](const QString &file, qint64 rows) {
               return plx::bench::writeSqliteBenchTable(file, QStringLiteral("T"), rows);
+          } },
+        { "--foxpro", "DIR",
+          [](const QString &dir, qint64 rows) {
+              return plx::bench::writeFoxProBenchTable(dir, QStringLiteral("T"), rows);
           } },
     };
     return table;

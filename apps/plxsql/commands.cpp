@@ -3,7 +3,11 @@
 
 #include "apps/plxsql/textoutput.h"
 
+#include "services/recordsource/dbf/dbftable.h"
 #include "services/recordsource/jet/evaluator.h"
+
+#include <QDir>
+#include <QFileInfo>
 
 namespace plx::plxsql {
 
@@ -12,6 +16,10 @@ const QList<BackEnd> &backEnds()
     static const QList<BackEnd> table{
         { "--sqlite", "FILE", "a SQLite database file",
           [](const QString &file) { return OpenDatabase(file, false, false, QString()); } },
+        { "--foxpro", "DIR", "a directory of FoxPro 2.6 tables (.DBF)",
+          [](const QString &dir) {
+              return OpenDatabase(dir, false, false, QStringLiteral("FoxPro 2.6"));
+          } },
     };
     return table;
 }
@@ -41,6 +49,26 @@ Status runQuery(Database &db, const QString &sql, bool countOnly, QTextStream &o
     return writeRows(rs, out);
 }
 
+// The header of one FoxPro table: version, code page, counts, lengths and fields.
+Status runInfo(const QString &dir, const QString &table, QTextStream &out)
+{
+    const QFileInfoList files = QDir(dir).entryInfoList(QDir::Files);
+    for (const QFileInfo &f : files) {
+        if (f.suffix().compare(QLatin1String("dbf"), Qt::CaseInsensitive) != 0
+            || f.completeBaseName().compare(table, Qt::CaseInsensitive) != 0)
+            continue;
+        Result<std::unique_ptr<DbfTable>> t =
+            DbfTable::open(f.absoluteFilePath(), DbfTable::OpenMode::ReadOnly);
+        if (!t.isOk())
+            return t.status();
+        out << t.value()->infoText();
+        if (!t.value()->infoText().endsWith(QLatin1Char('\n')))
+            out << '\n';
+        return Status::ok();
+    }
+    return Status(Status::Code::NotFound, QStringLiteral("no table %1 in %2").arg(table, dir));
+}
+
 Status runEval(const QString &expression, QTextStream &out)
 {
     Result<QVariant> value = jet::evaluateStandalone(expression);
@@ -68,6 +96,9 @@ Status run(const QStringList &args, QTextStream &out)
                 QStringLiteral("%1 needs a %2")
                     .arg(QLatin1String(backEnd.option), QLatin1String(backEnd.argumentName)));
         const QString target = rest.takeFirst();
+        if (rest.size() == 2 && rest.first() == QLatin1String("--info")
+            && args.first() == QLatin1String("--foxpro"))
+            return runInfo(target, rest.at(1), out);
         const bool countOnly = rest.removeAll(QStringLiteral("--count")) > 0;
         if (rest.size() != 1)
             return usageError(QStringLiteral("expected one SQL statement"));

@@ -2,6 +2,8 @@
 //
 //   plxsql --sqlite FILE "SQL"          run a Jet SELECT (or a table name), print its rows
 //   plxsql --sqlite FILE --count "SQL"  open the statement, MoveLast, print RecordCount
+//   plxsql --foxpro DIR ...             the same on a directory of FoxPro tables
+//   plxsql --foxpro DIR --info TABLE    print a FoxPro table's header and fields
 //   plxsql --eval "EXPR"                evaluate one Jet expression, print its typed value
 //
 // Everything goes through the same layer the controls use (OpenDatabase, OpenRecordset),
@@ -20,6 +22,8 @@ namespace {
 void printUsage(QTextStream &err)
 {
     err << "usage: plxsql --sqlite FILE [--count] \"SQL\"\n"
+           "       plxsql --foxpro DIR [--count] \"SQL\"\n"
+           "       plxsql --foxpro DIR --info TABLE\n"
            "       plxsql --eval \"EXPRESSION\"\n";
     for (const plx::plxsql::BackEnd &backEnd : plx::plxsql::backEnds())
         err << "  " << backEnd.option << ' ' << backEnd.argumentName << ": " << backEnd.description

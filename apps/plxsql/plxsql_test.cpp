@@ -110,3 +110,37 @@ TEST(PlxsqlEvalTest, EvalPrintsTypedValues)
 }
 
 } // namespace
+
+// The FoxPro back end through the shell: the same query on a directory made by the
+// generator, and the header description of --info.
+TEST(PlxsqlFoxProTest, QueriesAndDescribesAFoxProDirectory)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    QProcess gen;
+    gen.start(QStringLiteral(PLXGEN_PATH),
+              { QStringLiteral("--foxpro"), dir.path(), QStringLiteral("--rows"),
+                QStringLiteral("100") });
+    ASSERT_TRUE(gen.waitForFinished(20000));
+    ASSERT_EQ(gen.exitCode(), 0) << gen.readAllStandardError().toStdString();
+
+    // 100 records, of which number 17, 50 and 83 are marked deleted.
+    const Outcome count =
+        plxsql({ QStringLiteral("--foxpro"), dir.path(), QStringLiteral("--count"),
+                 QStringLiteral("SELECT * from T ORDER BY T.NAME, T.CITY") });
+    ASSERT_EQ(count.exitCode, 0) << count.err.toStdString();
+    EXPECT_EQ(count.out, QStringLiteral("97\n"));
+
+    const Outcome info = plxsql(
+        { QStringLiteral("--foxpro"), dir.path(), QStringLiteral("--info"), QStringLiteral("t") });
+    ASSERT_EQ(info.exitCode, 0) << info.err.toStdString();
+    EXPECT_TRUE(info.out.contains(QStringLiteral("Version byte: 0xF5")));
+    EXPECT_TRUE(info.out.contains(QStringLiteral("Code page: 1252 (mark 0x03)")));
+    EXPECT_TRUE(info.out.contains(QStringLiteral("Records: 100 physical, 97 live, 3 deleted")));
+    EXPECT_TRUE(info.out.contains(QStringLiteral("AMOUNT     N(12,2)")));
+
+    const Outcome missing =
+        plxsql({ QStringLiteral("--foxpro"), dir.path(), QStringLiteral("SELECT * from NOPE") });
+    EXPECT_EQ(missing.exitCode, 1);
+    EXPECT_TRUE(missing.err.startsWith(QStringLiteral("Error:")));
+}

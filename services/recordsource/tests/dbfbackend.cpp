@@ -2,53 +2,13 @@
 #include "services/recordsource/tests/dbfbackend.h"
 
 #include "services/recordsource/dbf/dbftable.h"
+#include "services/recordsource/foxpro/fieldmapping.h"
 
 #include <QDir>
 
 namespace plx::testing {
 
 namespace {
-
-DbfField dbfField(const FieldInfo &f)
-{
-    DbfField d;
-    d.name = f.name;
-    switch (f.type) {
-    case FieldType::Text:
-        d.type = 'C';
-        d.length = f.size > 0 ? f.size : 254;
-        break;
-    case FieldType::Memo:
-    case FieldType::Binary:
-        d.type = 'M';
-        d.length = 10;
-        break;
-    case FieldType::Integer:
-        d.type = 'N';
-        d.length = 11;
-        break;
-    case FieldType::Numeric:
-        d.type = 'N';
-        d.length = f.size > 0 ? f.size : 12;
-        d.decimals = f.decimals;
-        break;
-    case FieldType::Double:
-        d.type = 'F';
-        d.length = 20;
-        d.decimals = 6;
-        break;
-    case FieldType::Boolean:
-        d.type = 'L';
-        d.length = 1;
-        break;
-    case FieldType::Date:
-    case FieldType::DateTime:
-        d.type = 'D';
-        d.length = 8;
-        break;
-    }
-    return d;
-}
 
 class DbfBackEnd final : public BackEnd
 {
@@ -60,7 +20,7 @@ public:
         for (const TableDef &t : tables) {
             QList<DbfField> fields;
             for (const FieldInfo &f : t.fields)
-                fields << dbfField(f);
+                fields << foxpro::dbfFieldFor(f);
             Result<std::unique_ptr<DbfTable>> table =
                 DbfTable::create(QDir(dir).filePath(t.name + QStringLiteral(".DBF")), fields);
             if (!table.isOk())

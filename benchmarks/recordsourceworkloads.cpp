@@ -1,0 +1,225 @@
+// benchmarks/recordsourceworkloads.cpp: the navigator's workloads on the generated
+// 1,000,000-record table T (see apps/plxgen):
+//   OpenCount      open "T", MoveLast, RecordCount (the count after attach)
+//   SortChange     open the sort query ORDER BY T.NAME, T.CITY and FindFirst the old
+//                  record's ID (a sort change keeping the record)
+//   FindQuery      open the find query UCase([T.NAME]) LIKE 'SM*' in that order and read
+//                  its first record
+//   FindFirstId    FindFirst by a CHR-coded ID on an open source
+//   MoveNextFields MoveNext and read every field, per record
+//   EditUpdate     Edit, set PLLASTREV, Update (durable)
+//   AddNewUpdate   AddNew, set ID and NAME, Update (durable)
+//   KeyMemory      bytes of keyset per record of a 1,000,000-key source
+#include "benchmarks/recordsourceworkloads.h"
+
+#include "apps/plxgen/benchtable.h"
+#include "services/texthelpers.h"
+
+#include <QFile>
+
+#include <benchmark/benchmark.h>
+
+namespace plx::bench {
+
+namespace {
+
+constexpr qint64 Rows = bench::DefaultBenchRows;
+const QString SortSql = QStringLiteral("SELECT * from T   ORDER BY T.NAME, T.CITY");
+const QString FindSql =
+    QStringLiteral("SELECT * from T WHERE UCase([T.NAME]) LIKE 'SM*' ORDER BY T.NAME, T.CITY");
+
+// The record a find looks for: one from the middle of the table.
+QString wantedId()
+{
+    return bench::BenchTableGenerator::idOf(Rows / 2 + 3);
+}
+
+const BackEndUnderTest *g_backEnd = nullptr;
+
+Database *database()
+{
+    return g_backEnd->database();
+}
+
+std::unique_ptr<RecordSource> openOrSkip(benchmark::State &state, const QString &sql)
+{
+    if (!database()) {
+        state.SkipWithError("no benchmark database");
+        return nullptr;
+    }
+    Result<std::unique_ptr<RecordSource>> rs = database()->OpenRecordset(sql);
+    if (!rs.isOk()) {
+        state.SkipWithError(rs.status().toString().toUtf8().constData());
+        return nullptr;
+    }
+    return std::move(rs).value();
+}
+
+void OpenCount(benchmark::State &state)
+{
+    for (auto _ : state) {
+        auto rs = openOrSkip(state, QStringLiteral("T"));
+        if (!rs)
+            return;
+        (void)rs->MoveLast();
+        benchmark::DoNotOptimize(rs->RecordCount());
+        state.counters["records"] = rs->RecordCount();
+    }
+}
+
+void SortChange(benchmark::State &state)
+{
+    const QString criterion = QStringLiteral("T.ID = ") + strToASC(wantedId());
+    for (auto _ : state) {
+        auto rs = openOrSkip(state, SortSql);
+        if (!rs)
+            return;
+        if (!rs->FindFirst(criterion).isOk() || rs->NoMatch()) {
+            state.SkipWithError("the ID was not found");
+            return;
+        }
+        benchmark::DoNotOptimize(rs->AbsolutePosition());
+    }
+}
+
+void FindQuery(benchmark::State &state)
+{
+    for (auto _ : state) {
+        auto rs = openOrSkip(state, FindSql);
+        if (!rs)
+            return;
+        benchmark::DoNotOptimize(rs->value(1));
+    }
+    if (auto rs = openOrSkip(state, FindSql); rs && rs->MoveLast().isOk())
+        state.counters["hits"] = rs->RecordCount();
+}
+
+void FindFirstId(benchmark::State &state)
+{
+    auto rs = openOrSkip(state, QStringLiteral("T"));
+    if (!rs)
+        return;
+    const QString criterion = QStringLiteral("ID = ") + strToASC(wantedId());
+    for (auto _ : state) {
+        if (!rs->FindFirst(criterion).isOk() || rs->NoMatch()) {
+            state.SkipWithError("the ID was not found");
+            return;
+        }
+    }
+}
+
+void MoveNextFields(benchmark::State &state)
+{
+    auto rs = openOrSkip(state, SortSql);
+    if (!rs)
+        return;
+    const int fields = rs->fieldInfos().size();
+    for (auto _ : state) {
+        if (rs->MoveNext().isOk() && rs->isEOF())
+            (void)rs->MoveFirst();
+        for (int i = 0; i < fields; ++i)
+            benchmark::DoNotOptimize(rs->value(i));
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
+void EditUpdate(benchmark::State &state)
+{
+    auto rs = openOrSkip(state, QStringLiteral("T"));
+    if (!rs)
+        return;
+    (void)rs->setAbsolutePosition(1000);
+    int n = 0;
+    for (auto _ : state) {
+        Status s = rs->Edit();
+        if (s.isOk())
+            s = rs->setValue(
+                QStringLiteral("PLLASTREV"),
+                QStringLiteral("11/22/2026 23:00:%1 BENCH").arg(n++ % 60, 2, 10, QLatin1Char('0')));
+        if (s.isOk())
+            s = rs->Update();
+        if (!s.isOk()) {
+            state.SkipWithError(s.toString().toUtf8().constData());
+            return;
+        }
+    }
+}
+
+// Resident memory of the process in bytes (Linux), for the growth an open source causes.
+double residentBytes()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray &line : status.readAll().split('\n')) {
+        if (line.startsWith("VmRSS:"))
+            return line.mid(6).trimmed().split(' ').first().toDouble() * 1024;
+    }
+    return 0;
+}
+
+void KeyMemory(benchmark::State &state)
+{
+    for (auto _ : state) {
+        const double before = residentBytes();
+        auto rs = openOrSkip(state, SortSql);
+        if (!rs)
+            return;
+        (void)rs->MoveLast();
+        const double after = residentBytes();
+        state.counters["keyset_bytes_per_key"] =
+            double(g_backEnd->keysetBytes(*rs)) / rs->RecordCount();
+        state.counters["rss_bytes_per_key"] = (after - before) / rs->RecordCount();
+    }
+}
+
+void AddNewUpdate(benchmark::State &state)
+{
+    auto rs = openOrSkip(state, QStringLiteral("T"));
+    if (!rs)
+        return;
+    int n = 0;
+    for (auto _ : state) {
+        Status s = rs->AddNew();
+        if (s.isOk())
+            s = rs->setValue(QStringLiteral("ID"), QStringLiteral("BENCH%1").arg(n++));
+        if (s.isOk())
+            s = rs->setValue(QStringLiteral("NAME"), QStringLiteral("ADDED, BY BENCHMARK"));
+        if (s.isOk())
+            s = rs->Update();
+        if (!s.isOk()) {
+            state.SkipWithError(s.toString().toUtf8().constData());
+            return;
+        }
+    }
+}
+
+} // namespace
+
+void registerRecordSourceWorkloads(const BackEndUnderTest &backEnd)
+{
+    static BackEndUnderTest kept;
+    kept = backEnd;
+    g_backEnd = &kept;
+    auto name = [&](const char *workload) { return backEnd.prefix + "_" + workload; };
+    benchmark::RegisterBenchmark(name("OpenCount").c_str(), OpenCount)
+        ->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark(name("SortChange").c_str(), SortChange)
+        ->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark(name("FindQuery").c_str(), FindQuery)
+        ->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark(name("FindFirstId").c_str(), FindFirstId)
+        ->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark(name("MoveNextFields").c_str(), MoveNextFields)
+        ->Unit(benchmark::kMicrosecond);
+    benchmark::RegisterBenchmark(name("EditUpdate").c_str(), EditUpdate)
+        ->Unit(benchmark::kMicrosecond);
+    benchmark::RegisterBenchmark(name("AddNewUpdate").c_str(), AddNewUpdate)
+        ->Unit(benchmark::kMicrosecond)
+        ->Iterations(200);
+    benchmark::RegisterBenchmark(name("KeyMemory").c_str(), KeyMemory)
+        ->Unit(benchmark::kMillisecond)
+        ->Iterations(1);
+}
+
+} // namespace plx::bench

@@ -1,0 +1,143 @@
+// What is particular to FoxPro tables behind the record source (the contract suite covers
+// what all back ends share): byte-order comparison, deleted records, read-only tables with
+// a structural index, and the statements the driver refuses.
+#include "services/recordsource/database.h"
+#include "services/recordsource/dbf/dbftable.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace plx;
+
+namespace {
+
+class FoxProRecordSourceTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_dir.isValid());
+        QList<DbfField> fields;
+        DbfField id;
+        id.name = QStringLiteral("ID");
+        id.type = 'C';
+        id.length = 10;
+        DbfField name = id;
+        name.name = QStringLiteral("NAME");
+        name.length = 20;
+        fields << id << name;
+        auto table = DbfTable::create(m_dir.filePath(QStringLiteral("FRUIT.DBF")), fields);
+        ASSERT_TRUE(table.isOk()) << table.status().toString().toStdString();
+        const char *names[] = { "apple", "Banana", "cherry", "Apricot", "banana" };
+        for (int i = 0; i < 5; ++i) {
+            ASSERT_TRUE(table.value()
+                            ->appendRecord(
+                                { QStringLiteral("F%1").arg(i + 1), QString::fromLatin1(names[i]) })
+                            .isOk());
+        }
+        ASSERT_TRUE(table.value()->setDeleted(5, true).isOk()); // the lower-case "banana"
+    }
+
+    std::unique_ptr<Database> database()
+    {
+        auto db = OpenDatabase(m_dir.path(), false, false, QStringLiteral("FoxPro 2.6"));
+        EXPECT_TRUE(db.isOk()) << db.status().toString().toStdString();
+        return db.isOk() ? std::move(db).value() : nullptr;
+    }
+
+    QStringList names(const QString &sql)
+    {
+        auto db = database();
+        auto rs = db->OpenRecordset(sql);
+        EXPECT_TRUE(rs.isOk()) << sql.toStdString() << ": " << rs.status().toString().toStdString();
+        QStringList out;
+        if (!rs.isOk())
+            return out;
+        for (RecordSource &r = *rs.value(); !r.isEOF(); (void)r.MoveNext())
+            out << r.value(QStringLiteral("NAME")).value().toString();
+        return out;
+    }
+
+    QTemporaryDir m_dir;
+};
+
+} // namespace
+
+TEST_F(FoxProRecordSourceTest, TextComparesCaseSensitivelyInByteOrder)
+{
+    EXPECT_EQ(names(QStringLiteral("SELECT * from fruit ORDER BY FRUIT.NAME")),
+              QStringList({ QStringLiteral("Apricot"), QStringLiteral("Banana"),
+                            QStringLiteral("apple"), QStringLiteral("cherry") }));
+    EXPECT_EQ(names(QStringLiteral("SELECT * from FRUIT WHERE NAME = 'APPLE'")), QStringList());
+    EXPECT_EQ(names(QStringLiteral("SELECT * from FRUIT WHERE NAME Like 'a*'")),
+              QStringList({ QStringLiteral("apple") }));
+    // The controls' find upper-cases both sides, so it finds every case.
+    EXPECT_EQ(
+        names(QStringLiteral(
+            "SELECT * from FRUIT WHERE UCase([FRUIT.NAME]) LIKE 'AP*' ORDER BY FRUIT.NAME DESC")),
+        QStringList({ QStringLiteral("apple"), QStringLiteral("Apricot") }));
+}
+
+TEST_F(FoxProRecordSourceTest, DeletedRecordsAreHiddenAndDeleteMarksTheFile)
+{
+    EXPECT_EQ(names(QStringLiteral("FRUIT")).size(), 4);
+    {
+        auto db = database();
+        auto rs = db->OpenRecordset(QStringLiteral("FRUIT"));
+        ASSERT_TRUE(rs.isOk());
+        ASSERT_TRUE(rs.value()->FindFirst(QStringLiteral("ID = CHR(70) & CHR(51)")).isOk());
+        ASSERT_FALSE(rs.value()->NoMatch());
+        ASSERT_TRUE(rs.value()->Delete().isOk());
+    }
+    EXPECT_EQ(names(QStringLiteral("FRUIT")),
+              QStringList({ QStringLiteral("apple"), QStringLiteral("Banana"),
+                            QStringLiteral("Apricot") }));
+    // The record is still in the file, flagged as FoxPro flags it.
+    auto table =
+        DbfTable::open(m_dir.filePath(QStringLiteral("FRUIT.DBF")), DbfTable::OpenMode::ReadOnly);
+    ASSERT_TRUE(table.isOk());
+    EXPECT_EQ(table.value()->recordCount(), 5u);
+    EXPECT_TRUE(table.value()->isDeleted(3));
+}
+
+TEST_F(FoxProRecordSourceTest, JoinsAndColumnListsAreRefusedWithAReason)
+{
+    auto db = database();
+    auto join = db->OpenRecordset(
+        QStringLiteral("SELECT * FROM FRUIT INNER JOIN FRUIT AS F2 ON FRUIT.ID = F2.ID"));
+    ASSERT_FALSE(join.isOk());
+    EXPECT_EQ(join.status().code(), Status::Code::NotSupported);
+    EXPECT_TRUE(join.status().message().contains(QStringLiteral("several FoxPro tables")));
+    auto unknown = db->OpenRecordset(QStringLiteral("SELECT * FROM FRUIT WHERE COLOUR = 'red'"));
+    EXPECT_EQ(unknown.status().code(), Status::Code::UnknownField);
+    EXPECT_EQ(db->OpenRecordset(QStringLiteral("VEGETABLE")).status().code(),
+              Status::Code::NotFound);
+}
+
+// A table with a structural index is read, but never written: the index would go stale for
+// the FoxPro programs that trust it.
+TEST(FoxProCdxTableTest, ReadsButRefusesEveryWrite)
+{
+    QTemporaryDir dir;
+    const QString samples = QStringLiteral(PLX_TESTDATA_DIR);
+    for (const char *file : { "calls.dbf", "calls.FPT", "calls.CDX" }) {
+        const QString name = QString::fromLatin1(file);
+        ASSERT_TRUE(QFile::copy(samples + QLatin1Char('/') + name, dir.filePath(name))) << file;
+        QFile(dir.filePath(name)).setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+    }
+    auto db = OpenDatabase(dir.path(), false, false, QStringLiteral("FoxPro 2.6"));
+    ASSERT_TRUE(db.isOk());
+    auto rs = db.value()->OpenRecordset(QStringLiteral("SELECT * FROM calls ORDER BY CALL_ID"));
+    ASSERT_TRUE(rs.isOk()) << rs.status().toString().toStdString();
+    RecordSource &r = *rs.value();
+    ASSERT_TRUE(r.MoveLast().isOk());
+    EXPECT_EQ(r.RecordCount(), 16);
+    for (const Status &s : { r.Edit(), r.AddNew(), r.Delete() }) {
+        EXPECT_EQ(s.code(), Status::Code::NotSupported);
+        EXPECT_TRUE(s.message().contains(QStringLiteral("index"), Qt::CaseInsensitive))
+            << s.message().toStdString();
+    }
+}
