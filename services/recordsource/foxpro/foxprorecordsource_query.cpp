@@ -12,6 +12,8 @@
 #include <array>
 #include <cstring>
 #include <limits>
+#include <string_view>
+#include <unordered_map>
 
 namespace plx::foxpro {
 
@@ -217,6 +219,41 @@ Status FoxProRecordSource::build(const jet::SelectStatement &stmt)
     return sort(stmt.orderBy);
 }
 
+namespace {
+
+// Replaces each record's stored bytes of one field by the rank of that value among the
+// distinct values, in byte order. Tables repeat their values a lot (names, cities, states),
+// so sorting the distinct values and then comparing small integers is far cheaper than
+// comparing the bytes of every pair.
+std::vector<quint32> byteRanks(const DbfTable &table, const std::vector<quint32> &recnos, int field)
+{
+    const size_t length = size_t(table.fields().at(field).length);
+    std::unordered_map<std::string_view, quint32> ids;
+    ids.reserve(recnos.size() / 4 + 16);
+    std::vector<std::string_view> distinct;
+    std::vector<quint32> rank(recnos.size());
+    for (size_t i = 0; i < recnos.size(); ++i) {
+        const std::string_view v(table.fieldBytes(recnos[i], field), length);
+        auto [it, inserted] = ids.try_emplace(v, quint32(distinct.size()));
+        if (inserted)
+            distinct.push_back(v);
+        rank[i] = it->second;
+    }
+    std::vector<quint32> order(distinct.size());
+    for (size_t i = 0; i < order.size(); ++i)
+        order[i] = quint32(i);
+    std::sort(order.begin(), order.end(),
+              [&distinct](quint32 a, quint32 b) { return distinct[a] < distinct[b]; });
+    std::vector<quint32> rankOfId(distinct.size());
+    for (size_t r = 0; r < order.size(); ++r)
+        rankOfId[order[r]] = quint32(r);
+    for (quint32 &r : rank)
+        r = rankOfId[r];
+    return rank;
+}
+
+} // namespace
+
 // Sorts the keys. Character, date and logical fields compare by their stored bytes (blank
 // padded, so shorter texts come first, in the code page's byte order as FoxPro's own
 // indexes); numeric fields by value; any other expression by its Jet value. Nulls first,
@@ -226,97 +263,76 @@ Status FoxProRecordSource::sort(const std::vector<jet::OrderItem> &order)
     if (order.empty() || m_keys.size() < 2)
         return Status::ok();
     const DbfTable &table = *m_table;
-    struct Key
-    {
-        enum Kind { Bytes, Number, Value } kind;
-        int field = -1;
-        int offset = 0; // Bytes: where the field's bytes sit in the extracted key
-        int length = 0;
-        bool descending = false;
-        std::vector<double> numbers;
-        std::vector<QVariant> values;
-    };
-    std::vector<Key> keys;
-    int byteWidth = 0;
-    for (const jet::OrderItem &item : order) {
-        Key k;
-        k.descending = item.descending;
-        if (item.expr->kind == NodeKind::Column) {
-            k.field = item.expr->column;
-            const DbfField &f = table.fields().at(k.field);
-            if (f.type == 'C' || f.type == 'D' || f.type == 'L') {
-                k.kind = Key::Bytes;
-                k.offset = byteWidth;
-                k.length = f.length;
-                byteWidth += f.length;
-            } else if (f.type == 'N' || f.type == 'F') {
-                k.kind = Key::Number;
-            } else {
-                k.kind = Key::Value;
-            }
-        } else {
-            k.kind = Key::Value;
-        }
-        keys.push_back(std::move(k));
-    }
-    // Extract the keys once, in key order, so the sort reads contiguous memory.
     const size_t n = m_keys.size();
-    std::vector<char> bytes(size_t(byteWidth) * n);
+    // One rank per record and key: byte ranks for C, D and L fields, otherwise the
+    // position of the record's value after sorting the values.
+    std::vector<std::vector<quint32>> ranks;
+    std::vector<bool> descending;
     RecordRow row(table);
-    for (size_t i = 0; i < n; ++i) {
-        const quint32 recno = m_keys[i];
-        for (size_t o = 0; o < keys.size(); ++o) {
-            Key &k = keys[o];
-            if (k.kind == Key::Bytes) {
-                std::memcpy(bytes.data() + i * size_t(byteWidth) + size_t(k.offset),
-                            table.fieldBytes(recno, k.field), size_t(k.length));
-            } else {
-                row.setRecord(recno);
-                Result<QVariant> v = jet::evaluate(*order[o].expr, &row, TextCompare::Binary);
-                if (!v.isOk())
-                    return v.status();
-                if (k.kind == Key::Number) {
-                    k.numbers.push_back(jet::isNull(v.value())
-                                            ? -std::numeric_limits<double>::infinity()
-                                            : v.value().toDouble());
-                } else {
-                    k.values.push_back(v.value());
-                }
-            }
+    for (const jet::OrderItem &item : order) {
+        descending.push_back(item.descending);
+        const bool column = item.expr->kind == NodeKind::Column;
+        const char type = column ? table.fields().at(item.expr->column).type : 0;
+        if (type == 'C' || type == 'D' || type == 'L') {
+            ranks.push_back(byteRanks(table, m_keys, item.expr->column));
+            continue;
         }
+        std::vector<QVariant> values(n);
+        for (size_t i = 0; i < n; ++i) {
+            row.setRecord(m_keys[i]);
+            Result<QVariant> v = jet::evaluate(*item.expr, &row, TextCompare::Binary);
+            if (!v.isOk())
+                return v.status();
+            values[i] = v.value();
+        }
+        auto valueLess = [&values](quint32 a, quint32 b) {
+            const QVariant &x = values[a], &y = values[b];
+            if (jet::isNull(x) || jet::isNull(y))
+                return jet::isNull(x) && !jet::isNull(y); // Null first
+            Result<int> c = jet::compareValues(x, y, TextCompare::Binary, 0);
+            return c.isOk() && c.value() < 0;
+        };
+        std::vector<quint32> byValue(n);
+        for (size_t i = 0; i < n; ++i)
+            byValue[i] = quint32(i);
+        std::stable_sort(byValue.begin(), byValue.end(), valueLess);
+        std::vector<quint32> rank(n);
+        quint32 r = 0;
+        for (size_t i = 0; i < n; ++i) {
+            if (i > 0 && valueLess(byValue[i - 1], byValue[i]))
+                ++r;
+            rank[byValue[i]] = r;
+        }
+        ranks.push_back(std::move(rank));
     }
-    std::vector<quint32> index(n);
-    for (size_t i = 0; i < n; ++i)
-        index[i] = quint32(i);
-    const char *base = bytes.data();
-    auto less = [&](quint32 a, quint32 b) {
-        for (const Key &k : keys) {
-            int c = 0;
-            if (k.kind == Key::Bytes) {
-                c = std::memcmp(base + size_t(a) * size_t(byteWidth) + size_t(k.offset),
-                                base + size_t(b) * size_t(byteWidth) + size_t(k.offset),
-                                size_t(k.length));
-            } else if (k.kind == Key::Number) {
-                c = k.numbers[a] < k.numbers[b] ? -1 : (k.numbers[a] > k.numbers[b] ? 1 : 0);
-            } else {
-                const QVariant &x = k.values[a];
-                const QVariant &y = k.values[b];
-                if (jet::isNull(x) || jet::isNull(y)) {
-                    c = jet::isNull(x) == jet::isNull(y) ? 0 : (jet::isNull(x) ? -1 : 1);
-                } else {
-                    Result<int> r = jet::compareValues(x, y, TextCompare::Binary, 0);
-                    c = r.isOk() ? r.value() : 0;
-                }
-            }
-            if (c != 0)
-                return k.descending ? c > 0 : c < 0;
-        }
-        return a < b;
+    // The first two keys packed into one integer settle almost every comparison.
+    struct Entry
+    {
+        quint64 key;
+        quint32 index;
     };
-    std::sort(index.begin(), index.end(), less);
+    auto packed = [&](size_t k, size_t i) -> quint64 {
+        if (k >= ranks.size())
+            return 0;
+        const quint32 r = ranks[k][i];
+        return descending[k] ? quint64(~r) : quint64(r);
+    };
+    std::vector<Entry> entries(n);
+    for (size_t i = 0; i < n; ++i)
+        entries[i] = { (packed(0, i) << 32) | packed(1, i), quint32(i) };
+    std::sort(entries.begin(), entries.end(), [&](const Entry &a, const Entry &b) {
+        if (a.key != b.key)
+            return a.key < b.key;
+        for (size_t k = 2; k < ranks.size(); ++k) {
+            const quint32 x = ranks[k][a.index], y = ranks[k][b.index];
+            if (x != y)
+                return descending[k] ? x > y : x < y;
+        }
+        return a.index < b.index;
+    });
     std::vector<quint32> sorted(n);
     for (size_t i = 0; i < n; ++i)
-        sorted[i] = m_keys[index[i]];
+        sorted[i] = m_keys[entries[i].index];
     m_keys = std::move(sorted);
     return Status::ok();
 }
