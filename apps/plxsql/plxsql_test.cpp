@@ -144,3 +144,27 @@ TEST(PlxsqlFoxProTest, QueriesAndDescribesAFoxProDirectory)
     EXPECT_EQ(missing.exitCode, 1);
     EXPECT_TRUE(missing.err.startsWith(QStringLiteral("Error:")));
 }
+
+// A database made by the sqlite3 tool, with plain declared types, reads the same way.
+TEST(PlxsqlSqliteToolTest, ReadsADatabaseMadeByTheSqlite3Tool)
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("tool.db"));
+    QProcess tool;
+    tool.start(QStringLiteral("sqlite3"),
+               { file,
+                 QStringLiteral("CREATE TABLE T (ID TEXT, NAME TEXT);"
+                                "INSERT INTO T VALUES ('PLE0000002', 'jones'), "
+                                "('PLE0000001', 'Smith'), ('XYZ0000003', 'smithers');") });
+    if (!tool.waitForFinished(20000) || tool.exitCode() != 0)
+        GTEST_SKIP() << "the sqlite3 tool is not available";
+    const Outcome r =
+        plxsql({ QStringLiteral("--sqlite"), file,
+                 QStringLiteral("Select * from T WHERE  Left([ID],3) = 'PLE' Order By ID DESC") });
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out, QStringLiteral("ID\tNAME\nPLE0000002\tjones\nPLE0000001\tSmith\n"));
+    const Outcome count =
+        plxsql({ QStringLiteral("--sqlite"), file, QStringLiteral("--count"),
+                 QStringLiteral("SELECT * from T WHERE UCase([T.NAME]) LIKE 'SMITH*'") });
+    EXPECT_EQ(count.out, QStringLiteral("2\n"));
+}
