@@ -1,7 +1,10 @@
 // services/recordsource/foxpro/foxprodatabase.cpp: the FoxPro directory as a Database.
 #include "services/recordsource/foxpro/foxprodatabase.h"
 
+#include "services/recordsource/foxpro/dbfvtab.h"
 #include "services/recordsource/foxpro/foxprorecordsource.h"
+#include "services/recordsource/jet/parser.h"
+#include "services/recordsource/sqlite/sqliterecordsource.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -22,6 +25,8 @@ public:
     {
         if (m_closed)
             return Status(Status::Code::InvalidArgument, QStringLiteral("the database is closed"));
+        if (needsSqlite(tableOrSql))
+            return openThroughSqlite(tableOrSql);
         return FoxProRecordSource::open([this](const QString &name) { return tablePath(name); },
                                         tableOrSql, m_readOnly);
     }
@@ -43,6 +48,51 @@ public:
     void Close() override { m_closed = true; }
 
 private:
+    // Joins and column lists are SQLite's work; the record source runs the one-table shapes.
+    static bool needsSqlite(const QString &tableOrSql)
+    {
+        Result<jet::SelectStatement> stmt = jet::parseSelect(tableOrSql);
+        return stmt.isOk() && (!stmt->joins.empty() || !stmt->star);
+    }
+
+    // Runs the statement on an in-memory SQLite connection where each table it names is a
+    // "dbf" virtual table. Such a record source holds its rows and is read-only.
+    Result<std::unique_ptr<RecordSource>> openThroughSqlite(const QString &sql) const
+    {
+        const jet::SelectStatement stmt = jet::parseSelect(sql).value();
+        Result<std::shared_ptr<sqlite::Connection>> conn =
+            sqlite::Connection::open(QStringLiteral(":memory:"), false, false);
+        if (!conn.isOk())
+            return conn.status();
+        conn.value()->setTextCompare(TextCompare::Binary);
+        if (Status s = registerDbfModule(conn.value()->handle()); !s.isOk())
+            return s;
+        std::vector<jet::TableRef> tables{ stmt.from };
+        for (const jet::Join &j : stmt.joins)
+            tables.push_back(j.table);
+        QStringList created;
+        for (const jet::TableRef &t : tables) {
+            const QString path = tablePath(t.name);
+            if (path.isEmpty())
+                return Status(
+                    Status::Code::NotFound,
+                    QStringLiteral("no table named %1 at position %2").arg(t.name).arg(t.pos));
+            if (created.contains(t.name, Qt::CaseInsensitive))
+                continue;
+            QString quotedPath = path;
+            quotedPath.replace(QLatin1Char('\''), QStringLiteral("''"));
+            QString quotedName = t.name;
+            quotedName.replace(QLatin1Char('"'), QStringLiteral("\"\""));
+            Status s =
+                conn.value()->exec(QStringLiteral("CREATE VIRTUAL TABLE \"%1\" USING dbf('%2')")
+                                       .arg(quotedName, quotedPath));
+            if (!s.isOk())
+                return s;
+            created << t.name;
+        }
+        return sqlite::SqliteRecordSource::open(conn.value(), sql);
+    }
+
     // The file of a table, its title matched without regard to case; empty when none.
     QString tablePath(const QString &name) const
     {

@@ -8,6 +8,7 @@
 #include "services/recordsource/jet/values.h"
 
 #include <cmath>
+#include <optional>
 
 namespace plx::jet {
 
@@ -174,6 +175,26 @@ R unary(const Node &node, const Row *row, TextCompare mode)
     return QVariant(-d.value());
 }
 
+// A find runs one pattern over every row: keep the last compiled one per thread so that
+// a row costs a text comparison, not a compilation. Null for a pattern that fails.
+const LikePattern *cachedPattern(const QString &text, TextCompare mode, int pos)
+{
+    thread_local QString lastText;
+    thread_local TextCompare lastMode = TextCompare::NoCase;
+    thread_local std::optional<LikePattern> last;
+    if (last && lastMode == mode && lastText == text)
+        return &*last;
+    Result<LikePattern> p = LikePattern::compile(text, mode, pos);
+    if (!p.isOk()) {
+        last.reset();
+        return nullptr;
+    }
+    last = std::move(p.value());
+    lastText = text;
+    lastMode = mode;
+    return &*last;
+}
+
 R like(const Node &node, const Row *row, TextCompare mode)
 {
     R value = evaluate(*node.args[0], row, mode);
@@ -184,10 +205,10 @@ R like(const Node &node, const Row *row, TextCompare mode)
         return pattern;
     if (isNull(value.value()) || isNull(pattern.value()))
         return QVariant();
-    Result<LikePattern> p = LikePattern::compile(toText(pattern.value()), mode, node.args[1]->pos);
-    if (!p.isOk())
-        return p.status();
-    return QVariant(p->matches(toText(value.value())) != node.negated);
+    const LikePattern *compiled = cachedPattern(toText(pattern.value()), mode, node.args[1]->pos);
+    if (!compiled)
+        return LikePattern::compile(toText(pattern.value()), mode, node.args[1]->pos).status();
+    return QVariant(compiled->matches(toText(value.value())) != node.negated);
 }
 
 R between(const Node &node, const Row *row, TextCompare mode)
@@ -290,24 +311,6 @@ bool isKnownFunction(const QString &upperName)
         || findFunction(upperName) != nullptr;
 }
 
-Status bind(const NodePtr &root, const ColumnResolver &resolve)
-{
-    if (!root)
-        return Status::ok();
-    if (root->kind == NodeKind::Column) {
-        Result<int> index = resolve(*root);
-        if (!index.isOk())
-            return index.status();
-        root->column = index.value();
-        return Status::ok();
-    }
-    for (const NodePtr &arg : root->args) {
-        if (Status s = jet::bind(arg, resolve); !s.isOk())
-            return s;
-    }
-    return Status::ok();
-}
-
 Result<QVariant> evaluate(const Node &node, const Row *row, TextCompare mode)
 {
     switch (node.kind) {
@@ -334,53 +337,6 @@ Result<QVariant> evaluate(const Node &node, const Row *row, TextCompare mode)
     case NodeKind::Call: return call(node, row, mode);
     }
     return QVariant();
-}
-
-bool isTrue(const QVariant &value)
-{
-    if (isNull(value))
-        return false;
-    if (isBoolean(value))
-        return value.toBool();
-    Result<double> d = toNumber(value, 0);
-    return d.isOk() && d.value() != 0;
-}
-
-Result<QVariant> evaluateStandalone(const QString &expression)
-{
-    Result<NodePtr> tree = parseExpression(expression);
-    if (!tree.isOk())
-        return tree.status();
-    Status s = jet::bind(tree.value(), [](const Node &col) -> Result<int> {
-        return Status(
-            Status::Code::UnknownField,
-            QStringLiteral("unknown field '%1' at position %2")
-                .arg(col.table.isEmpty() ? col.name : col.table + QLatin1Char('.') + col.name)
-                .arg(col.pos));
-    });
-    if (!s.isOk())
-        return s;
-    return evaluate(*tree.value(), nullptr, TextCompare::NoCase);
-}
-
-QString formatValue(const QVariant &value)
-{
-    if (isNull(value))
-        return QStringLiteral("Null");
-    if (isBoolean(value))
-        return value.toBool() ? QStringLiteral("True") : QStringLiteral("False");
-    if (isDate(value)) {
-        const QDateTime dt = toDateTime(value);
-        QString s = dt.date().toString(QStringLiteral("MM/dd/yyyy"));
-        if (dt.time() != QTime(0, 0))
-            s += QLatin1Char(' ') + dt.time().toString(QStringLiteral("hh:mm:ss"));
-        return QLatin1Char('#') + s + QLatin1Char('#');
-    }
-    if (isNumeric(value))
-        return numberText(value.toDouble());
-    QString text = value.toString();
-    text.replace(QLatin1Char('"'), QStringLiteral("\"\""));
-    return QLatin1Char('"') + text + QLatin1Char('"');
 }
 
 } // namespace plx::jet

@@ -3,69 +3,13 @@
 // Like Is Between In), &, + -, Mod, \, * /, unary -, ^.
 #include "services/recordsource/jet/parser.h"
 
-#include "services/recordsource/jet/lexer.h"
+#include "services/recordsource/jet/parser_p.h"
 
 namespace plx::jet {
 
+using detail::Parser;
+
 namespace {
-
-class Parser
-{
-public:
-    explicit Parser(std::vector<Token> tokens) : m_tokens(std::move(tokens)) { }
-
-    Result<SelectStatement> select();
-    Result<NodePtr> wholeExpression();
-
-private:
-    const Token &peek(int ahead = 0) const
-    {
-        const size_t i = std::min(m_index + size_t(ahead), m_tokens.size() - 1);
-        return m_tokens[i];
-    }
-    const Token &take() { return m_tokens[std::min(m_index++, m_tokens.size() - 1)]; }
-    bool acceptWord(QLatin1String w)
-    {
-        if (!peek().isWord(w))
-            return false;
-        ++m_index;
-        return true;
-    }
-    bool acceptSymbol(QLatin1String s)
-    {
-        if (!peek().isSymbol(s))
-            return false;
-        ++m_index;
-        return true;
-    }
-    Status error(const QString &expected) const
-    {
-        const Token &t = peek();
-        const QString found = t.kind == TokenKind::End ? QStringLiteral("end of text")
-                                                       : QStringLiteral("'%1'").arg(t.text);
-        return Status(Status::Code::Syntax,
-                      QStringLiteral("%1 expected but %2 found at position %3")
-                          .arg(expected, found)
-                          .arg(t.pos));
-    }
-    bool isReserved(const Token &t) const;
-
-    Result<NodePtr> expression() { return binaryLevel(0); }
-    Result<NodePtr> binaryLevel(int level);
-    Result<NodePtr> notLevel();
-    Result<NodePtr> comparison();
-    Result<NodePtr> arithmetic(int level);
-    Result<NodePtr> unary();
-    Result<NodePtr> power();
-    Result<NodePtr> primary();
-    Result<NodePtr> nameOrCall();
-    Result<TableRef> tableRef();
-    Status fromClause(SelectStatement &stmt);
-    Status selectList(SelectStatement &stmt);
-
-    std::vector<Token> m_tokens;
-    size_t m_index = 0;
-};
 
 NodePtr makeBinary(Op op, NodePtr l, NodePtr r, int pos)
 {
@@ -76,6 +20,10 @@ NodePtr makeBinary(Op op, NodePtr l, NodePtr r, int pos)
     n->args = { std::move(l), std::move(r) };
     return n;
 }
+
+} // namespace
+
+namespace detail {
 
 bool Parser::isReserved(const Token &t) const
 {
@@ -386,149 +334,6 @@ Result<NodePtr> Parser::nameOrCall()
     return n;
 }
 
-Result<TableRef> Parser::tableRef()
-{
-    const Token &t = peek();
-    if ((t.kind != TokenKind::Name && t.kind != TokenKind::BracketName) || isReserved(t))
-        return error(QStringLiteral("a table name"));
-    TableRef ref;
-    ref.pos = t.pos;
-    ref.name = take().text.trimmed();
-    if (acceptWord(QLatin1String("AS")) || (peek().kind == TokenKind::BracketName)
-        || (peek().kind == TokenKind::Name && !isReserved(peek()))) {
-        const Token &a = peek();
-        if (a.kind != TokenKind::Name && a.kind != TokenKind::BracketName)
-            return error(QStringLiteral("an alias"));
-        ref.alias = take().text.trimmed();
-    }
-    return ref;
-}
-
-// FROM a [AS x] { [INNER|LEFT [OUTER]|RIGHT [OUTER]] JOIN b ON cond }, with Jet's
-// parentheses around nested joins: they are flattened left to right.
-Status Parser::fromClause(SelectStatement &stmt)
-{
-    int open = 0;
-    while (acceptSymbol(QLatin1String("(")))
-        ++open;
-    Result<TableRef> first = tableRef();
-    if (!first.isOk())
-        return first.status();
-    stmt.from = first.value();
-    for (;;) {
-        if (open > 0 && acceptSymbol(QLatin1String(")"))) {
-            --open;
-            continue;
-        }
-        JoinKind kind = JoinKind::Inner;
-        if (acceptWord(QLatin1String("INNER"))) {
-            kind = JoinKind::Inner;
-        } else if (acceptWord(QLatin1String("LEFT"))) {
-            kind = JoinKind::Left;
-            acceptWord(QLatin1String("OUTER"));
-        } else if (acceptWord(QLatin1String("RIGHT"))) {
-            kind = JoinKind::Right;
-            acceptWord(QLatin1String("OUTER"));
-        } else if (!peek().isWord(QLatin1String("JOIN"))) {
-            break;
-        }
-        if (!acceptWord(QLatin1String("JOIN")))
-            return error(QStringLiteral("'JOIN'"));
-        Join join;
-        join.kind = kind;
-        Result<TableRef> table = tableRef();
-        if (!table.isOk())
-            return table.status();
-        join.table = table.value();
-        if (!acceptWord(QLatin1String("ON")))
-            return error(QStringLiteral("'ON'"));
-        Result<NodePtr> on = expression();
-        if (!on.isOk())
-            return on.status();
-        join.on = on.value();
-        stmt.joins.push_back(std::move(join));
-    }
-    if (open > 0)
-        return error(QStringLiteral("')'"));
-    return Status::ok();
-}
-
-Status Parser::selectList(SelectStatement &stmt)
-{
-    if (acceptSymbol(QLatin1String("*"))) {
-        stmt.star = true;
-        return Status::ok();
-    }
-    do {
-        SelectItem item;
-        const Token &t = peek();
-        if ((t.kind == TokenKind::Name || t.kind == TokenKind::BracketName)
-            && (peek(1).isSymbol(QLatin1String(".")) || peek(1).isSymbol(QLatin1String("!")))
-            && peek(2).isSymbol(QLatin1String("*"))) {
-            item.starTable = take().text.trimmed();
-            take();
-            take();
-        } else {
-            Result<NodePtr> e = expression();
-            if (!e.isOk())
-                return e.status();
-            item.expr = e.value();
-            if (acceptWord(QLatin1String("AS"))) {
-                const Token &a = peek();
-                if (a.kind != TokenKind::Name && a.kind != TokenKind::BracketName)
-                    return error(QStringLiteral("a column alias"));
-                item.alias = take().text.trimmed();
-            }
-        }
-        stmt.items.push_back(std::move(item));
-    } while (acceptSymbol(QLatin1String(",")));
-    return Status::ok();
-}
-
-Result<SelectStatement> Parser::select()
-{
-    SelectStatement stmt;
-    if (!acceptWord(QLatin1String("SELECT")))
-        return error(QStringLiteral("SELECT"));
-    if (peek().isWord(QLatin1String("DISTINCT")) || peek().isWord(QLatin1String("TOP")))
-        return Status(Status::Code::NotSupported,
-                      QStringLiteral("'%1' at position %2 is not supported")
-                          .arg(peek().text)
-                          .arg(peek().pos));
-    if (Status s = selectList(stmt); !s.isOk())
-        return s;
-    if (!acceptWord(QLatin1String("FROM")))
-        return error(QStringLiteral("FROM"));
-    if (Status s = fromClause(stmt); !s.isOk())
-        return s;
-    if (acceptWord(QLatin1String("WHERE"))) {
-        Result<NodePtr> where = expression();
-        if (!where.isOk())
-            return where.status();
-        stmt.where = where.value();
-    }
-    if (acceptWord(QLatin1String("ORDER"))) {
-        if (!acceptWord(QLatin1String("BY")))
-            return error(QStringLiteral("BY after ORDER"));
-        do {
-            OrderItem item;
-            Result<NodePtr> e = expression();
-            if (!e.isOk())
-                return e.status();
-            item.expr = e.value();
-            if (acceptWord(QLatin1String("DESC")))
-                item.descending = true;
-            else
-                acceptWord(QLatin1String("ASC"));
-            stmt.orderBy.push_back(std::move(item));
-        } while (acceptSymbol(QLatin1String(",")));
-    }
-    acceptSymbol(QLatin1String(";"));
-    if (peek().kind != TokenKind::End)
-        return error(QStringLiteral("end of statement"));
-    return stmt;
-}
-
 Result<NodePtr> Parser::wholeExpression()
 {
     Result<NodePtr> e = expression();
@@ -539,7 +344,7 @@ Result<NodePtr> Parser::wholeExpression()
     return e;
 }
 
-} // namespace
+} // namespace detail
 
 Result<SelectStatement> parseSelect(const QString &sql)
 {

@@ -6,6 +6,7 @@
 //   jet_between(mode, x, a, b, negated)   bounds in either order
 //   jet_<name>(mode, args...)     UCase, Left, InStr, Chr, ... (see functions.h)
 //   COLLATE JETNOCASE             case-insensitive text order (Unicode case folding)
+//   COLLATE JETBINARY             case-sensitive order of the Windows-1252 bytes
 //
 // Every callback body is inside a catch-all: no C++ exception may unwind into SQLite.
 #include "services/recordsource/jet/sqlitetranslate.h"
@@ -300,6 +301,30 @@ int jetNoCase(void *, int n1, const void *p1, int n2, const void *p2)
     }
 }
 
+// Binary order as the evaluator's: ASCII bytes compare directly (UTF-8 keeps their order),
+// anything else is ranked by its Windows-1252 byte.
+int jetBinary(void *, int n1, const void *p1, int n2, const void *p2)
+{
+    try {
+        const auto *a = static_cast<const unsigned char *>(p1);
+        const auto *b = static_cast<const unsigned char *>(p2);
+        const int n = std::min(n1, n2);
+        for (int i = 0; i < n; ++i) {
+            const unsigned char x = a[i], y = b[i];
+            if (x == y)
+                continue;
+            if (x >= 0x80 || y >= 0x80)
+                return compareText(QString::fromUtf8(reinterpret_cast<const char *>(a), n1),
+                                   QString::fromUtf8(reinterpret_cast<const char *>(b), n2),
+                                   TextCompare::Binary);
+            return x < y ? -1 : 1;
+        }
+        return n1 < n2 ? -1 : (n1 > n2 ? 1 : 0);
+    } catch (...) {
+        return 0;
+    }
+}
+
 const char *const kFunctionNames[] = { "UCASE", "UCASE$", "LCASE", "LCASE$", "LEFT", "LEFT$",
                                        "RIGHT", "RIGHT$", "MID",   "MID$",   "LEN",  "TRIM",
                                        "TRIM$", "LTRIM",  "RTRIM", "INSTR",  "CHR",  "CHR$",
@@ -332,6 +357,8 @@ Status registerJetFunctions(sqlite3 *db)
     }
     if (rc == SQLITE_OK)
         rc = sqlite3_create_collation_v2(db, "JETNOCASE", SQLITE_UTF8, nullptr, jetNoCase, nullptr);
+    if (rc == SQLITE_OK)
+        rc = sqlite3_create_collation_v2(db, "JETBINARY", SQLITE_UTF8, nullptr, jetBinary, nullptr);
     if (rc != SQLITE_OK)
         return Status(Status::Code::Engine, QStringLiteral("cannot register the Jet SQL functions"),
                       rc, QString::fromUtf8(sqlite3_errmsg(db)));

@@ -61,7 +61,9 @@ Result<QString> translateCriterion(const QString &jetCriterion, const Translated
 // work on the stored text.
 //
 // Installs the functions and collations the translated texts call. Call once per
-// connection, right after opening it.
+// connection, right after opening it. Text comparisons and ORDER BY use COLLATE JETNOCASE
+// (case-folded, NoCase sources) or COLLATE JETBINARY (Windows-1252 byte order, Binary
+// sources); a back end may declare its columns with the same collations.
 Status registerJetFunctions(sqlite3 *db);
 
 } // namespace plx::jet

@@ -1,10 +1,12 @@
 // services/recordsource/jet/values.cpp: conversions and comparisons of Jet values.
 #include "services/recordsource/jet/values.h"
 
+#include "services/cp1252.h"
 #include "services/recordsource/jet/lexer.h"
 
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <cmath>
 
 namespace plx::jet {
@@ -183,11 +185,32 @@ QString toText(const QVariant &v)
     return v.toString();
 }
 
+namespace {
+
+// The byte a character has in Windows-1252; characters the code page cannot hold sort
+// after all of its bytes, by code point.
+int binaryRank(QChar c)
+{
+    if (c.unicode() < 0x80)
+        return c.unicode();
+    const int code = cp1252::fromUnicode(c, -1);
+    return code >= 0 ? code : 0x100 + c.unicode();
+}
+
+} // namespace
+
 int compareText(QStringView a, QStringView b, TextCompare mode)
 {
     if (mode == TextCompare::Binary) {
-        const int c = a.compare(b, Qt::CaseSensitive);
-        return c < 0 ? -1 : (c > 0 ? 1 : 0);
+        // Binary sources (FoxPro tables) compared the code page's bytes, so "€" (0x80)
+        // sorts before "é" (0xE9) although its code point is higher.
+        const qsizetype n = std::min(a.size(), b.size());
+        for (qsizetype i = 0; i < n; ++i) {
+            if (a[i] == b[i])
+                continue;
+            return binaryRank(a[i]) < binaryRank(b[i]) ? -1 : 1;
+        }
+        return a.size() < b.size() ? -1 : (a.size() > b.size() ? 1 : 0);
     }
     const int c = a.compare(b, Qt::CaseInsensitive);
     return c < 0 ? -1 : (c > 0 ? 1 : 0);

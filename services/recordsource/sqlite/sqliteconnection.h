@@ -50,6 +50,11 @@ public:
                                                     bool readOnly);
 
     sqlite3 *handle() const { return m_db; }
+    // How the Jet texts run on this connection compare text: case-insensitively for a
+    // SQLite database (the default), in byte order when the tables are FoxPro files
+    // exposed as virtual tables.
+    TextCompare textCompare() const { return m_compare; }
+    void setTextCompare(TextCompare compare) { m_compare = compare; }
     const QString &path() const { return m_path; }
     bool isReadOnly() const { return m_readOnly; }
 
@@ -83,6 +88,7 @@ private:
     sqlite3 *m_db;
     QString m_path;
     bool m_readOnly;
+    TextCompare m_compare = TextCompare::NoCase;
 };
 
 } // namespace plx::sqlite

@@ -86,7 +86,7 @@ SqliteRecordSource::open(std::shared_ptr<Connection> connection, const QString &
         sql = QStringLiteral("SELECT * FROM [%1]").arg(table);
     }
     Result<jet::TranslatedSelect> translated =
-        jet::translateSelect(sql, connection->tableLookup(), TextCompare::NoCase);
+        jet::translateSelect(sql, connection->tableLookup(), connection->textCompare());
     if (!translated.isOk())
         return translated.status();
     std::unique_ptr<SqliteRecordSource> source(new SqliteRecordSource(std::move(connection)));

@@ -32,7 +32,7 @@ Status SqliteRecordSource::findFrom(const QString &criterion, qint64 start)
     if (!s.isOk())
         return s;
     Result<QString> sql =
-        jet::translateCriterion(criterion, m_select, m_conn->tableLookup(), TextCompare::NoCase);
+        jet::translateCriterion(criterion, m_select, m_conn->tableLookup(), m_conn->textCompare());
     if (!sql.isOk())
         return sql.status();
     Result<qint64> found = m_keyed ? findKeyed(sql.value(), start) : findHeld(sql.value(), start);

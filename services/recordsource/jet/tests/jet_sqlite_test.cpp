@@ -208,7 +208,8 @@ TEST_F(JetSqliteTest, UnknownNamesAndTablesFailBeforeAnythingRuns)
     EXPECT_TRUE(field.status().message().contains(QStringLiteral("'T.NAMX' at position 29")));
     Result<TranslatedSelect> table =
         translateSelect(QStringLiteral("SELECT * from NOPE"), lookup());
-    EXPECT_EQ(table.status().code(), Status::Code::NotFound);
+    EXPECT_EQ(table.status().code(), Status::Code::UnknownField);
+    EXPECT_TRUE(table.status().message().contains(QStringLiteral("'NOPE' at position 15")));
     Result<TranslatedSelect> fn =
         translateSelect(QStringLiteral("SELECT * from T WHERE Nz(NAME) = 1"), lookup());
     EXPECT_EQ(fn.status().code(), Status::Code::UnknownFunction);

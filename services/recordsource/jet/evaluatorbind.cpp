@@ -1,0 +1,115 @@
+// services/recordsource/jet/evaluatorbind.cpp: preparing a tree for evaluation (binding
+// names to column indexes, computing constant parts once) and the shell's side of the
+// evaluator: standalone expressions and how a value is printed.
+#include "services/recordsource/jet/evaluator.h"
+
+#include "services/recordsource/jet/parser.h"
+#include "services/recordsource/jet/values.h"
+
+namespace plx::jet {
+
+namespace {
+
+// Whether a node's value is the same for every row and under either text comparison:
+// operators and functions that do not compare text, over literals only.
+bool foldable(const Node &node)
+{
+    if (node.args.empty())
+        return false;
+    for (const NodePtr &arg : node.args) {
+        if (arg->kind != NodeKind::Literal)
+            return false;
+    }
+    if (node.kind == NodeKind::Binary)
+        return node.op >= Op::Add && node.op <= Op::Concat;
+    if (node.kind == NodeKind::Call)
+        return node.name != QLatin1String("DATE") && node.name != QLatin1String("NOW")
+            && node.name != QLatin1String("INSTR") && node.name != QLatin1String("IIF");
+    return false;
+}
+
+// Computes constant parts once, so that a key written as CHR(80) & CHR(76) & ... costs one
+// comparison per row. A part that fails stays as it is and fails only when it is reached
+// (IIF does not evaluate the branch it does not take).
+void foldConstant(Node &node)
+{
+    if (!foldable(node))
+        return;
+    Result<QVariant> v = evaluate(node, nullptr, TextCompare::Binary);
+    if (!v.isOk())
+        return;
+    node.kind = NodeKind::Literal;
+    node.op = Op::None;
+    node.value = v.value();
+    node.args.clear();
+}
+
+} // namespace
+
+Status bind(const NodePtr &root, const ColumnResolver &resolve)
+{
+    if (!root)
+        return Status::ok();
+    if (root->kind == NodeKind::Column) {
+        Result<int> index = resolve(*root);
+        if (!index.isOk())
+            return index.status();
+        root->column = index.value();
+        return Status::ok();
+    }
+    for (const NodePtr &arg : root->args) {
+        if (Status s = jet::bind(arg, resolve); !s.isOk())
+            return s;
+    }
+    foldConstant(*root);
+    return Status::ok();
+}
+
+bool isTrue(const QVariant &value)
+{
+    if (isNull(value))
+        return false;
+    if (isBoolean(value))
+        return value.toBool();
+    Result<double> d = toNumber(value, 0);
+    return d.isOk() && d.value() != 0;
+}
+
+Result<QVariant> evaluateStandalone(const QString &expression)
+{
+    Result<NodePtr> tree = parseExpression(expression);
+    if (!tree.isOk())
+        return tree.status();
+    Status s = jet::bind(tree.value(), [](const Node &col) -> Result<int> {
+        return Status(
+            Status::Code::UnknownField,
+            QStringLiteral("unknown field '%1' at position %2")
+                .arg(col.table.isEmpty() ? col.name : col.table + QLatin1Char('.') + col.name)
+                .arg(col.pos));
+    });
+    if (!s.isOk())
+        return s;
+    return evaluate(*tree.value(), nullptr, TextCompare::NoCase);
+}
+
+QString formatValue(const QVariant &value)
+{
+    if (isNull(value))
+        return QStringLiteral("Null");
+    if (isBoolean(value))
+        return value.toBool() ? QStringLiteral("True") : QStringLiteral("False");
+    if (isDate(value)) {
+        const QDateTime dt = toDateTime(value);
+        QString s = dt.date().toString(QStringLiteral("MM/dd/yyyy"));
+        if (dt.time() != QTime(0, 0))
+            s += QLatin1Char(' ') + dt.time().toString(QStringLiteral("hh:mm:ss"));
+        return QLatin1Char('#') + s + QLatin1Char('#');
+    }
+    if (isNumeric(value))
+        return numberText(value.toDouble());
+    QString text = value.toString();
+    text.replace(QLatin1Char('"'), QStringLiteral("\"\""));
+    return QLatin1Char('"') + text + QLatin1Char('"');
+}
+
+} // namespace plx::jet

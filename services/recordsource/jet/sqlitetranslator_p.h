@@ -1,0 +1,61 @@
+// services/recordsource/jet/sqlitetranslator_p.h: the expression half of the SQLite
+// translation, shared by the statement assembly (sqlitetranslate.cpp) and the expression
+// emitter (sqliteexpr.cpp). Private to the Jet layer.
+#pragma once
+
+#include "services/recordsource/jet/ast.h"
+#include "services/recordsource/jet/sqlitetranslate.h"
+
+#include <optional>
+#include <vector>
+
+namespace plx::jet::detail {
+
+// "name" with inner quotes doubled: a SQLite identifier, whatever the name holds.
+inline QString quoteName(const QString &name)
+{
+    QString q = name;
+    q.replace(QLatin1Char('"'), QStringLiteral("\"\""));
+    return QLatin1Char('"') + q + QLatin1Char('"');
+}
+
+struct Source
+{
+    QString alias; // as written (or the table name)
+    TableColumns table; // real spelling
+};
+
+class Translator
+{
+public:
+    Translator(std::vector<Source> sources, TextCompare mode)
+        : m_sources(std::move(sources)), m_mode(mode)
+    {
+    }
+
+    Result<QString> expr(const Node &node);
+    Result<QString> column(const Node &node, QString *outputName = nullptr);
+    QString collate() const
+    {
+        return m_mode == TextCompare::NoCase ? QStringLiteral(" COLLATE JETNOCASE")
+                                             : QStringLiteral(" COLLATE JETBINARY");
+    }
+    int modeArg() const { return m_mode == TextCompare::NoCase ? 1 : 0; }
+    const std::vector<Source> &sources() const { return m_sources; }
+
+private:
+    Result<QString> args(const Node &node, size_t from, QString *out);
+    Result<QString> call(const Node &node);
+    std::optional<QString> upperPrefixLike(const Node &node);
+    const Source *findSource(const QString &name) const;
+    static Status unknown(const Node &node, const QString &what)
+    {
+        return Status(Status::Code::UnknownField,
+                      QStringLiteral("unknown field '%1' at position %2").arg(what).arg(node.pos));
+    }
+
+    std::vector<Source> m_sources;
+    TextCompare m_mode;
+};
+
+} // namespace plx::jet::detail
