@@ -7,11 +7,6 @@ namespace plx::foxpro {
 
 namespace {
 
-Status closedError()
-{
-    return Status(Status::Code::InvalidArgument, QStringLiteral("the record source is closed"));
-}
-
 // "SELECT" as the first word marks a statement; anything else names a table.
 bool isStatement(const QString &text)
 {
@@ -67,127 +62,6 @@ FoxProRecordSource::open(const TablePaths &paths, const QString &tableOrSql, boo
     if (!source->m_keys.empty())
         (void)source->moveTo(0);
     return std::unique_ptr<RecordSource>(std::move(source));
-}
-
-bool FoxProRecordSource::hasCurrent() const
-{
-    return !m_closed && !m_onDeleted && m_pos >= 0 && m_pos < qint64(m_keys.size());
-}
-
-Status FoxProRecordSource::checkOpen() const
-{
-    return m_closed ? closedError() : Status::ok();
-}
-
-bool FoxProRecordSource::isBOF() const
-{
-    return m_closed || m_keys.empty() || m_pos < 0;
-}
-
-bool FoxProRecordSource::isEOF() const
-{
-    return m_closed || m_keys.empty() || m_pos >= qint64(m_keys.size());
-}
-
-qint32 FoxProRecordSource::AbsolutePosition() const
-{
-    return hasCurrent() ? qint32(m_pos) : -1;
-}
-
-qint32 FoxProRecordSource::RecordCount() const
-{
-    return m_closed ? 0 : qint32(std::min<qint64>(m_reached, qint64(m_keys.size())));
-}
-
-// Every move drops a pending edit and its lock, as moving off a record does in DAO.
-Status FoxProRecordSource::moveTo(qint64 position)
-{
-    if (m_mode != EditMode::None)
-        endEdit();
-    const qint64 size = qint64(m_keys.size());
-    m_onDeleted = false;
-    m_pos = std::clamp<qint64>(position, -1, size);
-    if (m_pos >= 0 && m_pos < size)
-        m_reached = std::max(m_reached, m_pos + 1);
-    return Status::ok();
-}
-
-Status FoxProRecordSource::setAbsolutePosition(qint32 position)
-{
-    if (Status s = checkOpen(); !s.isOk())
-        return s;
-    if (position < 0 || position >= qint64(m_keys.size()))
-        return Status(Status::Code::InvalidArgument,
-                      QStringLiteral("position %1 is outside 0 .. %2")
-                          .arg(position)
-                          .arg(qint64(m_keys.size()) - 1));
-    return moveTo(position);
-}
-
-Status FoxProRecordSource::MoveFirst()
-{
-    if (Status s = checkOpen(); !s.isOk())
-        return s;
-    if (m_keys.empty())
-        return Status(Status::Code::NotFound,
-                      QStringLiteral("no current record: the source is empty"));
-    return moveTo(0);
-}
-
-Status FoxProRecordSource::MoveLast()
-{
-    if (Status s = checkOpen(); !s.isOk())
-        return s;
-    if (m_keys.empty())
-        return Status(Status::Code::NotFound,
-                      QStringLiteral("no current record: the source is empty"));
-    return moveTo(qint64(m_keys.size()) - 1);
-}
-
-Status FoxProRecordSource::MoveNext()
-{
-    if (Status s = checkOpen(); !s.isOk())
-        return s;
-    if (m_onDeleted)
-        return moveTo(m_pos); // the successor has moved into the deleted record's place
-    if (isEOF())
-        return Status(Status::Code::InvalidArgument, QStringLiteral("MoveNext at EOF"));
-    return moveTo(m_pos + 1);
-}
-
-Status FoxProRecordSource::MovePrevious()
-{
-    if (Status s = checkOpen(); !s.isOk())
-        return s;
-    if (m_onDeleted)
-        return moveTo(m_pos - 1);
-    if (isBOF())
-        return Status(Status::Code::InvalidArgument, QStringLiteral("MovePrevious at BOF"));
-    return moveTo(m_pos - 1);
-}
-
-Status FoxProRecordSource::FindFirst(const QString &criterion)
-{
-    if (Status s = checkOpen(); !s.isOk())
-        return s;
-    Result<qint64> found = findFrom(criterion, 0);
-    if (!found.isOk())
-        return found.status();
-    m_noMatch = found.value() < 0;
-    // Deliberate: without a match the position stays; callers restore what they remembered.
-    return m_noMatch ? Status::ok() : moveTo(found.value());
-}
-
-Status FoxProRecordSource::FindNext(const QString &criterion)
-{
-    if (Status s = checkOpen(); !s.isOk())
-        return s;
-    const qint64 start = m_onDeleted ? m_pos : m_pos + 1;
-    Result<qint64> found = findFrom(criterion, std::max<qint64>(start, 0));
-    if (!found.isOk())
-        return found.status();
-    m_noMatch = found.value() < 0;
-    return m_noMatch ? Status::ok() : moveTo(found.value());
 }
 
 Result<QVariant> FoxProRecordSource::value(int index) const

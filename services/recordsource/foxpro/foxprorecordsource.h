@@ -12,6 +12,7 @@
 #pragma once
 
 #include "services/recordsource/dbf/dbftable.h"
+#include "services/recordsource/positionedrecordsource.h"
 #include "services/recordsource/jet/ast.h"
 
 #include <functional>
@@ -22,7 +23,7 @@ namespace plx::foxpro {
 // The file of a table by name; empty when there is none.
 using TablePaths = std::function<QString(const QString &table)>;
 
-class FoxProRecordSource final : public RecordSource
+class FoxProRecordSource final : public PositionedRecordSource
 {
 public:
     // A table name or a SELECT on one table with WHERE and ORDER BY. NotFound for an unknown
@@ -30,21 +31,6 @@ public:
     static Result<std::unique_ptr<RecordSource>> open(const TablePaths &paths,
                                                       const QString &tableOrSql, bool readOnly);
     ~FoxProRecordSource() override;
-
-    bool isBOF() const override;
-    bool isEOF() const override;
-    qint32 AbsolutePosition() const override;
-    Status setAbsolutePosition(qint32 position) override;
-    qint32 RecordCount() const override;
-
-    Status MoveFirst() override;
-    Status MoveLast() override;
-    Status MovePrevious() override;
-    Status MoveNext() override;
-
-    Status FindFirst(const QString &criterion) override;
-    Status FindNext(const QString &criterion) override;
-    bool NoMatch() const override { return m_noMatch; }
 
     const QList<FieldInfo> &fieldInfos() const override { return m_table->fieldInfos(); }
     Result<QVariant> value(int index) const override;
@@ -62,6 +48,11 @@ public:
     // Bytes held for the keyset (for the memory benchmark).
     size_t keysetBytes() const { return m_keys.capacity() * sizeof(quint32); }
 
+protected:
+    qint64 size() const override { return qint64(m_keys.size()); }
+    void endEdit() override;
+    Result<qint64> locate(const QString &criterion, qint64 start) const override;
+
 private:
     FoxProRecordSource() = default;
 
@@ -69,22 +60,11 @@ private:
     Result<jet::NodePtr> bindExpression(const jet::NodePtr &node) const;
     Result<std::vector<quint32>> filter(const jet::NodePtr &where) const;
     Status sort(const std::vector<jet::OrderItem> &order);
-    Result<qint64> findFrom(const QString &criterion, qint64 start) const;
-    Status moveTo(qint64 position);
-    bool hasCurrent() const;
-    Status checkOpen() const;
-    void endEdit();
 
     std::unique_ptr<DbfTable> m_table;
     QString m_tableName;
     QString m_alias;
     std::vector<quint32> m_keys; // record numbers in the source's order
-
-    qint64 m_pos = -1; // -1 before the first record, size after the last
-    bool m_onDeleted = false; // the record at m_pos was deleted; m_pos names its successor
-    qint64 m_reached = 0;
-    bool m_noMatch = false;
-    bool m_closed = false;
 
     EditMode m_mode = EditMode::None;
     QVariantList m_buffer;

@@ -337,7 +337,7 @@ Status FoxProRecordSource::sort(const std::vector<jet::OrderItem> &order)
     return Status::ok();
 }
 
-Result<qint64> FoxProRecordSource::findFrom(const QString &criterion, qint64 start) const
+Result<qint64> FoxProRecordSource::locate(const QString &criterion, qint64 start) const
 {
     Result<NodePtr> tree = jet::parseExpression(criterion);
     if (!tree.isOk())

@@ -11,11 +11,6 @@ namespace plx::sqlite {
 
 namespace {
 
-Status closedError()
-{
-    return Status(Status::Code::InvalidArgument, QStringLiteral("the record source is closed"));
-}
-
 // A bare name is a table (every SELECT has a blank); "SELECT * FROM [name]" reads it.
 bool isTableName(const QString &text)
 {
@@ -175,103 +170,6 @@ Status SqliteRecordSource::loadHeldRows()
 qint64 SqliteRecordSource::size() const
 {
     return m_keyed ? m_keys.size() : qint64(m_rows.size());
-}
-
-bool SqliteRecordSource::hasCurrent() const
-{
-    return !m_closed && !m_onDeleted && m_pos >= 0 && m_pos < size();
-}
-
-Status SqliteRecordSource::checkOpen() const
-{
-    return m_closed ? closedError() : Status::ok();
-}
-
-bool SqliteRecordSource::isBOF() const
-{
-    return m_closed || size() == 0 || m_pos < 0;
-}
-
-bool SqliteRecordSource::isEOF() const
-{
-    return m_closed || size() == 0 || m_pos >= size();
-}
-
-qint32 SqliteRecordSource::AbsolutePosition() const
-{
-    return hasCurrent() ? qint32(m_pos) : -1;
-}
-
-qint32 SqliteRecordSource::RecordCount() const
-{
-    return m_closed ? 0 : qint32(std::min(m_reached, size()));
-}
-
-// Every move drops a pending edit and its lock, as moving off a record does in DAO.
-Status SqliteRecordSource::moveTo(qint64 position)
-{
-    if (m_mode != EditMode::None)
-        endEdit();
-    m_onDeleted = false;
-    m_pos = std::clamp<qint64>(position, -1, size());
-    if (m_pos >= 0 && m_pos < size())
-        m_reached = std::max(m_reached, m_pos + 1);
-    return Status::ok();
-}
-
-Status SqliteRecordSource::setAbsolutePosition(qint32 position)
-{
-    Status s = checkOpen();
-    if (!s.isOk())
-        return s;
-    // Any record of the keyset may be reached this way, not only those counted so far.
-    if (position < 0 || position >= size())
-        return Status(
-            Status::Code::InvalidArgument,
-            QStringLiteral("position %1 is outside 0 .. %2").arg(position).arg(size() - 1));
-    return moveTo(position);
-}
-
-Status SqliteRecordSource::MoveFirst()
-{
-    Status s = checkOpen();
-    if (s.isOk() && size() == 0)
-        s = Status(Status::Code::NotFound,
-                   QStringLiteral("no current record: the source is empty"));
-    return s.isOk() ? moveTo(0) : s;
-}
-
-Status SqliteRecordSource::MoveLast()
-{
-    Status s = checkOpen();
-    if (s.isOk() && size() == 0)
-        s = Status(Status::Code::NotFound,
-                   QStringLiteral("no current record: the source is empty"));
-    return s.isOk() ? moveTo(size() - 1) : s;
-}
-
-Status SqliteRecordSource::MoveNext()
-{
-    Status s = checkOpen();
-    if (!s.isOk())
-        return s;
-    if (m_onDeleted)
-        return moveTo(m_pos); // the successor has moved into the deleted record's place
-    if (isEOF())
-        return Status(Status::Code::InvalidArgument, QStringLiteral("MoveNext at EOF"));
-    return moveTo(m_pos + 1);
-}
-
-Status SqliteRecordSource::MovePrevious()
-{
-    Status s = checkOpen();
-    if (!s.isOk())
-        return s;
-    if (m_onDeleted)
-        return moveTo(m_pos - 1);
-    if (isBOF())
-        return Status(Status::Code::InvalidArgument, QStringLiteral("MovePrevious at BOF"));
-    return moveTo(m_pos - 1);
 }
 
 Status SqliteRecordSource::loadCurrent() const

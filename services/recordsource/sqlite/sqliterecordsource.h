@@ -11,6 +11,7 @@
 // no rowid to key on; its rows are held in memory and it is read-only.
 #pragma once
 
+#include "services/recordsource/positionedrecordsource.h"
 #include "services/recordsource/sqlite/keyset.h"
 #include "services/recordsource/sqlite/recordlock.h"
 #include "services/recordsource/sqlite/sqliteconnection.h"
@@ -19,7 +20,7 @@
 
 namespace plx::sqlite {
 
-class SqliteRecordSource final : public RecordSource
+class SqliteRecordSource final : public PositionedRecordSource
 {
 public:
     // Opens a record source on a table name or a Jet SELECT. NotFound for an unknown
@@ -27,21 +28,6 @@ public:
     static Result<std::unique_ptr<RecordSource>> open(std::shared_ptr<Connection> connection,
                                                       const QString &tableOrSql);
     ~SqliteRecordSource() override;
-
-    bool isBOF() const override;
-    bool isEOF() const override;
-    qint32 AbsolutePosition() const override;
-    Status setAbsolutePosition(qint32 position) override;
-    qint32 RecordCount() const override;
-
-    Status MoveFirst() override;
-    Status MoveLast() override;
-    Status MovePrevious() override;
-    Status MoveNext() override;
-
-    Status FindFirst(const QString &criterion) override;
-    Status FindNext(const QString &criterion) override;
-    bool NoMatch() const override { return m_noMatch; }
 
     const QList<FieldInfo> &fieldInfos() const override { return m_fields; }
     Result<QVariant> value(int index) const override;
@@ -59,19 +45,18 @@ public:
     // Bytes held for the keyset (for the memory benchmark).
     size_t keysetBytes() const { return m_keys.bytes(); }
 
+protected:
+    qint64 size() const override;
+    void endEdit() override;
+    Result<qint64> locate(const QString &criterion, qint64 start) const override;
+
 private:
     explicit SqliteRecordSource(std::shared_ptr<Connection> connection);
 
     Status describeColumns();
     Status loadKeyset();
     Status loadHeldRows();
-    qint64 size() const;
-    bool hasCurrent() const;
-    Status checkOpen() const;
-    Status moveTo(qint64 position);
     Status loadCurrent() const;
-    void endEdit();
-    Status findFrom(const QString &criterion, qint64 start);
     Result<qint64> findKeyed(const QString &sqlCriterion, qint64 start) const;
     Result<qint64> findHeld(const QString &sqlCriterion, qint64 start) const;
     Status checkWritable() const;
@@ -90,12 +75,6 @@ private:
     KeySet m_keys;
     std::vector<QVariantList> m_rows; // held rows when not keyed
     Statement m_rowStmt; // the values of one record by rowid
-
-    qint64 m_pos = -1; // -1 before the first record, size() after the last
-    bool m_onDeleted = false; // the record at m_pos was deleted; m_pos names its successor
-    qint64 m_reached = 0; // RecordCount: the furthest record visited, plus one
-    bool m_noMatch = false;
-    bool m_closed = false;
 
     mutable qint64 m_cachedKey = -1;
     mutable bool m_cacheValid = false;

@@ -13,37 +13,13 @@
 
 namespace plx::sqlite {
 
-Status SqliteRecordSource::FindFirst(const QString &criterion)
+Result<qint64> SqliteRecordSource::locate(const QString &criterion, qint64 start) const
 {
-    return findFrom(criterion, 0);
-}
-
-Status SqliteRecordSource::FindNext(const QString &criterion)
-{
-    qint64 start = m_pos + 1;
-    if (m_onDeleted)
-        start = m_pos; // the record after the deleted one sits at its position now
-    return findFrom(criterion, std::max<qint64>(start, 0));
-}
-
-Status SqliteRecordSource::findFrom(const QString &criterion, qint64 start)
-{
-    Status s = checkOpen();
-    if (!s.isOk())
-        return s;
     Result<QString> sql =
         jet::translateCriterion(criterion, m_select, m_conn->tableLookup(), m_conn->textCompare());
     if (!sql.isOk())
         return sql.status();
-    Result<qint64> found = m_keyed ? findKeyed(sql.value(), start) : findHeld(sql.value(), start);
-    if (!found.isOk())
-        return found.status();
-    m_noMatch = found.value() < 0;
-    // Deliberate: without a match the position stays where it was; callers restore the
-    // position they remembered, as DAO leaves the current record undefined.
-    if (m_noMatch)
-        return Status::ok();
-    return moveTo(found.value());
+    return m_keyed ? findKeyed(sql.value(), start) : findHeld(sql.value(), start);
 }
 
 Result<qint64> SqliteRecordSource::findKeyed(const QString &sqlCriterion, qint64 start) const
