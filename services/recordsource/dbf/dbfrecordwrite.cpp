@@ -128,7 +128,9 @@ Status DbfTable::touchDate()
     return s;
 }
 
-Status DbfTable::writeRecord(quint32 recno, const QVariantList &values)
+// Writes need a writable table and a record that exists; another program may have
+// appended it since this object last read the header.
+Status DbfTable::checkWritableRecord(quint32 recno)
 {
     if (!isWritable())
         return m_writable;
@@ -140,6 +142,13 @@ Status DbfTable::writeRecord(quint32 recno, const QVariantList &values)
             return Status(Status::Code::NotFound,
                           QStringLiteral("record %1 is not in the table").arg(recno));
     }
+    return Status::ok();
+}
+
+Status DbfTable::writeRecord(quint32 recno, const QVariantList &values)
+{
+    if (Status s = checkWritableRecord(recno); !s.isOk())
+        return s;
     RecordLockGuard lock(*this, recno);
     Status s = lock.acquire();
     if (!s.isOk())
@@ -224,16 +233,8 @@ Result<quint32> DbfTable::appendRecord(const QVariantList &values)
 
 Status DbfTable::setDeleted(quint32 recno, bool deleted)
 {
-    if (!isWritable())
-        return m_writable;
-    if (recno == 0 || recno > m_count) {
-        auto count = refreshCount();
-        if (!count.isOk())
-            return count.status();
-        if (recno == 0 || recno > *count)
-            return Status(Status::Code::NotFound,
-                          QStringLiteral("record %1 is not in the table").arg(recno));
-    }
+    if (Status s = checkWritableRecord(recno); !s.isOk())
+        return s;
     RecordLockGuard lock(*this, recno);
     Status s = lock.acquire();
     if (!s.isOk())

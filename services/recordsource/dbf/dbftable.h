@@ -258,6 +258,7 @@ private:
                         QList<QPair<int, QByteArray>> &memos, bool fresh) const;
     Status writeMemos(QByteArray &rec, const QList<QPair<int, QByteArray>> &memos);
     Status recordLockBytes(quint32 recno, bool lock);
+    Status checkWritableRecord(quint32 recno);
 
     QString m_path;
     DbfHeader m_header;

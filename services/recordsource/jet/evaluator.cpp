@@ -260,15 +260,7 @@ R inList(const Node &node, const Row *row, TextCompare mode)
 R call(const Node &node, const Row *row, TextCompare mode)
 {
     const int n = int(node.args.size());
-    auto arity = [&node, n](int lo, int hi) -> Status {
-        if (n >= lo && n <= hi)
-            return Status::ok();
-        return Status(Status::Code::Syntax,
-                      QStringLiteral("wrong number of arguments (%1) for %2 at position %3")
-                          .arg(n)
-                          .arg(node.name)
-                          .arg(node.pos));
-    };
+    auto arity = [&node, n](int lo, int hi) { return checkArity(node.name, n, lo, hi, node.pos); };
     if (node.name == QLatin1String("IIF")) {
         if (Status s = arity(3, 3); !s.isOk())
             return s;

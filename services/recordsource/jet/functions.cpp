@@ -368,6 +368,17 @@ const FunctionDef kFunctions[] = {
 
 } // namespace
 
+Status checkArity(const QString &name, int count, int minArgs, int maxArgs, int pos)
+{
+    if (count >= minArgs && count <= maxArgs)
+        return Status::ok();
+    return Status(Status::Code::Syntax,
+                  QStringLiteral("wrong number of arguments (%1) for %2 at position %3")
+                      .arg(count)
+                      .arg(name)
+                      .arg(pos));
+}
+
 const FunctionDef *findFunction(const QString &upperName)
 {
     for (const FunctionDef &f : kFunctions) {

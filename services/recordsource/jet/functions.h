@@ -21,6 +21,10 @@ struct FunctionDef
     Result<QVariant> (*call)(const QVariant *args, int count, TextCompare mode, int pos);
 };
 
+// Syntax error naming the call when it has fewer than `minArgs` or more than `maxArgs`
+// arguments.
+Status checkArity(const QString &name, int count, int minArgs, int maxArgs, int pos);
+
 // nullptr for a name that is not a function (IIF and ISNULL included: see above).
 const FunctionDef *findFunction(const QString &upperName);
 
