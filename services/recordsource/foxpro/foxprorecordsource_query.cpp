@@ -12,8 +12,6 @@
 #include <array>
 #include <cstring>
 #include <limits>
-#include <string_view>
-#include <unordered_map>
 
 namespace plx::foxpro {
 
@@ -228,22 +226,60 @@ namespace {
 std::vector<quint32> byteRanks(const DbfTable &table, const std::vector<quint32> &recnos, int field)
 {
     const size_t length = size_t(table.fields().at(field).length);
-    std::unordered_map<std::string_view, quint32> ids;
-    ids.reserve(recnos.size() / 4 + 16);
-    std::vector<std::string_view> distinct;
+    // An open-addressing table of distinct values (ids + 1, 0 = empty), grown at half load;
+    // a value's bytes stay in the mapped file, so nothing is copied.
+    auto hashOf = [length](const char *p) {
+        quint64 h = 0x9E3779B97F4A7C15ull ^ length;
+        size_t i = 0;
+        for (; i + 8 <= length; i += 8) {
+            quint64 w;
+            std::memcpy(&w, p + i, 8);
+            h = (h ^ w) * 0xFF51AFD7ED558CCDull;
+            h ^= h >> 32;
+        }
+        for (; i < length; ++i)
+            h = (h ^ static_cast<unsigned char>(p[i])) * 0x100000001B3ull;
+        return h ^ (h >> 29);
+    };
+    std::vector<const char *> distinct;
+    std::vector<quint64> distinctHash;
+    std::vector<quint32> slots(1024, 0);
+    auto insert = [&](const char *p, quint64 h) -> quint32 {
+        size_t mask = slots.size() - 1;
+        for (size_t i = size_t(h) & mask;; i = (i + 1) & mask) {
+            const quint32 slot = slots[i];
+            if (slot == 0) {
+                distinct.push_back(p);
+                distinctHash.push_back(h);
+                slots[i] = quint32(distinct.size());
+                return quint32(distinct.size() - 1);
+            }
+            if (distinctHash[slot - 1] == h && std::memcmp(distinct[slot - 1], p, length) == 0)
+                return slot - 1;
+        }
+    };
     std::vector<quint32> rank(recnos.size());
-    for (size_t i = 0; i < recnos.size(); ++i) {
-        const std::string_view v(table.fieldBytes(recnos[i], field), length);
-        auto [it, inserted] = ids.try_emplace(v, quint32(distinct.size()));
-        if (inserted)
-            distinct.push_back(v);
-        rank[i] = it->second;
+    for (size_t r = 0; r < recnos.size(); ++r) {
+        if (distinct.size() * 2 >= slots.size()) {
+            std::vector<quint32> grown(slots.size() * 2, 0);
+            const size_t mask = grown.size() - 1;
+            for (size_t d = 0; d < distinct.size(); ++d) {
+                size_t i = size_t(distinctHash[d]) & mask;
+                while (grown[i] != 0)
+                    i = (i + 1) & mask;
+                grown[i] = quint32(d + 1);
+            }
+            slots.swap(grown);
+        }
+        const char *p = table.fieldBytes(recnos[r], field);
+        rank[r] = insert(p, hashOf(p));
     }
     std::vector<quint32> order(distinct.size());
     for (size_t i = 0; i < order.size(); ++i)
         order[i] = quint32(i);
-    std::sort(order.begin(), order.end(),
-              [&distinct](quint32 a, quint32 b) { return distinct[a] < distinct[b]; });
+    std::sort(order.begin(), order.end(), [&distinct, length](quint32 a, quint32 b) {
+        return std::memcmp(distinct[a], distinct[b], length) < 0;
+    });
     std::vector<quint32> rankOfId(distinct.size());
     for (size_t r = 0; r < order.size(); ++r)
         rankOfId[order[r]] = quint32(r);
