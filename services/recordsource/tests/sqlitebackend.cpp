@@ -1,6 +1,9 @@
 // services/recordsource/tests/sqlitebackend.cpp: writing contract tables into a SQLite file
-// through the raw C API, so that the back end under test reads files it did not write.
+// through the raw C API (in the back end's storage conventions: declared types, ISO dates,
+// -1/0 booleans), so that the record source under test reads rows it did not write.
 #include "services/recordsource/tests/sqlitebackend.h"
+
+#include "services/recordsource/sqlite/sqlitevalues.h"
 
 #include <QDate>
 #include <QDateTime>
@@ -10,43 +13,6 @@
 namespace plx::testing {
 
 namespace {
-
-QString declaredType(const FieldInfo &f)
-{
-    switch (f.type) {
-    case FieldType::Text: return QStringLiteral("CHAR(%1)").arg(f.size);
-    case FieldType::Memo: return QStringLiteral("MEMO");
-    case FieldType::Integer: return QStringLiteral("INTEGER");
-    case FieldType::Numeric: return QStringLiteral("NUMERIC(%1,%2)").arg(f.size).arg(f.decimals);
-    case FieldType::Double: return QStringLiteral("DOUBLE");
-    case FieldType::Boolean: return QStringLiteral("BOOLEAN");
-    case FieldType::Date: return QStringLiteral("DATE");
-    case FieldType::DateTime: return QStringLiteral("DATETIME");
-    case FieldType::Binary: return QStringLiteral("BLOB");
-    }
-    return QStringLiteral("TEXT");
-}
-
-void bind(sqlite3_stmt *st, int parameter, const QVariant &v, const FieldInfo &f)
-{
-    if (!v.isValid() || v.isNull()) {
-        sqlite3_bind_null(st, parameter);
-        return;
-    }
-    QByteArray text;
-    switch (f.type) {
-    case FieldType::Integer: sqlite3_bind_int64(st, parameter, v.toLongLong()); return;
-    case FieldType::Numeric:
-    case FieldType::Double: sqlite3_bind_double(st, parameter, v.toDouble()); return;
-    case FieldType::Boolean: sqlite3_bind_int(st, parameter, v.toBool() ? -1 : 0); return;
-    case FieldType::Date: text = v.toDate().toString(Qt::ISODate).toUtf8(); break;
-    case FieldType::DateTime:
-        text = v.toDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")).toUtf8();
-        break;
-    default: text = v.toString().toUtf8(); break;
-    }
-    sqlite3_bind_text(st, parameter, text.constData(), int(text.size()), SQLITE_TRANSIENT);
-}
 
 Status fail(sqlite3 *db, const QString &what)
 {
@@ -59,7 +25,7 @@ Status writeTable(sqlite3 *db, const TableDef &table)
     QStringList columns;
     QStringList marks;
     for (const FieldInfo &f : table.fields) {
-        columns << QStringLiteral("\"%1\" %2").arg(f.name, declaredType(f));
+        columns << QStringLiteral("\"%1\" %2").arg(f.name, sqlite::declaredTypeFor(f));
         marks << QStringLiteral("?");
     }
     const QByteArray create = QStringLiteral("CREATE TABLE \"%1\" (%2)")
@@ -75,7 +41,7 @@ Status writeTable(sqlite3 *db, const TableDef &table)
         return fail(db, QStringLiteral("prepare insert"));
     for (const QVariantList &row : table.rows) {
         for (int i = 0; i < table.fields.size(); ++i)
-            bind(st, i + 1, row.value(i), table.fields.at(i));
+            sqlite::bindValue(st, i + 1, row.value(i), table.fields.at(i));
         if (sqlite3_step(st) != SQLITE_DONE) {
             sqlite3_finalize(st);
             return fail(db, QStringLiteral("insert into %1").arg(table.name));
