@@ -8,6 +8,22 @@ namespace plx {
 
 Database::~Database() = default;
 
+namespace {
+
+// "FoxPro 2.6;CodePage=850": the code page for tables whose header has no code-page mark.
+int codePageOption(const QString &connect)
+{
+    const QStringList parts = connect.split(QLatin1Char(';'));
+    for (qsizetype i = 1; i < parts.size(); ++i) {
+        const QString key = parts.at(i).section(QLatin1Char('='), 0, 0).trimmed();
+        if (key.compare(QLatin1String("CodePage"), Qt::CaseInsensitive) == 0)
+            return parts.at(i).section(QLatin1Char('='), 1).trimmed().toInt();
+    }
+    return 0;
+}
+
+} // namespace
+
 Result<std::unique_ptr<Database>> OpenDatabase(const QString &name, bool exclusive, bool readOnly,
                                                const QString &connect)
 {
@@ -17,7 +33,7 @@ Result<std::unique_ptr<Database>> OpenDatabase(const QString &name, bool exclusi
     if (kind.isEmpty())
         return sqlite::openSqliteDatabase(name, exclusive, readOnly);
     if (kind.compare(QLatin1String("FoxPro 2.6"), Qt::CaseInsensitive) == 0)
-        return foxpro::openDatabase(name, readOnly);
+        return foxpro::openDatabase(name, readOnly, codePageOption(connect));
     return Status(Status::Code::NotSupported,
                   QStringLiteral("unknown connect string \"%1\"").arg(connect));
 }

@@ -4,7 +4,8 @@
 // serves it is decided by the connect string, as with DAO's OpenDatabase:
 //   ""             a SQLite database file (the embedded default); created when missing
 //   "FoxPro 2.6"   a directory of FoxPro 2.6 table files; each file is a table named by
-//                  its file title
+//                  its file title. "FoxPro 2.6;CodePage=850" reads tables without a
+//                  code-page mark in that code page (Windows-1252 otherwise).
 // Record sources keep what they need of the database alive, so a source may outlive the
 // Database object that opened it.
 #pragma once

@@ -64,8 +64,10 @@ int dbfConnect(sqlite3 *db, void *, int argc, const char *const *argv, sqlite3_v
         if (path.size() >= 2
             && (path.startsWith(QLatin1Char('\'')) || path.startsWith(QLatin1Char('"'))))
             path = path.mid(1, path.size() - 2);
+        // An optional second argument: the code page of a table without a code-page mark.
+        const int codePage = argc > 4 ? QString::fromUtf8(argv[4]).trimmed().toInt() : 0;
         Result<std::unique_ptr<DbfTable>> table =
-            DbfTable::open(path, DbfTable::OpenMode::ReadOnly);
+            DbfTable::open(path, DbfTable::OpenMode::ReadOnly, codePage);
         if (!table.isOk()) {
             *err = sqlite3_mprintf("%s", table.status().message().toUtf8().constData());
             return SQLITE_ERROR;

@@ -5,7 +5,8 @@
 // Jet front end translates the statement as for any SQLite database.
 //
 //     registerDbfModule(db);
-//     CREATE VIRTUAL TABLE "CUSTOMER" USING dbf('/data/CUSTOMER.DBF');
+//     CREATE VIRTUAL TABLE "CUSTOMER" USING dbf('/data/CUSTOMER.DBF', 850);  -- code page of
+//                                                      -- an unmarked table, optional
 //     SELECT ... FROM "CUSTOMER" AS "C" INNER JOIN ...
 //
 // Columns carry declared types (CHAR(n), NUMERIC(w,d), DATE, BOOLEAN, MEMO) so the SQLite

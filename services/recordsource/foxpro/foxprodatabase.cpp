@@ -16,8 +16,8 @@ namespace {
 class FoxProDatabase final : public Database
 {
 public:
-    FoxProDatabase(QString directory, bool readOnly)
-        : m_dir(std::move(directory)), m_readOnly(readOnly)
+    FoxProDatabase(QString directory, bool readOnly, int codePage)
+        : m_dir(std::move(directory)), m_readOnly(readOnly), m_codePage(codePage)
     {
     }
 
@@ -28,7 +28,7 @@ public:
         if (needsSqlite(tableOrSql))
             return openThroughSqlite(tableOrSql);
         return FoxProRecordSource::open([this](const QString &name) { return tablePath(name); },
-                                        tableOrSql, m_readOnly);
+                                        tableOrSql, m_readOnly, m_codePage);
     }
 
     void Idle() override { }
@@ -84,8 +84,9 @@ private:
             QString quotedName = t.name;
             quotedName.replace(QLatin1Char('"'), QStringLiteral("\"\""));
             Status s =
-                conn.value()->exec(QStringLiteral("CREATE VIRTUAL TABLE \"%1\" USING dbf('%2')")
-                                       .arg(quotedName, quotedPath));
+                conn.value()->exec(QStringLiteral("CREATE VIRTUAL TABLE \"%1\" USING dbf('%2', %3)")
+                                       .arg(quotedName, quotedPath)
+                                       .arg(m_codePage));
             if (!s.isOk())
                 return s;
             created << t.name;
@@ -107,18 +108,21 @@ private:
 
     QString m_dir;
     bool m_readOnly;
+    int m_codePage;
     bool m_closed = false;
 };
 
 } // namespace
 
-Result<std::unique_ptr<Database>> openDatabase(const QString &directory, bool readOnly)
+Result<std::unique_ptr<Database>> openDatabase(const QString &directory, bool readOnly,
+                                               int codePage)
 {
     const QFileInfo info(directory);
     if (!info.isDir())
         return Status(Status::Code::NotFound,
                       QStringLiteral("%1 is not a directory of FoxPro tables").arg(directory));
-    return std::unique_ptr<Database>(new FoxProDatabase(info.absoluteFilePath(), readOnly));
+    return std::unique_ptr<Database>(
+        new FoxProDatabase(info.absoluteFilePath(), readOnly, codePage));
 }
 
 } // namespace plx::foxpro

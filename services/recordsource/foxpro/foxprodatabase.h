@@ -12,7 +12,10 @@
 namespace plx::foxpro {
 
 // Opens `directory`. NotFound when it is not a directory. Tables are opened when a record
-// source needs them; readOnly opens every table read-only.
-Result<std::unique_ptr<Database>> openDatabase(const QString &directory, bool readOnly);
+// source needs them; readOnly opens every table read-only. `codePage` (0: none) is the code
+// page of tables whose header carries no code-page mark; unmarked tables read as 1252
+// otherwise.
+Result<std::unique_ptr<Database>> openDatabase(const QString &directory, bool readOnly,
+                                               int codePage = 0);
 
 } // namespace plx::foxpro

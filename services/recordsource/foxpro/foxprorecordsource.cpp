@@ -21,8 +21,9 @@ FoxProRecordSource::~FoxProRecordSource()
     Close();
 }
 
-Result<std::unique_ptr<RecordSource>>
-FoxProRecordSource::open(const TablePaths &paths, const QString &tableOrSql, bool readOnly)
+Result<std::unique_ptr<RecordSource>> FoxProRecordSource::open(const TablePaths &paths,
+                                                               const QString &tableOrSql,
+                                                               bool readOnly, int codePage)
 {
     QString sql = tableOrSql;
     if (!isStatement(tableOrSql)) {
@@ -50,7 +51,7 @@ FoxProRecordSource::open(const TablePaths &paths, const QString &tableOrSql, boo
                           .arg(stmt.from.name)
                           .arg(stmt.from.pos));
     Result<std::unique_ptr<DbfTable>> table = DbfTable::open(
-        path, readOnly ? DbfTable::OpenMode::ReadOnly : DbfTable::OpenMode::ReadWrite);
+        path, readOnly ? DbfTable::OpenMode::ReadOnly : DbfTable::OpenMode::ReadWrite, codePage);
     if (!table.isOk())
         return table.status();
     std::unique_ptr<FoxProRecordSource> source(new FoxProRecordSource);

@@ -28,8 +28,9 @@ class FoxProRecordSource final : public PositionedRecordSource
 public:
     // A table name or a SELECT on one table with WHERE and ORDER BY. NotFound for an unknown
     // table, the Jet front end's errors for a bad text, NotSupported for a join.
-    static Result<std::unique_ptr<RecordSource>> open(const TablePaths &paths,
-                                                      const QString &tableOrSql, bool readOnly);
+    // `codePage` applies to tables without a code-page mark (0: Windows-1252).
+    static Result<std::unique_ptr<RecordSource>>
+    open(const TablePaths &paths, const QString &tableOrSql, bool readOnly, int codePage = 0);
     ~FoxProRecordSource() override;
 
     const QList<FieldInfo> &fieldInfos() const override { return m_table->fieldInfos(); }

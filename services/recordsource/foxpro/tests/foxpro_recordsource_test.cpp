@@ -169,3 +169,35 @@ TEST(FoxProCdxTableTest, ReadsButRefusesEveryWrite)
             << s.message().toStdString();
     }
 }
+
+// A table whose header carries no code-page mark is read as Windows-1252 unless the
+// connect string names its code page.
+TEST(FoxProCodePageTest, ConnectStringGivesTheCodePageOfUnmarkedTables)
+{
+    QTemporaryDir dir;
+    DbfField name;
+    name.name = QStringLiteral("NAME");
+    name.type = 'C';
+    name.length = 10;
+    const QString path = dir.filePath(QStringLiteral("PEOPLE.DBF"));
+    {
+        auto table = DbfTable::create(path, { name }, 0x03, 850);
+        ASSERT_TRUE(table.isOk()) << table.status().toString().toStdString();
+        ASSERT_TRUE(table.value()->appendRecord({ QStringLiteral("José") }).isOk());
+    }
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    file.seek(29);
+    file.write(QByteArray(1, '\0')); // remove the mark; the stored byte is 850's é (0x82)
+    file.close();
+
+    auto read = [&dir](const QString &connect) {
+        auto db = OpenDatabase(dir.path(), false, true, connect);
+        EXPECT_TRUE(db.isOk());
+        auto rs = db.value()->OpenRecordset(QStringLiteral("PEOPLE"));
+        EXPECT_TRUE(rs.isOk()) << rs.status().toString().toStdString();
+        return rs.isOk() ? rs.value()->value(0).value().toString() : QString();
+    };
+    EXPECT_EQ(read(QStringLiteral("FoxPro 2.6;CodePage=850")), QStringLiteral("José"));
+    EXPECT_EQ(read(QStringLiteral("FoxPro 2.6")), QString::fromUtf8("Jos\u201A")); // 0x82 in 1252
+}
