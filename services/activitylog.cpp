@@ -108,9 +108,11 @@ bool logEntry(const QString &where, const QString &what, Services *services, QSt
     const QString path =
         setPathName(getHarrowbyDirectoryAny(), QStringLiteral("PLXLogFile.TXT"), false);
     const QByteArray entry = cp1252::encode(formatLogEntry(where, what, clockOf(services).now()));
-    const bool ok = appendBytes(toDiskPath(path), entry, error);
+    if (!appendBytes(toDiskPath(path), entry, error))
+        return false; // the caller handles the failure; its own flow decides what runs next
+    // The file is closed: give the UI its turn, so a long operation that logs stays alive.
     uiPumpOf(services).processEvents();
-    return ok;
+    return true;
 }
 
 } // namespace plx

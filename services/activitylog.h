@@ -14,9 +14,10 @@ namespace plx {
 
 struct Services;
 
-// Appends one entry, then lets pending UI events run once. The time comes from the clock
-// of `services` (nullptr: the defaults). Returns false when the log could not be opened or
-// written; `error` (optional) then receives the reason. Callers decide what to do with it.
+// Appends one entry, closes the file, then lets pending UI events run once. The time comes
+// from the clock of `services` (nullptr: the defaults). Returns false, without pumping,
+// when the log could not be opened or written; `error` (optional) then receives the
+// reason. Callers decide what to do with it.
 bool logEntry(const QString &where, const QString &what, Services *services = nullptr,
               QString *error = nullptr);
 

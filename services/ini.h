@@ -45,7 +45,10 @@ double getINIDouble(const QString &section, const QString &key, double def, cons
 qint16 getINIInt(const QString &section, const QString &key, qint16 def, const QString &file);
 
 // The section names of `file`; element 0 is always present and empty, names start at 1.
-QStringList getINISections(const QString &file);
+// A missing or empty file simply has no sections. A file that exists but cannot be read is
+// an error of the caller's to handle: the names read so far (at least element 0) come back
+// and `error`, when given, receives the reason; on success `error` is cleared.
+QStringList getINISections(const QString &file, QString *error = nullptr);
 
 // Full path of "HBDEFAULTS.INI" in the installation directory, looked up once per process.
 QString getDefaultsINI();

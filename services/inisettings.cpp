@@ -82,15 +82,25 @@ qint16 getINIInt(const QString &section, const QString &key, qint16 def, const Q
     return qint16(r);
 }
 
-QStringList getINISections(const QString &file)
+QStringList getINISections(const QString &file, QString *error)
 {
     QStringList names{ QString() };
+    if (error)
+        error->clear();
     if (!getFileExistLEN(file, false))
         return names;
     QFile f(toDiskPath(file));
-    if (!f.open(QIODevice::ReadOnly))
+    QByteArray contents;
+    if (f.open(QIODevice::ReadOnly))
+        contents = f.readAll();
+    // The file is there but unreadable (permissions, a lock, a read error): unlike a missing
+    // file this is a fault the caller must hear about.
+    if (!f.isOpen() || f.error() != QFileDevice::NoError) {
+        if (error)
+            *error = QStringLiteral("cannot read %1: %2").arg(file, f.errorString());
         return names;
-    const IniProfile profile = IniProfile::parse(f.readAll());
+    }
+    const IniProfile profile = IniProfile::parse(contents);
     for (const QString &raw : profile.lines()) {
         const QString line = trimSpaces(raw);
         const qsizetype close = line.indexOf(QLatin1Char(']'));

@@ -54,7 +54,10 @@ bool searchRegistry(const QStringList &names, QString *dir, QString *lastKey)
                 QByteArray buffer(size, '\0');
                 LONG got = size;
                 const LONG rc = RegQueryValueA(root, subKey.constData(), buffer.data(), &got);
-                if (rc == ERROR_MORE_DATA || (rc == ERROR_SUCCESS && got == size)) {
+                // At the largest buffer there is no further round: a value that fills it
+                // is taken as it is.
+                const bool lastRound = size + 250 > 2500;
+                if (!lastRound && (rc == ERROR_MORE_DATA || (rc == ERROR_SUCCESS && got == size))) {
                     cut = true;
                     break;
                 }

@@ -47,9 +47,9 @@ bool isDirectory(const QString &path)
 bool getPathExist(QString &path, bool useCurrentIfBlank, bool create, Services *services)
 {
     Prompter &prompter = prompterOf(services);
-    if (getLenTrim(path) < 1) {
-        if (!useCurrentIfBlank)
-            return false;
+    // A blank path without useCurrentIfBlank is checked like any other: it does not exist,
+    // so the user gets the same question or report as for a mistyped path.
+    if (getLenTrim(path) < 1 && useCurrentIfBlank) {
         path = QDir::toNativeSeparators(QDir::currentPath());
         const MsgAnswer a = prompter.msgBox(
             QStringLiteral("Since no path was specified, the program will use the path:") + crlf

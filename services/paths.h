@@ -23,8 +23,8 @@ QString fromDiskPath(const QString &path);
 // takes the current directory after an OK/Cancel confirmation; a missing directory is
 // created after a Yes/No question when `create` is set, otherwise reported. `path` is
 // updated to the path that was tested (trimmed, one trailing "\" dropped). A blank path
-// without useCurrentIfBlank is not a directory: false, no box. Boxes go to
-// `services` (nullptr: the defaults).
+// without useCurrentIfBlank is a missing directory like any other (question or report).
+// Boxes go to `services` (nullptr: the defaults).
 bool getPathExist(QString &path, bool useCurrentIfBlank, bool create, Services *services = nullptr);
 // Creates every missing level of `path` ("\" or "/" separated), first level first,
 // ignoring every failure. Does nothing for a blank path.

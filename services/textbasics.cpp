@@ -8,6 +8,8 @@
 #include <QLocale>
 #include <QRegularExpression>
 
+#include <cmath>
+
 namespace plx {
 
 QString trimSpaces(const QString &text)
@@ -63,10 +65,12 @@ bool convertText(const QString &text, double *out)
 {
     bool ok = false;
     // The C locale accepts "1,234.5" (group separators) and ignores surrounding white space.
+    // It also takes "inf" and "nan", which are no numbers to the hosts: those fail here.
     const double d = QLocale::c().toDouble(text.trimmed(), &ok);
-    if (ok)
-        *out = d;
-    return ok;
+    if (!ok || !std::isfinite(d))
+        return false;
+    *out = d;
+    return true;
 }
 
 } // namespace

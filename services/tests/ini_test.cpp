@@ -162,3 +162,18 @@ TEST_F(IniTest, SectionsAreListedFromIndexOneAsOftenAsTheyOccur)
               (QStringList{ QString(), QStringLiteral("Sect"), QStringLiteral("Indented"),
                             QStringLiteral("sect"), QStringLiteral("Spaced") }));
 }
+
+TEST_F(IniTest, UnreadableSettingsFileIsReportedBySectionListing)
+{
+    const QString f = path("locked.ini");
+    writeBytes(f, "[A]\r\n");
+    QString error = QStringLiteral("stale");
+    EXPECT_EQ(getINISections(f, &error), (QStringList{ QString(), QStringLiteral("A") }));
+    EXPECT_TRUE(error.isEmpty());
+    ASSERT_TRUE(QFile::setPermissions(f, QFileDevice::Permissions()));
+    QFile probe(f);
+    if (probe.open(QIODevice::ReadOnly))
+        GTEST_SKIP() << "permissions do not stop this user from reading (root)";
+    EXPECT_EQ(getINISections(f, &error), QStringList{ QString() });
+    EXPECT_FALSE(error.isEmpty());
+}

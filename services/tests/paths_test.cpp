@@ -69,10 +69,25 @@ TEST(PathsTest, BlankPathTakesTheCurrentDirectoryAfterConfirmation)
     blank = QString();
     EXPECT_TRUE(getPathExist(blank, true, false, env.services()));
     EXPECT_EQ(blank, current);
-    // Without useCurrentIfBlank a blank path is simply not a directory.
-    QString none;
-    EXPECT_FALSE(getPathExist(none, false, true, env.services()));
     EXPECT_EQ(env.prompter.shown().size(), 2);
+}
+
+TEST(PathsTest, BlankPathWithoutCurrentDirectoryIsAMissingPath)
+{
+    test::TestServices env;
+    env.prompter.expectMsgBox(QStringLiteral("Path Not Found"),
+                              missingLead
+                                  + QStringLiteral("\r\n\r\nDo you want to create the new path?"),
+                              4 + 64, MsgAnswer::Yes);
+    QString blank = QStringLiteral("  ");
+    EXPECT_FALSE(getPathExist(blank, false, true, env.services()));
+    EXPECT_EQ(blank, QString());
+    env.prompter.expectMsgBox(QStringLiteral("Path Error"),
+                              missingLead
+                                  + QStringLiteral("\r\n\r\nYou must specify an existing "
+                                                   "path for this function."),
+                              MsgStyle::OKOnly | MsgStyle::Information, MsgAnswer::OK);
+    EXPECT_FALSE(getPathExist(blank, false, false, env.services()));
 }
 
 TEST(PathsTest, MakePathCreatesEveryLevelWithEitherSeparator)

@@ -38,6 +38,9 @@ TEST(TextBasicsTest, CValPConvertsCleansAndFallsBackToZero)
     EXPECT_DOUBLE_EQ(cValP(QVariant()), 0);
     EXPECT_DOUBLE_EQ(cValP(QVariant(QStringLiteral("1e999"))), 0); // numeric, out of range
     EXPECT_DOUBLE_EQ(cValP(QVariant(true)), -1);
+    // Words a number parser may know are still no numbers here.
+    EXPECT_DOUBLE_EQ(cValP(QVariant(QStringLiteral("inf"))), 0);
+    EXPECT_DOUBLE_EQ(cValP(QVariant(QStringLiteral("nan"))), 0);
 }
 
 TEST(TextBasicsTest, ArrayUBoundFallsBackForUndimensionedArraysAndOtherDimensions)
