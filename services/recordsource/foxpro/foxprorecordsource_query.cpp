@@ -103,19 +103,9 @@ std::function<bool(quint32)> fastPredicate(const DbfTable &table, const Node &no
     return prefixPredicate(table, node);
 }
 
-bool isConstant(const Node &node)
-{
-    if (node.kind == NodeKind::Column)
-        return false;
-    for (const NodePtr &arg : node.args) {
-        if (!isConstant(*arg))
-            return false;
-    }
-    return true;
-}
-
-// field = constant on a character field (the ID criterion): the constant's bytes in the
-// table's code page, compared with the stored bytes less their padding.
+// field = 'text' on a character field (the ID criterion; binding has already computed the
+// CHR(n) & ... chain into one literal): the text's bytes in the table's code page, compared
+// with the stored bytes less their padding.
 std::function<bool(quint32)> equalityPredicate(const DbfTable &table, const Node &node)
 {
     if (node.kind != NodeKind::Binary || node.op != jet::Op::Eq)
@@ -125,12 +115,9 @@ std::function<bool(quint32)> equalityPredicate(const DbfTable &table, const Node
     if (column->kind != NodeKind::Column)
         std::swap(column, constant);
     if (column->kind != NodeKind::Column || !isTextField(table, column->column)
-        || !isConstant(*constant))
+        || constant->kind != NodeKind::Literal || !jet::isText(constant->value))
         return nullptr;
-    Result<QVariant> v = jet::evaluate(*constant, nullptr, TextCompare::Binary);
-    if (!v.isOk() || !jet::isText(v.value()))
-        return nullptr;
-    Result<QByteArray> bytes = table.encode(v.value().toString());
+    Result<QByteArray> bytes = table.encode(constant->value.toString());
     if (!bytes.isOk())
         return [](quint32) { return false; }; // no stored text can hold that character
     const QByteArray wanted = bytes.value();
