@@ -1,92 +1,29 @@
-// services/recordsource/dbf/dbfio.cpp: positioned POSIX I/O and byte-order helpers.
+// services/recordsource/dbf/dbfio.cpp: the write counter, companion files, byte-order helpers
+// and error sentences (the native file calls are in dbfnative_posix.cpp and dbfnative_win.cpp).
 #include "services/recordsource/dbf/dbfio_p.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
-#include <cerrno>
-#include <cstring>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <atomic>
 
 namespace plx::dbfio {
 
 namespace {
 
-Status osError(const QString &path, const char *what, int err)
-{
-    return Status(Status::Code::IoError,
-                  QStringLiteral("%1: %2").arg(path, QString::fromLatin1(what)), err,
-                  QString::fromLocal8Bit(std::strerror(err)));
-}
+std::atomic<quint64> g_writeEpoch{ 0 };
 
 } // namespace
 
-Result<qint64> readAt(int fd, qint64 offset, char *data, qint64 length, const QString &path)
+void countWrite()
 {
-    qint64 done = 0;
-    while (done < length) {
-        const ssize_t n = ::pread(fd, data + done, size_t(length - done), off_t(offset + done));
-        if (n < 0) {
-            if (errno == EINTR)
-                continue;
-            return osError(path, "cannot read", errno);
-        }
-        if (n == 0)
-            break;
-        done += n;
-    }
-    return done;
+    g_writeEpoch.fetch_add(1, std::memory_order_acq_rel);
 }
 
-Status writeAt(int fd, qint64 offset, const char *data, qint64 length, const QString &path)
+quint64 writeEpoch()
 {
-    qint64 done = 0;
-    while (done < length) {
-        const ssize_t n = ::pwrite(fd, data + done, size_t(length - done), off_t(offset + done));
-        if (n < 0) {
-            if (errno == EINTR)
-                continue;
-            return osError(path, "cannot write", errno);
-        }
-        done += n;
-    }
-    return Status::ok();
-}
-
-Status syncData(int fd, const QString &path)
-{
-    if (::fdatasync(fd) != 0)
-        return osError(path, "cannot flush to disk", errno);
-    return Status::ok();
-}
-
-Result<qint64> fileSize(int fd, const QString &path)
-{
-    struct stat st;
-    if (::fstat(fd, &st) != 0)
-        return osError(path, "cannot read the file size", errno);
-    return qint64(st.st_size);
-}
-
-int openFile(const QString &path, bool writable, int *err)
-{
-    const QByteArray native = QFile::encodeName(path);
-    int fd;
-    do {
-        fd = ::open(native.constData(), (writable ? O_RDWR : O_RDONLY) | O_CLOEXEC);
-    } while (fd < 0 && errno == EINTR);
-    if (fd < 0 && err)
-        *err = errno;
-    return fd;
-}
-
-void closeFile(int fd)
-{
-    if (fd >= 0)
-        ::close(fd);
+    return g_writeEpoch.load(std::memory_order_acquire);
 }
 
 QString companionFile(const QString &path, const char *ext)

@@ -1,11 +1,12 @@
 // services/recordsource/dbf/dbfio_p.h: small file primitives shared by the table and memo code.
 //
-// Positioned reads and writes on a native descriptor (no shared file position, so a read
+// Positioned reads and writes on a native handle (no shared file position, so a read
 // never disturbs a write), the little- and big-endian integers of the two file formats, and
 // the error sentences, which always name the file so that a user can tell which of a
 // directory's tables is damaged.
 #pragma once
 
+#include "services/recordsource/filelock.h"
 #include "services/recordsource/result.h"
 
 #include <QByteArray>
@@ -13,17 +14,58 @@
 
 namespace plx::dbfio {
 
-// Reads exactly `length` bytes at `offset` (fewer only at end of file: the count is returned).
-Result<qint64> readAt(int fd, qint64 offset, char *data, qint64 length, const QString &path);
-// Writes all `length` bytes at `offset`.
-Status writeAt(int fd, qint64 offset, const char *data, qint64 length, const QString &path);
-// fdatasync: the data (not necessarily the inode times) reaches the disk.
-Status syncData(int fd, const QString &path);
-Result<qint64> fileSize(int fd, const QString &path);
+using FileHandle = NativeFileHandle;
 
-// Opens for reading, or for reading and writing; -1 and the errno in `err` on failure.
-int openFile(const QString &path, bool writable, int *err);
-void closeFile(int fd);
+// The handle value of no open file.
+FileHandle noFile();
+inline bool isOpen(FileHandle h)
+{
+    return h != noFile();
+}
+
+// Reads exactly `length` bytes at `offset` (fewer only at end of file: the count is returned).
+Result<qint64> readAt(FileHandle file, qint64 offset, char *data, qint64 length,
+                      const QString &path);
+// Writes all `length` bytes at `offset`.
+Status writeAt(FileHandle file, qint64 offset, const char *data, qint64 length,
+               const QString &path);
+// The data (not necessarily the inode times) reaches the disk.
+Status syncData(FileHandle file, const QString &path);
+Result<qint64> fileSize(FileHandle file, const QString &path);
+
+// Why an open failed: the system's error code, and whether it was a refusal of the access
+// asked for (a read-only file or share), after which a read-only open may still succeed.
+struct OpenError
+{
+    int code = 0;
+    bool accessDenied = false;
+};
+// Opens for reading, or for reading and writing, shared with every other program (FoxPro's
+// SET EXCLUSIVE OFF); noFile() and the reason in `err` on failure.
+FileHandle openFile(const QString &path, bool writable, OpenError *err);
+void closeFile(FileHandle file);
+
+// Which file an open handle names and when it last changed, to tell whether anything derived
+// from its contents still holds. Times are in nanoseconds of the file system's clock.
+struct FileStamp
+{
+    quint64 device = 0;
+    quint64 inode = 0;
+    qint64 size = 0;
+    qint64 modifiedNs = 0;
+    qint64 changedNs = 0;
+    bool operator==(const FileStamp &) const = default;
+};
+Result<FileStamp> fileStamp(FileHandle file, const QString &path);
+// The wall clock in the same nanoseconds as FileStamp's times.
+qint64 nowNs();
+
+// Counts the writes this process has made to any table or memo file. A file's times may not
+// move on a write that follows the previous one closely, this counter always does.
+quint64 writeEpoch();
+// Moves the counter on; writeAt() calls it before it writes, so that a reader who compares the
+// counter before and after a pass over the file sees a write that landed in between.
+void countWrite();
 
 // The file beside `path` with the same stem and extension `ext` (".fpt"), letter case of
 // the extension (and stem) ignored as FoxPro on a case-insensitive share; empty if none.

@@ -32,11 +32,12 @@ DbfMemoFile::~DbfMemoFile()
 Result<std::unique_ptr<DbfMemoFile>> DbfMemoFile::open(const QString &path, DbfMemoKind kind,
                                                        bool writable)
 {
-    int err = 0;
-    const int fd = dbfio::openFile(path, writable, &err);
-    if (fd < 0)
-        return dbfio::fileError(Status::Code::NotFound, path,
-                                QStringLiteral("cannot open the memo file (error %1)").arg(err));
+    dbfio::OpenError err;
+    const dbfio::FileHandle fd = dbfio::openFile(path, writable, &err);
+    if (!dbfio::isOpen(fd))
+        return dbfio::fileError(
+            Status::Code::NotFound, path,
+            QStringLiteral("cannot open the memo file (error %1)").arg(err.code));
     return std::unique_ptr<DbfMemoFile>(new DbfMemoFile(fd, path, kind));
 }
 

@@ -43,7 +43,7 @@ public:
     Result<quint32> write(const QByteArray &data, quint32 type, quint32 oldBlock, bool durable);
 
 private:
-    DbfMemoFile(int fd, QString path, DbfMemoKind kind)
+    DbfMemoFile(NativeFileHandle fd, QString path, DbfMemoKind kind)
         : m_fd(fd), m_path(std::move(path)), m_kind(kind)
     {
     }
@@ -54,7 +54,7 @@ private:
     Status lock();
     void unlock();
 
-    int m_fd;
+    NativeFileHandle m_fd;
     QString m_path;
     DbfMemoKind m_kind;
 };

@@ -5,17 +5,16 @@
 #include "services/recordsource/dbf/codepages.h"
 #include "services/recordsource/dbf/dbfio_p.h"
 #include "services/recordsource/dbf/dbfmemo_p.h"
+#include "services/recordsource/dbf/filemapping_p.h"
 
 #include <QFileInfo>
-
-#include <sys/mman.h>
 
 namespace plx {
 
 namespace {
 
-// Room mapped beyond the end of a writable file, so that appends rarely need a new mapping.
-// Pages past the end are never touched: only counted records are read.
+// Room mapped beyond the end of the file, so that appends rarely need a new mapping. Pages
+// past the end are never touched: only counted records are read.
 constexpr qint64 kMapReserve = qint64(64) << 20;
 
 bool isVfp(quint8 version)
@@ -70,7 +69,7 @@ Status checkFieldType(const QString &path, const DbfField &f, bool vfp)
 
 // True when the bytes at `pos` of the file look like one more field descriptor (a name
 // starting with a letter, a known type letter): then the header length is too short.
-bool descriptorFollows(int fd, qint64 pos)
+bool descriptorFollows(dbfio::FileHandle fd, qint64 pos)
 {
     char d[32];
     auto got = dbfio::readAt(fd, pos, d, 32, QString());
@@ -298,10 +297,10 @@ void DbfTableOpener::decideWritable(DbfTable &t, bool writable, bool openedWrita
         t.m_writable = Status(Status::Code::NotSupported, reason);
 }
 
+DbfTable::DbfTable() : m_fd(dbfio::noFile()) { }
+
 DbfTable::~DbfTable()
 {
-    if (m_map)
-        ::munmap(const_cast<char *>(m_map), size_t(m_mapLength));
     dbfio::closeFile(m_fd);
 }
 
@@ -316,16 +315,16 @@ Result<std::unique_ptr<DbfTable>> DbfTable::open(const QString &path, OpenMode m
         return Status(Status::Code::InvalidArgument,
                       QStringLiteral("code page %1 is not supported").arg(codePage));
     const bool wantWrite = mode == OpenMode::ReadWrite;
-    int err = 0;
+    dbfio::OpenError err;
     t->m_fd = dbfio::openFile(path, wantWrite, &err);
     bool openedWritable = wantWrite;
-    if (t->m_fd < 0 && wantWrite && (err == EACCES || err == EROFS || err == EPERM)) {
+    if (!dbfio::isOpen(t->m_fd) && wantWrite && err.accessDenied) {
         t->m_fd = dbfio::openFile(path, false, &err);
         openedWritable = false;
     }
-    if (t->m_fd < 0)
+    if (!dbfio::isOpen(t->m_fd))
         return dbfio::fileError(Status::Code::IoError, path,
-                                QStringLiteral("cannot open the table (error %1)").arg(err));
+                                QStringLiteral("cannot open the table (error %1)").arg(err.code));
     auto size = dbfio::fileSize(t->m_fd, path);
     if (!size.isOk())
         return size.status();
@@ -354,18 +353,15 @@ Result<std::unique_ptr<DbfTable>> DbfTable::open(const QString &path, OpenMode m
 
 Status DbfTable::remap(qint64 fileSize)
 {
-    if (m_map)
-        ::munmap(const_cast<char *>(m_map), size_t(m_mapLength));
-    m_map = nullptr;
-    const qint64 length = fileSize + (isWritable() ? kMapReserve : 0);
-    void *p = ::mmap(nullptr, size_t(length), PROT_READ, MAP_SHARED, m_fd, 0);
-    if (p == MAP_FAILED) {
+    Result<std::shared_ptr<const dbfio::FileMapping>> mapping =
+        dbfio::FileMapping::acquire(m_fd, m_path, fileSize, kMapReserve);
+    if (!mapping.isOk()) {
         m_count = 0;
-        return dbfio::fileError(Status::Code::IoError, m_path,
-                                QStringLiteral("cannot map the file (error %1)").arg(errno));
+        return mapping.status();
     }
-    m_map = static_cast<const char *>(p);
-    m_mapLength = length;
+    m_mapping = std::move(mapping).value();
+    m_map = m_mapping->data();
+    m_mapLength = m_mapping->length();
     return Status::ok();
 }
 

@@ -27,6 +27,7 @@
 // file, in one process or in several, exclude each other through the locks.
 #pragma once
 
+#include "services/recordsource/filelock.h"
 #include "services/recordsource/recordsource.h"
 #include "services/recordsource/result.h"
 
@@ -91,6 +92,9 @@ struct DbfHeader
 };
 
 class DbfMemoFile;
+namespace dbfio {
+class FileMapping;
+}
 
 class DbfTable
 {
@@ -246,7 +250,7 @@ public:
     QString infoText() const;
 
 private:
-    DbfTable() = default;
+    DbfTable();
     friend class DbfTableOpener;
     Status remap(qint64 fileSize);
     Status writeHeaderCount(quint32 count);
@@ -269,7 +273,8 @@ private:
     DbfLockScheme m_scheme = DbfLockScheme::FoxPro2;
     int m_nullFlagsOffset = -1; // offset of _NullFlags in the record; -1 when none
     int m_nullFlagsLength = 0;
-    int m_fd = -1;
+    NativeFileHandle m_fd; // dbfio::noFile() until opened
+    std::shared_ptr<const dbfio::FileMapping> m_mapping; // shared with the file's other tables
     const char *m_map = nullptr;
     qint64 m_mapLength = 0;
     quint32 m_count = 0;
