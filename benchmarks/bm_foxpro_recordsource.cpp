@@ -6,6 +6,7 @@
 #include "apps/plxgen/benchtable.h"
 #include "apps/plxgen/foxprowriter.h"
 #include "services/recordsource/foxpro/foxprorecordsource.h"
+#include "services/recordsource/foxpro/rankcache.h"
 
 #include <QDir>
 #include <QFile>
@@ -56,7 +57,9 @@ int main(int argc, char **argv)
           },
           [](const RecordSource &rs) {
               return dynamic_cast<const foxpro::FoxProRecordSource &>(rs).keysetBytes();
-          } });
+          },
+          [] { foxpro::RankCache::global().clear(); },
+          [] { return foxpro::RankCache::global().bytes(); } });
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();

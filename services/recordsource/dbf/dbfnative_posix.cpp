@@ -138,7 +138,8 @@ Result<std::shared_ptr<const FileMapping>> FileMapping::create(FileHandle fd, co
     if (p == MAP_FAILED)
         return fileError(Status::Code::IoError, path,
                          QStringLiteral("cannot map the file (error %1)").arg(errno));
-    return std::shared_ptr<const FileMapping>(new FileMapping(static_cast<const char *>(p), length));
+    return std::shared_ptr<const FileMapping>(
+        new FileMapping(static_cast<const char *>(p), length));
 }
 
 } // namespace plx::dbfio

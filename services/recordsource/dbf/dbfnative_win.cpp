@@ -67,8 +67,7 @@ Result<qint64> readAt(FileHandle file, qint64 offset, char *data, qint64 length,
     return done;
 }
 
-Status writeAt(FileHandle file, qint64 offset, const char *data, qint64 length,
-               const QString &path)
+Status writeAt(FileHandle file, qint64 offset, const char *data, qint64 length, const QString &path)
 {
     countWrite();
     qint64 done = 0;

@@ -387,6 +387,26 @@ Result<quint32> DbfTable::refreshCount()
     return m_count;
 }
 
+Result<DbfChangeStamp> DbfTable::changeStamp() const
+{
+    // Read the counter first: a write that lands while the times are read moves it on for
+    // the next stamp.
+    DbfChangeStamp stamp;
+    stamp.writeEpoch = dbfio::writeEpoch();
+    Result<dbfio::FileStamp> file = dbfio::fileStamp(m_fd, m_path);
+    if (!file.isOk())
+        return file.status();
+    stamp.device = file->device;
+    stamp.inode = file->inode;
+    stamp.size = file->size;
+    stamp.modifiedNs = file->modifiedNs;
+    stamp.changedNs = file->changedNs;
+    stamp.count = m_count;
+    constexpr qint64 kSettledNs = qint64(3) * 1000 * 1000 * 1000;
+    stamp.settled = dbfio::nowNs() - qMax(stamp.modifiedNs, stamp.changedNs) > kSettledNs;
+    return stamp;
+}
+
 int DbfTable::fieldIndex(const QString &name) const
 {
     for (int i = 0; i < m_fields.size(); ++i) {

@@ -96,6 +96,30 @@ namespace dbfio {
 class FileMapping;
 }
 
+// What anything derived from a table's contents (the ranks of a sort, say) depends on: the
+// file's identity, size and times, the records counted, and the process's write counter.
+// Two equal stamps mean nothing was written in between, except by another program so soon
+// after the previous write that the file system's clock did not move; `settled` says the last
+// write is old enough (a few seconds, above the coarsest file-time granularity of the file
+// systems a share may use) for that to be ruled out.
+struct DbfChangeStamp
+{
+    quint64 device = 0;
+    quint64 inode = 0;
+    qint64 size = 0;
+    qint64 modifiedNs = 0;
+    qint64 changedNs = 0;
+    quint64 writeEpoch = 0;
+    quint32 count = 0;
+    bool settled = false;
+    bool sameContents(const DbfChangeStamp &o) const
+    {
+        return device == o.device && inode == o.inode && size == o.size
+            && modifiedNs == o.modifiedNs && changedNs == o.changedNs && writeEpoch == o.writeEpoch
+            && count == o.count;
+    }
+};
+
 class DbfTable
 {
 public:
@@ -248,6 +272,9 @@ public:
     // The header description: version byte, code page, record counts (physical and live),
     // header and record length, and one line per field with type, length and decimals.
     QString infoText() const;
+
+    // The stamp of the file as it is now.
+    Result<DbfChangeStamp> changeStamp() const;
 
 private:
     DbfTable();

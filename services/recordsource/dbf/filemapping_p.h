@@ -31,8 +31,8 @@ public:
     // same file when it is long enough, else a new one of the file's size plus `reserve`
     // bytes (where the platform allows mapping beyond the end), so that appends rarely need
     // another.
-    static Result<std::shared_ptr<const FileMapping>>
-    acquire(FileHandle file, const QString &path, qint64 minLength, qint64 reserve);
+    static Result<std::shared_ptr<const FileMapping>> acquire(FileHandle file, const QString &path,
+                                                              qint64 minLength, qint64 reserve);
 
     // Lets go of the mappings kept only for reuse (tests, and hosts that want the address
     // space back at once).

@@ -16,6 +16,7 @@
 #include "services/recordsource/jet/ast.h"
 
 #include <functional>
+#include <memory>
 #include <vector>
 
 namespace plx::foxpro {
@@ -53,6 +54,7 @@ protected:
     qint64 size() const override { return qint64(m_keys.size()); }
     void endEdit() override;
     Result<qint64> locate(const QString &criterion, qint64 start) const override;
+    qint64 locateInFileOrder(const std::function<bool(quint32)> &matches, qint64 start) const;
 
 private:
     FoxProRecordSource() = default;
@@ -61,11 +63,30 @@ private:
     Result<jet::NodePtr> bindExpression(const jet::NodePtr &node) const;
     Result<std::vector<quint32>> filter(const jet::NodePtr &where) const;
     Status sort(const std::vector<jet::OrderItem> &order);
+    // The ranks of one ORDER BY key: kept whole-table ranks (indexed by record number) or the
+    // keyset's own (indexed by position).
+    struct KeyRanks
+    {
+        std::shared_ptr<const std::vector<quint32>> kept;
+        std::vector<quint32> own;
+        bool descending = false;
+        quint32 top = 0; // the highest rank among the keyset's records
+        quint32 raw(const std::vector<quint32> &keys, size_t i) const
+        {
+            return kept ? (*kept)[keys[i]] : own[i];
+        }
+        quint32 rank(const std::vector<quint32> &keys, size_t i) const
+        {
+            return descending ? top - raw(keys, i) : raw(keys, i);
+        }
+    };
+    KeyRanks fieldRanks(int field) const;
 
     std::unique_ptr<DbfTable> m_table;
     QString m_tableName;
     QString m_alias;
     std::vector<quint32> m_keys; // record numbers in the source's order
+    bool m_recnoOrder = true; // no ORDER BY: m_keys ascend
 
     EditMode m_mode = EditMode::None;
     QVariantList m_buffer;

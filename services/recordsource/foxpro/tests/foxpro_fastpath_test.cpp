@@ -1,0 +1,245 @@
+// The FoxPro record source's fast paths must give exactly what the general evaluator gives:
+// the find condition compiled to byte tests, the ranks kept between sorts (and dropped when
+// the file changes, whoever changes it), and the ID search of a sorted keyset.
+#include "services/recordsource/database.h"
+#include "services/recordsource/dbf/dbftable.h"
+#include "services/recordsource/foxpro/rankcache.h"
+
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+using namespace plx;
+
+namespace {
+
+QStringList texts(std::initializer_list<const char *> items)
+{
+    QStringList out;
+    for (const char *item : items)
+        out << QString::fromUtf8(item);
+    return out;
+}
+
+class FoxProFastPathTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_dir.isValid());
+        foxpro::RankCache::global().clear();
+    }
+
+    // Creates P.DBF (ID C(4), NAME C(12), CITY C(8), code page 1252) with these rows.
+    void makeTable(const QList<QStringList> &rows)
+    {
+        QList<DbfField> fields;
+        for (auto [name, length] : { std::pair{ "ID", 4 }, { "NAME", 12 }, { "CITY", 8 } }) {
+            DbfField f;
+            f.name = QString::fromLatin1(name);
+            f.type = 'C';
+            f.length = length;
+            fields << f;
+        }
+        auto table = DbfTable::create(path(), fields);
+        ASSERT_TRUE(table.isOk()) << table.status().toString().toStdString();
+        for (const QStringList &row : rows) {
+            QVariantList values;
+            for (const QString &v : row)
+                values << v;
+            ASSERT_TRUE(table.value()->appendRecord(values).isOk());
+        }
+    }
+
+    QString path() const { return m_dir.filePath(QStringLiteral("P.DBF")); }
+
+    std::unique_ptr<Database> database()
+    {
+        auto db = OpenDatabase(m_dir.path(), false, false, QStringLiteral("FoxPro 2.6"));
+        EXPECT_TRUE(db.isOk()) << db.status().toString().toStdString();
+        return db.isOk() ? std::move(db).value() : nullptr;
+    }
+
+    QStringList column(const QString &sql, const char *field = "ID")
+    {
+        auto db = database();
+        auto rs = db->OpenRecordset(sql);
+        EXPECT_TRUE(rs.isOk()) << sql.toStdString() << ": " << rs.status().toString().toStdString();
+        QStringList out;
+        if (!rs.isOk())
+            return out;
+        for (RecordSource &r = *rs.value(); !r.isEOF(); (void)r.MoveNext())
+            out << r.value(QString::fromLatin1(field)).value().toString();
+        return out;
+    }
+
+    // Waits until the file's last change is old enough for its ranks to be kept.
+    void waitUntilSettled()
+    {
+        QDeadlineTimer deadline(10000);
+        for (;;) {
+            auto table = DbfTable::open(path(), DbfTable::OpenMode::ReadOnly);
+            ASSERT_TRUE(table.isOk());
+            auto stamp = table.value()->changeStamp();
+            ASSERT_TRUE(stamp.isOk());
+            if (stamp->settled)
+                return;
+            ASSERT_FALSE(deadline.hasExpired()) << "the file never settled";
+            QThread::msleep(200);
+        }
+    }
+
+    // Overwrites the NAME of record `recno` in place, as another program would: plain file
+    // writes, nothing of this process's table layer.
+    void writeNameBehindOurBack(int recno, const QByteArray &name)
+    {
+        auto table = DbfTable::open(path(), DbfTable::OpenMode::ReadOnly);
+        ASSERT_TRUE(table.isOk());
+        // Field offsets count from the record's start, its delete flag included.
+        const qint64 offset = table.value()->header().headerLength
+            + qint64(recno - 1) * table.value()->header().recordLength
+            + table.value()->fields().at(1).offset;
+        table.value().reset();
+        QFile f(path());
+        ASSERT_TRUE(f.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(f.seek(offset));
+        ASSERT_EQ(f.write(name.leftJustified(12, ' ')), 12);
+    }
+
+    QTemporaryDir m_dir;
+};
+
+} // namespace
+
+// Each condition runs once through the byte tests and once with a term the tests cannot
+// take ("AND 1 = 1"), which sends every record through the general evaluator.
+TEST_F(FoxProFastPathTest, FindConditionAgreesWithTheEvaluator)
+{
+    const QStringList names = {
+        QStringLiteral("smith"),      QStringLiteral("SMITH"),      QStringLiteral("Smithson"),
+        QStringLiteral("Straße"),     QStringLiteral("STRASSE"),    QStringLiteral("strasse x"),
+        QStringLiteral("sm"),         QStringLiteral("s"),          QString(),
+        QStringLiteral("  sm lead"),  QStringLiteral("SMITH, J"),   QStringLiteral("SMITH,"),
+        QStringLiteral("Élan"),       QStringLiteral("élan"),       QStringLiteral("ÉLAN2"),
+        QStringLiteral("ß"),          QStringLiteral("SSA"),        QStringLiteral("123456789012"),
+    };
+    QList<QStringList> rows;
+    for (int i = 0; i < names.size(); ++i)
+        rows << QStringList{ QString::number(i), names[i], QString::fromLatin1(i % 2 ? "PARIS" : "ROME") };
+    makeTable(rows);
+
+    const QStringList conditions = {
+        QStringLiteral("UCase([P.NAME]) LIKE 'SM*'"),
+        QStringLiteral("UCase([P.NAME]) LIKE 'S*'"),
+        QStringLiteral("UCase([P.NAME]) LIKE 'STRASS*'"),
+        QStringLiteral("UCase([P.NAME]) LIKE 'SS*'"),
+        QStringLiteral("UCase([P.NAME]) LIKE 'SMITH, *'"),
+        QStringLiteral("UCase([P.NAME]) LIKE 'SMITH,*'"),
+        QStringLiteral("UCase([P.NAME]) LIKE 'ÉL*'"),
+        QStringLiteral("UCase([P.NAME]) LIKE '  SM*'"),
+        QStringLiteral("UCase([P.NAME]) LIKE '123456789012*'"),
+        QStringLiteral("UCase([P.NAME]) LIKE '1234567890123*'"),
+        QStringLiteral("UCase([P.NAME]) LIKE '*'"),
+        QStringLiteral("UCase([P.NAME]) LIKE 'SM*' AND UCase([P.CITY]) LIKE 'PA*'"),
+        QStringLiteral("Ucase$([P.NAME]) LIKE 'SMITH*'"),
+    };
+    for (const QString &condition : conditions) {
+        const QString fast =
+            QStringLiteral("SELECT * from P WHERE %1 ORDER BY P.NAME, P.ID").arg(condition);
+        const QString slow =
+            QStringLiteral("SELECT * from P WHERE %1 AND 1 = 1 ORDER BY P.NAME, P.ID").arg(condition);
+        EXPECT_EQ(column(fast), column(slow)) << condition.toStdString();
+    }
+    // The cases that set the two apart before: the sharp s upper-cases to two letters, and a
+    // value read without its trailing blanks does not hold a prefix that ends in a blank.
+    EXPECT_EQ(column(QStringLiteral("SELECT * from P WHERE UCase([P.NAME]) LIKE 'STRASS*' "
+                                    "ORDER BY P.ID")),
+              QStringList({ QStringLiteral("3"), QStringLiteral("4"), QStringLiteral("5") }));
+    EXPECT_EQ(column(QStringLiteral("SELECT * from P WHERE UCase([P.NAME]) LIKE 'SMITH, *' "
+                                    "ORDER BY P.ID")),
+              QStringList({ QStringLiteral("10") }));
+}
+
+TEST_F(FoxProFastPathTest, KeptRanksFollowEveryChangeToTheFile)
+{
+    makeTable({ texts({ "1", "delta", "X" }), texts({ "2", "bravo", "X" }),
+                texts({ "3", "charlie", "X" }), texts({ "4", "alpha", "X" }) });
+    const QString sorted = QStringLiteral("SELECT * from P ORDER BY P.NAME");
+
+    // A file written a moment ago is not kept: a further write in the same clock tick would
+    // leave its times as they are.
+    EXPECT_EQ(column(sorted), texts({ "4", "2", "3", "1" }));
+    EXPECT_EQ(foxpro::RankCache::global().bytes(), 0u);
+
+    waitUntilSettled();
+    EXPECT_EQ(column(sorted), texts({ "4", "2", "3", "1" }));
+    EXPECT_GT(foxpro::RankCache::global().bytes(), 0u);
+    // The find in the same order uses the kept ranks.
+    EXPECT_EQ(column(QStringLiteral("SELECT * from P WHERE UCase([P.NAME]) LIKE '*A*' ORDER BY "
+                                    "P.NAME")),
+              texts({ "4", "2", "3", "1" }));
+
+    // A write by this process.
+    {
+        auto db = database();
+        auto rs = db->OpenRecordset(QStringLiteral("P"));
+        ASSERT_TRUE(rs.isOk());
+        ASSERT_TRUE(rs.value()->FindFirst(QStringLiteral("ID = '1'")).isOk());
+        ASSERT_TRUE(rs.value()->Edit().isOk());
+        ASSERT_TRUE(rs.value()->setValue(QStringLiteral("NAME"), QStringLiteral("aardvark")).isOk());
+        ASSERT_TRUE(rs.value()->Update().isOk());
+    }
+    EXPECT_EQ(column(sorted), texts({ "1", "4", "2", "3" }));
+
+    // A write by another program, long after the ranks were kept.
+    waitUntilSettled();
+    EXPECT_EQ(column(sorted), texts({ "1", "4", "2", "3" }));
+    ASSERT_GT(foxpro::RankCache::global().bytes(), 0u);
+    writeNameBehindOurBack(2, "zulu");
+    EXPECT_EQ(column(sorted), texts({ "1", "4", "3", "2" }));
+    EXPECT_EQ(column(QStringLiteral("SELECT * from P WHERE UCase([P.NAME]) LIKE 'Z*' ORDER BY "
+                                    "P.NAME DESC, P.ID")),
+              texts({ "2" }));
+}
+
+// A sorted keyset finds the ID by a pass in file order; FindNext must still walk the matches
+// in the keyset's order, for one match and for many.
+TEST_F(FoxProFastPathTest, IdSearchInASortedKeysetFollowsTheKeysetOrder)
+{
+    QList<QStringList> rows;
+    for (int i = 0; i < 30; ++i) {
+        const QString id = i % 3 == 0 ? QStringLiteral("DUP") : QStringLiteral("U%1").arg(i);
+        rows << QStringList{ id, QStringLiteral("N%1").arg(29 - i, 2, 10, QLatin1Char('0')),
+                             QStringLiteral("C") };
+    }
+    makeTable(rows);
+    auto db = database();
+    auto rs = db->OpenRecordset(QStringLiteral("SELECT * from P ORDER BY P.NAME DESC"));
+    ASSERT_TRUE(rs.isOk());
+    RecordSource &r = *rs.value();
+
+    QList<qint32> expected;
+    for (; !r.isEOF(); (void)r.MoveNext()) {
+        if (r.value(QStringLiteral("ID")).value().toString() == QLatin1String("DUP"))
+            expected << r.AbsolutePosition();
+    }
+    ASSERT_EQ(expected.size(), 10);
+    QList<qint32> found;
+    ASSERT_TRUE(r.FindFirst(QStringLiteral("ID = 'DUP'")).isOk());
+    while (!r.NoMatch()) {
+        found << r.AbsolutePosition();
+        ASSERT_TRUE(r.FindNext(QStringLiteral("ID = 'DUP'")).isOk());
+    }
+    EXPECT_EQ(found, expected);
+
+    ASSERT_TRUE(r.FindFirst(QStringLiteral("ID = 'U14'")).isOk());
+    ASSERT_FALSE(r.NoMatch());
+    EXPECT_EQ(r.value(QStringLiteral("NAME")).value().toString(), QStringLiteral("N15"));
+    ASSERT_TRUE(r.FindNext(QStringLiteral("ID = 'U14'")).isOk());
+    EXPECT_TRUE(r.NoMatch());
+    ASSERT_TRUE(r.FindFirst(QStringLiteral("ID = 'NONE'")).isOk());
+    EXPECT_TRUE(r.NoMatch());
+}
