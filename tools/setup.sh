@@ -10,6 +10,7 @@ packages=(
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev clang-format
     python3-dbf python3-dbfread
+    g++-mingw-w64-x86-64-posix   # compiles the Windows branches (tools/check-windows.sh)
 )
 
 missing=()

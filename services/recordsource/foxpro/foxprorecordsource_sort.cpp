@@ -59,15 +59,15 @@ std::vector<quint32> byteRanks(const DbfTable &table, int field, size_t count, R
     // An open-addressing table of distinct values (ids + 1, 0 = empty), grown at half load.
     std::vector<char> arena; // the distinct values, `length` bytes each
     std::vector<quint64> distinctHash;
-    std::vector<quint32> slots(1024, 0);
+    std::vector<quint32> buckets(1024, 0);
     auto insert = [&](const char *p, quint64 h) -> quint32 {
-        const size_t mask = slots.size() - 1;
+        const size_t mask = buckets.size() - 1;
         for (size_t i = size_t(h) & mask;; i = (i + 1) & mask) {
-            const quint32 slot = slots[i];
+            const quint32 slot = buckets[i];
             if (slot == 0) {
                 arena.insert(arena.end(), p, p + length);
                 distinctHash.push_back(h);
-                slots[i] = quint32(distinctHash.size());
+                buckets[i] = quint32(distinctHash.size());
                 return quint32(distinctHash.size() - 1);
             }
             if (distinctHash[slot - 1] == h
@@ -77,8 +77,8 @@ std::vector<quint32> byteRanks(const DbfTable &table, int field, size_t count, R
     };
     std::vector<quint32> rank(count);
     for (size_t r = 0; r < count; ++r) {
-        if (distinctHash.size() * 2 >= slots.size()) {
-            std::vector<quint32> grown(slots.size() * 2, 0);
+        if (distinctHash.size() * 2 >= buckets.size()) {
+            std::vector<quint32> grown(buckets.size() * 2, 0);
             const size_t mask = grown.size() - 1;
             for (size_t d = 0; d < distinctHash.size(); ++d) {
                 size_t i = size_t(distinctHash[d]) & mask;
@@ -86,7 +86,7 @@ std::vector<quint32> byteRanks(const DbfTable &table, int field, size_t count, R
                     i = (i + 1) & mask;
                 grown[i] = quint32(d + 1);
             }
-            slots.swap(grown);
+            buckets.swap(grown);
         }
         const char *p = table.fieldBytes(recnoAt(r), field);
         rank[r] = insert(p, hashOf(p));
@@ -163,8 +163,8 @@ FoxProRecordSource::KeyRanks FoxProRecordSource::fieldRanks(int field) const
         if (!result.kept && wholeTable && stamp->settled) {
             // Indexed by record number: entry 0 stands for no record and ranks record 1.
             std::vector<quint32> ranks =
-                    byteRanks(table, field, size_t(table.recordCount()) + 1,
-                              [](size_t i) { return quint32(std::max<size_t>(i, 1)); });
+                byteRanks(table, field, size_t(table.recordCount()) + 1,
+                          [](size_t i) { return quint32(std::max<size_t>(i, 1)); });
             result.kept = std::make_shared<const std::vector<quint32>>(std::move(ranks));
             Result<DbfChangeStamp> after = table.changeStamp();
             if (after.isOk() && after->sameContents(stamp.value()))
@@ -174,8 +174,7 @@ FoxProRecordSource::KeyRanks FoxProRecordSource::fieldRanks(int field) const
     if (result.kept && !m_keys.empty() && m_keys.back() >= result.kept->size())
         result.kept = nullptr; // records appended since: rank them afresh
     if (!result.kept)
-        result.own = byteRanks(table, field, m_keys.size(),
-                               [this](size_t i) { return m_keys[i]; });
+        result.own = byteRanks(table, field, m_keys.size(), [this](size_t i) { return m_keys[i]; });
     return result;
 }
 

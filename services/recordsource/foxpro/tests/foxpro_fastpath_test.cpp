@@ -119,16 +119,17 @@ protected:
 TEST_F(FoxProFastPathTest, FindConditionAgreesWithTheEvaluator)
 {
     const QStringList names = {
-        QStringLiteral("smith"),      QStringLiteral("SMITH"),      QStringLiteral("Smithson"),
-        QStringLiteral("Straße"),     QStringLiteral("STRASSE"),    QStringLiteral("strasse x"),
-        QStringLiteral("sm"),         QStringLiteral("s"),          QString(),
-        QStringLiteral("  sm lead"),  QStringLiteral("SMITH, J"),   QStringLiteral("SMITH,"),
-        QStringLiteral("Élan"),       QStringLiteral("élan"),       QStringLiteral("ÉLAN2"),
-        QStringLiteral("ß"),          QStringLiteral("SSA"),        QStringLiteral("123456789012"),
+        QStringLiteral("smith"),     QStringLiteral("SMITH"),    QStringLiteral("Smithson"),
+        QStringLiteral("Straße"),    QStringLiteral("STRASSE"),  QStringLiteral("strasse x"),
+        QStringLiteral("sm"),        QStringLiteral("s"),        QString(),
+        QStringLiteral("  sm lead"), QStringLiteral("SMITH, J"), QStringLiteral("SMITH,"),
+        QStringLiteral("Élan"),      QStringLiteral("élan"),     QStringLiteral("ÉLAN2"),
+        QStringLiteral("ß"),         QStringLiteral("SSA"),      QStringLiteral("123456789012"),
     };
     QList<QStringList> rows;
     for (int i = 0; i < names.size(); ++i)
-        rows << QStringList{ QString::number(i), names[i], QString::fromLatin1(i % 2 ? "PARIS" : "ROME") };
+        rows << QStringList{ QString::number(i), names[i],
+                             QString::fromLatin1(i % 2 ? "PARIS" : "ROME") };
     makeTable(rows);
 
     const QStringList conditions = {
@@ -150,7 +151,8 @@ TEST_F(FoxProFastPathTest, FindConditionAgreesWithTheEvaluator)
         const QString fast =
             QStringLiteral("SELECT * from P WHERE %1 ORDER BY P.NAME, P.ID").arg(condition);
         const QString slow =
-            QStringLiteral("SELECT * from P WHERE %1 AND 1 = 1 ORDER BY P.NAME, P.ID").arg(condition);
+            QStringLiteral("SELECT * from P WHERE %1 AND 1 = 1 ORDER BY P.NAME, P.ID")
+                .arg(condition);
         EXPECT_EQ(column(fast), column(slow)) << condition.toStdString();
     }
     // The cases that set the two apart before: the sharp s upper-cases to two letters, and a
@@ -189,7 +191,8 @@ TEST_F(FoxProFastPathTest, KeptRanksFollowEveryChangeToTheFile)
         ASSERT_TRUE(rs.isOk());
         ASSERT_TRUE(rs.value()->FindFirst(QStringLiteral("ID = '1'")).isOk());
         ASSERT_TRUE(rs.value()->Edit().isOk());
-        ASSERT_TRUE(rs.value()->setValue(QStringLiteral("NAME"), QStringLiteral("aardvark")).isOk());
+        ASSERT_TRUE(
+            rs.value()->setValue(QStringLiteral("NAME"), QStringLiteral("aardvark")).isOk());
         ASSERT_TRUE(rs.value()->Update().isOk());
     }
     EXPECT_EQ(column(sorted), texts({ "1", "4", "2", "3" }));
