@@ -67,11 +67,13 @@ Result<QByteArray> DbfMemoFile::read(quint32 block) const
 {
     if (block == 0)
         return QByteArray();
+    if (m_kind == DbfMemoKind::Fpt)
+        return readFpt(block);
     auto size = dbfio::fileSize(m_fd, m_path);
     if (!size.isOk())
         return size.status();
     switch (m_kind) {
-    case DbfMemoKind::Fpt: return readFpt(block, *size);
+    case DbfMemoKind::Fpt: break;
     case DbfMemoKind::Dbt3: return readDbt3(block, *size);
     case DbfMemoKind::Dbt4: return readDbt4(block, *size);
     case DbfMemoKind::None: break;
@@ -79,8 +81,12 @@ Result<QByteArray> DbfMemoFile::read(quint32 block) const
     return QByteArray();
 }
 
-Result<QByteArray> DbfMemoFile::readFpt(quint32 block, qint64 size) const
+// The block size is set when the memo file is made and stays for its life (only rewriting
+// the file changes it), so it is read once.
+Result<quint16> DbfMemoFile::fptBlockSize() const
 {
+    if (const quint16 known = m_fptBlockSize.load(std::memory_order_relaxed))
+        return known;
     char head[8];
     auto got = dbfio::readAt(m_fd, 0, head, 8, m_path);
     if (!got.isOk())
@@ -88,27 +94,50 @@ Result<QByteArray> DbfMemoFile::readFpt(quint32 block, qint64 size) const
     const quint16 blockSize = dbfio::be16(head + 6);
     if (*got < 8 || blockSize == 0)
         return corrupt(m_path, QStringLiteral("the memo file header is damaged (block size 0)"));
-    if (qint64(block) * blockSize < kHeaderSize)
+    m_fptBlockSize.store(blockSize, std::memory_order_relaxed);
+    return blockSize;
+}
+
+Result<QByteArray> DbfMemoFile::readFpt(quint32 block) const
+{
+    Result<quint16> blockSize = fptBlockSize();
+    if (!blockSize.isOk())
+        return blockSize.status();
+    if (qint64(block) * *blockSize < kHeaderSize)
         return QByteArray(); // a pointer into the header: read as empty, as FoxPro shows it
-    const qint64 offset = qint64(block) * blockSize;
-    if (offset + 8 > size)
-        return corrupt(m_path,
-                       QStringLiteral("memo block %1 is past the end of the file").arg(block));
-    char blockHead[8];
-    got = dbfio::readAt(m_fd, offset, blockHead, 8, m_path);
+    const qint64 offset = qint64(block) * *blockSize;
+    // One read fetches the block's header and, for the usual short memo, the whole value.
+    char first[8 + 504];
+    auto got = dbfio::readAt(m_fd, offset, first, sizeof first, m_path);
     if (!got.isOk())
         return got.status();
-    const quint32 length = dbfio::be32(blockHead + 4);
-    if (qint64(length) > size - offset - 8)
+    if (*got < 8)
+        return corrupt(m_path,
+                       QStringLiteral("memo block %1 is past the end of the file").arg(block));
+    const quint32 length = dbfio::be32(first + 4);
+    if (qint64(length) <= *got - 8)
+        return QByteArray(first + 8, qsizetype(length));
+    auto claimsTooMuch = [&] {
         return corrupt(
             m_path,
             QStringLiteral("the memo at block %1 claims %2 bytes, past the end of the file")
                 .arg(block)
                 .arg(length));
+    };
+    // A longer value: check the claim against the file before allocating for it.
+    auto size = dbfio::fileSize(m_fd, m_path);
+    if (!size.isOk())
+        return size.status();
+    if (qint64(length) > *size - offset - 8)
+        return claimsTooMuch();
     QByteArray data(qsizetype(length), Qt::Uninitialized);
-    got = dbfio::readAt(m_fd, offset + 8, data.data(), length, m_path);
+    const qint64 have = *got - 8;
+    std::memcpy(data.data(), first + 8, size_t(have));
+    got = dbfio::readAt(m_fd, offset + 8 + have, data.data() + have, length - have, m_path);
     if (!got.isOk())
         return got.status();
+    if (*got < length - have)
+        return claimsTooMuch(); // the file shrank under us
     return data;
 }
 

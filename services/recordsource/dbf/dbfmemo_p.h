@@ -13,6 +13,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <atomic>
 #include <memory>
 
 namespace plx {
@@ -47,7 +48,8 @@ private:
         : m_fd(fd), m_path(std::move(path)), m_kind(kind)
     {
     }
-    Result<QByteArray> readFpt(quint32 block, qint64 size) const;
+    Result<quint16> fptBlockSize() const;
+    Result<QByteArray> readFpt(quint32 block) const;
     Result<QByteArray> readDbt3(quint32 block, qint64 size) const;
     Result<QByteArray> readDbt4(quint32 block, qint64 size) const;
     Result<quint32> writeLocked(const QByteArray &data, quint32 type, quint32 oldBlock);
@@ -55,6 +57,7 @@ private:
     void unlock();
 
     NativeFileHandle m_fd;
+    mutable std::atomic<quint16> m_fptBlockSize{ 0 }; // 0 until read
     QString m_path;
     DbfMemoKind m_kind;
 };

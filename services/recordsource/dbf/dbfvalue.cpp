@@ -48,7 +48,16 @@ QVariant decodeDate(const char *p)
     const QByteArrayView t = trimmed(p, 8);
     if (t.isEmpty() || t == QByteArrayView("00000000"))
         return {};
-    const QDate d = QDate::fromString(QString::fromLatin1(p, 8), QStringLiteral("yyyyMMdd"));
+    int parts[3] = { 0, 0, 0 }; // year, month, day from YYYYMMDD
+    const int widths[3] = { 4, 2, 2 };
+    for (int part = 0, i = 0; part < 3; ++part) {
+        for (int w = 0; w < widths[part]; ++w, ++i) {
+            if (p[i] < '0' || p[i] > '9')
+                return {};
+            parts[part] = parts[part] * 10 + (p[i] - '0');
+        }
+    }
+    const QDate d(parts[0], parts[1], parts[2]);
     return d.isValid() ? QVariant(d) : QVariant();
 }
 

@@ -226,6 +226,33 @@ TEST(DbfWrite, DbaseThreeTablesWriteDbtMemos)
               QByteArray("\x1A\x1A"));
 }
 
+// A memo is read with one call when it is short and in two when it is not: the lengths
+// around that boundary, and values spanning many blocks, come back whole.
+TEST(DbfWrite, FptMemosOfEveryLengthReadBackWhole)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("memo.dbf"));
+    auto t = DbfTable::create(
+        path, { { QStringLiteral("n"), 'N', 6 }, { QStringLiteral("text"), 'M', 10 } });
+    ASSERT_TRUE(t.isOk()) << t.status().toString().toStdString();
+    (*t)->setDurable(false);
+    const QList<int> lengths = { 1, 55, 56, 503, 504, 505, 1000, 5000 };
+    for (int length : lengths) {
+        QString text;
+        for (int i = 0; i < length; ++i)
+            text += QChar(char16_t(u'a' + i % 26));
+        ASSERT_TRUE((*t)->appendRecord({ length, text }).isOk());
+    }
+    t->reset();
+    auto again = DbfTable::open(path, DbfTable::OpenMode::ReadOnly);
+    ASSERT_TRUE(again.isOk());
+    for (quint32 r = 1; r <= quint32(lengths.size()); ++r) {
+        const QString text = (*again)->value(r, 1)->toString();
+        ASSERT_EQ(text.size(), lengths[int(r - 1)]);
+        EXPECT_EQ(text.back(), QChar(char16_t(u'a' + (text.size() - 1) % 26))) << text.size();
+    }
+}
+
 TEST(DbfWrite, LocksUseFoxProByteOffsetsAndExcludeOtherObjects)
 {
     QTemporaryDir dir;
