@@ -17,12 +17,15 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace plx::foxpro {
 
 // The file of a table by name; empty when there is none.
 using TablePaths = std::function<QString(const QString &table)>;
+
+struct ScanRanking;
 
 class FoxProRecordSource final : public PositionedRecordSource
 {
@@ -61,8 +64,8 @@ private:
 
     Status build(const jet::SelectStatement &stmt);
     Result<jet::NodePtr> bindExpression(const jet::NodePtr &node) const;
-    Result<std::vector<quint32>> filter(const jet::NodePtr &where) const;
-    Status sort(const std::vector<jet::OrderItem> &order);
+    Result<std::vector<quint32>> filter(const jet::NodePtr &where,
+                                        std::vector<ScanRanking> &rankings) const;
     // The ranks of one ORDER BY key: kept whole-table ranks (indexed by record number) or the
     // keyset's own (indexed by position).
     struct KeyRanks
@@ -80,7 +83,10 @@ private:
             return descending ? top - raw(keys, i) : raw(keys, i);
         }
     };
-    KeyRanks fieldRanks(int field) const;
+    // Sorts the keys; byteKeys[k] holds the ranks of ORDER BY item k when it is a character,
+    // date or logical field.
+    Status sort(const std::vector<jet::OrderItem> &order,
+                std::vector<std::optional<KeyRanks>> byteKeys);
 
     std::unique_ptr<DbfTable> m_table;
     QString m_tableName;

@@ -1,7 +1,9 @@
 // services/recordsource/foxpro/foxprorecordsource_query.cpp: WHERE and finds over the mapped
 // table, with fast paths for the shapes the controls send on every keystroke and every save.
 #include "services/recordsource/foxpro/foxprorecordsource.h"
+#include "services/recordsource/foxpro/distinctranker_p.h"
 #include "services/recordsource/foxpro/prefixscan_p.h"
+#include "services/recordsource/foxpro/rankcache.h"
 #include "services/recordsource/foxpro/recordrow_p.h"
 
 #include "services/recordsource/jet/evaluator.h"
@@ -78,17 +80,27 @@ Result<NodePtr> FoxProRecordSource::bindExpression(const NodePtr &node) const
     return node;
 }
 
-Result<std::vector<quint32>> FoxProRecordSource::filter(const NodePtr &where) const
+Result<std::vector<quint32>> FoxProRecordSource::filter(const NodePtr &where,
+                                                        std::vector<ScanRanking> &rankings) const
 {
     const DbfTable &table = *m_table;
     const quint32 count = table.recordCount();
     std::vector<quint32> keys;
     keys.reserve(count);
+    for (ScanRanking &r : rankings) {
+        r.ids.reserve(r.everyRecord ? size_t(count) + 1 : count / 4);
+        if (r.everyRecord)
+            r.ids.push_back(0); // ids indexed by record number, which starts at 1
+    }
     const std::optional<PrefixScan> scan =
         where ? PrefixScan::compile(table, *where) : std::nullopt;
     RecordRow row(table);
     for (quint32 recno = 1; recno <= count; ++recno) {
         const char *record = table.recordBytes(recno);
+        for (ScanRanking &r : rankings) {
+            if (r.everyRecord)
+                r.ids.push_back(r.ranker.add(record + r.offset));
+        }
         if (record[0] == '*')
             continue;
         if (where) {
@@ -104,12 +116,20 @@ Result<std::vector<quint32>> FoxProRecordSource::filter(const NodePtr &where) co
                     continue;
             }
         }
+        for (ScanRanking &r : rankings) {
+            if (!r.everyRecord)
+                r.ids.push_back(r.ranker.add(record + r.offset));
+        }
         keys.push_back(recno);
     }
     keys.shrink_to_fit();
     return keys;
 }
 
+// Where the ranks of each character, date and logical ORDER BY field come from: ranks kept
+// from an earlier sort of the unchanged file, else numbered during the scan. A statement
+// without WHERE numbers every record of a settled file and keeps the ranks for the queries
+// that follow (the navigator's find runs in the order of its sort query).
 Status FoxProRecordSource::build(const jet::SelectStatement &stmt)
 {
     if (stmt.where) {
@@ -122,12 +142,52 @@ Status FoxProRecordSource::build(const jet::SelectStatement &stmt)
         if (!bound.isOk())
             return bound.status();
     }
-    Result<std::vector<quint32>> keys = filter(stmt.where);
+    const DbfTable &table = *m_table;
+    const Result<DbfChangeStamp> stamp = table.changeStamp();
+    const bool keep = !stmt.where && stamp.isOk() && stamp->settled;
+    std::vector<std::optional<KeyRanks>> byteKeys(stmt.orderBy.size());
+    std::vector<ScanRanking> rankings;
+    std::vector<int> rankedFields;
+    for (size_t k = 0; k < stmt.orderBy.size(); ++k) {
+        const jet::Node &expr = *stmt.orderBy[k].expr;
+        if (expr.kind != NodeKind::Column)
+            continue;
+        const DbfField &field = table.fields().at(expr.column);
+        if (field.type != 'C' && field.type != 'D' && field.type != 'L')
+            continue;
+        if (stamp.isOk()) {
+            if (RankCache::Ranks kept = RankCache::global().find(stamp.value(), expr.column)) {
+                byteKeys[k].emplace().kept = std::move(kept);
+                continue;
+            }
+        }
+        rankings.push_back({ k, field.offset, keep, DistinctRanker(size_t(field.length)), {} });
+        rankedFields.push_back(expr.column);
+    }
+
+    Result<std::vector<quint32>> keys = filter(stmt.where, rankings);
     if (!keys.isOk())
         return keys.status();
     m_keys = std::move(keys).value();
     m_recnoOrder = stmt.orderBy.empty();
-    return sort(stmt.orderBy);
+
+    const Result<DbfChangeStamp> after = keep ? table.changeStamp() : stamp;
+    const bool unchanged = after.isOk() && after->sameContents(stamp.value());
+    for (size_t i = 0; i < rankings.size(); ++i) {
+        ScanRanking &r = rankings[i];
+        const std::vector<quint32> rankOfId = r.ranker.ranksOfIds();
+        for (quint32 &id : r.ids)
+            id = rankOfId.empty() ? 0 : rankOfId[id];
+        KeyRanks &key = byteKeys[r.orderIndex].emplace();
+        if (r.everyRecord) {
+            key.kept = std::make_shared<const std::vector<quint32>>(std::move(r.ids));
+            if (unchanged)
+                RankCache::global().store(stamp.value(), rankedFields[i], key.kept);
+        } else {
+            key.own = std::move(r.ids);
+        }
+    }
+    return sort(stmt.orderBy, std::move(byteKeys));
 }
 
 // In a sorted keyset the records lie scattered over the file, and reading them in the
