@@ -5,6 +5,7 @@
 
 #include "apps/plxgen/benchtable.h"
 #include "apps/plxgen/foxprowriter.h"
+#include "services/recordsource/dbf/dbftable.h"
 #include "services/recordsource/foxpro/foxprorecordsource.h"
 #include "services/recordsource/foxpro/rankcache.h"
 
@@ -58,7 +59,10 @@ int main(int argc, char **argv)
           [](const RecordSource &rs) {
               return dynamic_cast<const foxpro::FoxProRecordSource &>(rs).keysetBytes();
           },
-          [] { foxpro::RankCache::global().clear(); },
+          [] {
+              foxpro::RankCache::global().clear();
+              DbfTable::releaseIdleMappings();
+          },
           [] { return foxpro::RankCache::global().bytes(); } });
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

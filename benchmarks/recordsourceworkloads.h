@@ -17,7 +17,8 @@ struct BackEndUnderTest
     std::function<Database *()> database; // nullptr when the table cannot be made
     // Bytes the source holds for its keys (for the memory counters).
     std::function<size_t(const RecordSource &)> keysetBytes;
-    // Drops what the back end keeps between queries (FoxPro: the ranks of earlier sorts), so
+    // Drops what the back end keeps between queries (FoxPro: the ranks of earlier sorts and
+    // the mappings of closed tables), so
     // that a workload can be measured as it runs the first time; nullptr when nothing is kept.
     std::function<void()> forgetKept;
     // Bytes the back end keeps between queries.

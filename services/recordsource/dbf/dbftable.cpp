@@ -387,6 +387,11 @@ Result<quint32> DbfTable::refreshCount()
     return m_count;
 }
 
+void DbfTable::releaseIdleMappings()
+{
+    dbfio::FileMapping::releaseIdle();
+}
+
 Result<DbfChangeStamp> DbfTable::changeStamp() const
 {
     // Read the counter first: a write that lands while the times are read moves it on for

@@ -276,6 +276,10 @@ public:
     // The stamp of the file as it is now.
     Result<DbfChangeStamp> changeStamp() const;
 
+    // Tables of one file share one read-only mapping, and the last few mappings outlive their
+    // tables so that the next open finds the pages mapped; this lets go of those idle ones.
+    static void releaseIdleMappings();
+
 private:
     DbfTable();
     friend class DbfTableOpener;
