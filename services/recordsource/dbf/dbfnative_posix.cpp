@@ -127,6 +127,8 @@ void closeFile(FileHandle fd)
 
 FileMapping::~FileMapping()
 {
+    if (m_populator.joinable())
+        m_populator.join();
     ::munmap(const_cast<char *>(m_data), size_t(m_length));
 }
 
@@ -138,14 +140,26 @@ Result<std::shared_ptr<const FileMapping>> FileMapping::create(FileHandle fd, co
     if (p == MAP_FAILED)
         return fileError(Status::Code::IoError, path,
                          QStringLiteral("cannot map the file (error %1)").arg(errno));
+    std::shared_ptr<FileMapping> mapping(new FileMapping(static_cast<const char *>(p), length));
 #ifdef MADV_POPULATE_READ
-    // Every reader scans the whole table: enter the file's pages in one call instead of a
-    // page fault for every few of them. Only a hint; older kernels refuse it.
-    if (Result<qint64> size = fileSize(fd, path); size.isOk() && *size > 0)
-        (void)::madvise(p, size_t(qMin(*size, length)), MADV_POPULATE_READ);
+    // Every reader passes over the whole table: enter the file's pages in one call instead of
+    // a page fault for every few of them; on a thread when that takes a while. Only a hint:
+    // older kernels refuse it, and then the pages come in as they are touched.
+    constexpr qint64 kPopulateInBackground = qint64(8) << 20;
+    Result<qint64> size = fileSize(fd, path);
+    const qint64 populate = size.isOk() ? qMin(*size, length) : 0;
+    if (populate >= kPopulateInBackground) {
+        mapping->m_populated.store(false, std::memory_order_release);
+        FileMapping *m = mapping.get();
+        m->m_populator = std::thread([m, populate] {
+            (void)::madvise(const_cast<char *>(m->m_data), size_t(populate), MADV_POPULATE_READ);
+            m->m_populated.store(true, std::memory_order_release);
+        });
+    } else if (populate > 0) {
+        (void)::madvise(p, size_t(populate), MADV_POPULATE_READ);
+    }
 #endif
-    return std::shared_ptr<const FileMapping>(
-        new FileMapping(static_cast<const char *>(p), length));
+    return std::shared_ptr<const FileMapping>(std::move(mapping));
 }
 
 } // namespace plx::dbfio

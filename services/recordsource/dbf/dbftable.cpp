@@ -5,6 +5,7 @@
 #include "services/recordsource/dbf/codepages.h"
 #include "services/recordsource/dbf/dbfio_p.h"
 #include "services/recordsource/dbf/dbfmemo_p.h"
+#include "services/recordsource/dbf/dbftesthooks_p.h"
 #include "services/recordsource/dbf/filemapping_p.h"
 
 #include <QFileInfo>
@@ -385,6 +386,34 @@ Result<quint32> DbfTable::refreshCount()
     }
     m_count = qMin(m_header.headerCount, m_header.physicalCount);
     return m_count;
+}
+
+Status DbfTable::scanRecords(const RecordRuns &visit) const
+{
+    if (m_count == 0)
+        return Status::ok();
+    if (!dbftest::scanByReads() && (!m_mapping || m_mapping->populated())) {
+        (void)visit(1, recordBytes(1), m_count);
+        return Status::ok();
+    }
+    constexpr qint64 kRunBytes = qint64(1) << 20;
+    const qint64 recordLength = m_header.recordLength;
+    const quint32 perRun = quint32(qMax<qint64>(1, kRunBytes / recordLength));
+    QByteArray buffer(qsizetype(perRun * recordLength), Qt::Uninitialized);
+    for (quint32 first = 1; first <= m_count; first += perRun) {
+        const quint32 count = qMin(perRun, m_count - first + 1);
+        const qint64 offset = m_header.headerLength + qint64(first - 1) * recordLength;
+        Result<qint64> got =
+            dbfio::readAt(m_fd, offset, buffer.data(), qint64(count) * recordLength, m_path);
+        if (!got.isOk())
+            return got.status();
+        const quint32 whole = quint32(*got / recordLength); // fewer when the file shrank
+        if (whole > 0 && !visit(first, buffer.constData(), whole))
+            return Status::ok();
+        if (whole < count)
+            break;
+    }
+    return Status::ok();
 }
 
 void DbfTable::releaseIdleMappings()

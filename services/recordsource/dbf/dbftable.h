@@ -40,6 +40,7 @@
 #include <QStringList>
 #include <QVariant>
 
+#include <functional>
 #include <memory>
 
 namespace plx {
@@ -215,6 +216,14 @@ public:
             --n;
         return QByteArrayView(p, n);
     }
+
+    // Passes over every record in record order, handing `visit` runs of consecutive records:
+    // (first record number, bytes of `count` records one recordLength apart). The bytes are
+    // valid during the call only. Normally that is one run straight from the mapping; while
+    // the mapping of a large file is still being entered, runs of plain reads, which cost a
+    // copy but no page faults. `visit` returns false to stop early.
+    using RecordRuns = std::function<bool(quint32 first, const char *records, quint32 count)>;
+    Status scanRecords(const RecordRuns &visit) const;
 
     // ---- decoded values ----
 

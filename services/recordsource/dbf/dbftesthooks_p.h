@@ -1,4 +1,5 @@
-// services/recordsource/dbf/dbftesthooks_p.h: crash points for the tests of the write order.
+// services/recordsource/dbf/dbftesthooks_p.h: crash points for the tests of the write order,
+// and a switch for the tests of the block-reading pass.
 //
 // A test child process sets a crash point and then writes; at that point the process ends at
 // once (std::_Exit: no destructors, no flush of ours, locks dropped by the kernel), which is
@@ -17,5 +18,10 @@ enum class CrashPoint {
 void setCrashPoint(CrashPoint point);
 // Ends the process when `point` is the armed crash point.
 void crashIfArmed(CrashPoint point);
+
+// Makes every pass over a table read it in blocks, as while a new mapping of a large file is
+// still being populated, so that tests reach that path with small files.
+void setScanByReads(bool on);
+bool scanByReads();
 
 } // namespace plx::dbftest

@@ -37,6 +37,20 @@ void crashIfArmed(CrashPoint point)
         std::_Exit(77);
 }
 
+namespace {
+std::atomic<bool> g_scanByReads{ false };
+}
+
+void setScanByReads(bool on)
+{
+    g_scanByReads = on;
+}
+
+bool scanByReads()
+{
+    return g_scanByReads.load(std::memory_order_relaxed);
+}
+
 } // namespace dbftest
 
 namespace {

@@ -107,37 +107,48 @@ Result<std::vector<quint32>> FoxProRecordSource::filter(const NodePtr &where,
         where ? PrefixScan::compile(table, *where) : std::nullopt;
     RecordRow row(table);
     const qsizetype stride = table.header().recordLength;
-    for (quint32 recno = 1; recno <= count; ++recno) {
-        const char *record = table.recordBytes(recno);
-        // Ask for a record some way ahead: the hardware's own prefetching stops at every
-        // page boundary, and on virtual machines a page's first touch is dear.
-        if (recno + kScanAhead <= count)
-            prefetch(record + kScanAhead * stride);
-        for (ScanRanking &r : rankings) {
-            if (r.everyRecord)
-                r.ids.push_back(r.ranker.add(record + r.offset));
-        }
-        if (record[0] == '*')
-            continue;
-        if (where) {
-            const Verdict verdict = scan ? scan->test(record) : Verdict::Undecided;
-            if (verdict == Verdict::Reject)
-                continue;
-            if (verdict == Verdict::Undecided) {
-                row.setRecord(recno);
-                Result<QVariant> v = jet::evaluate(*where, &row, TextCompare::Binary);
-                if (!v.isOk())
-                    return v.status();
-                if (!jet::isTrue(v.value()))
-                    continue;
+    Status failed;
+    auto visit = [&](quint32 first, const char *records, quint32 runLength) {
+        for (quint32 i = 0; i < runLength; ++i) {
+            const quint32 recno = first + i;
+            const char *record = records + qsizetype(i) * stride;
+            // Ask for a record some way ahead: the hardware's own prefetching stops at every
+            // page boundary, and on virtual machines a page's first touch is dear.
+            if (i + kScanAhead < runLength)
+                prefetch(record + kScanAhead * stride);
+            for (ScanRanking &r : rankings) {
+                if (r.everyRecord)
+                    r.ids.push_back(r.ranker.add(record + r.offset));
             }
+            if (record[0] == '*')
+                continue;
+            if (where) {
+                const Verdict verdict = scan ? scan->test(record) : Verdict::Undecided;
+                if (verdict == Verdict::Reject)
+                    continue;
+                if (verdict == Verdict::Undecided) {
+                    row.setRecord(recno);
+                    Result<QVariant> v = jet::evaluate(*where, &row, TextCompare::Binary);
+                    if (!v.isOk()) {
+                        failed = v.status();
+                        return false;
+                    }
+                    if (!jet::isTrue(v.value()))
+                        continue;
+                }
+            }
+            for (ScanRanking &r : rankings) {
+                if (!r.everyRecord)
+                    r.ids.push_back(r.ranker.add(record + r.offset));
+            }
+            keys.push_back(recno);
         }
-        for (ScanRanking &r : rankings) {
-            if (!r.everyRecord)
-                r.ids.push_back(r.ranker.add(record + r.offset));
-        }
-        keys.push_back(recno);
-    }
+        return true;
+    };
+    if (Status s = table.scanRecords(visit); !s.isOk())
+        return s;
+    if (!failed.isOk())
+        return failed;
     if (keys.capacity() - keys.size() > keys.size() / 4)
         keys.shrink_to_fit(); // a narrow selection; a broad one keeps its few spare slots
     return keys;
@@ -197,8 +208,9 @@ Status FoxProRecordSource::build(const jet::SelectStatement &stmt)
             id = rankOfId.empty() ? 0 : rankOfId[id];
         KeyRanks &key = byteKeys[r.orderIndex].emplace();
         if (r.everyRecord) {
+            const bool whole = r.ids.size() == size_t(table.recordCount()) + 1;
             key.kept = std::make_shared<const std::vector<quint32>>(std::move(r.ids));
-            if (unchanged)
+            if (unchanged && whole)
                 RankCache::global().store(stamp.value(), rankedFields[i], key.kept);
         } else {
             key.own = std::move(r.ids);

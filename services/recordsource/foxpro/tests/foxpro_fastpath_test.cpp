@@ -3,6 +3,7 @@
 // the file changes, whoever changes it), and the ID search of a sorted keyset.
 #include "services/recordsource/database.h"
 #include "services/recordsource/dbf/dbftable.h"
+#include "services/recordsource/dbf/dbftesthooks_p.h"
 #include "services/recordsource/foxpro/rankcache.h"
 
 #include <QDeadlineTimer>
@@ -245,4 +246,57 @@ TEST_F(FoxProFastPathTest, IdSearchInASortedKeysetFollowsTheKeysetOrder)
     EXPECT_TRUE(r.NoMatch());
     ASSERT_TRUE(r.FindFirst(QStringLiteral("ID = 'NONE'")).isOk());
     EXPECT_TRUE(r.NoMatch());
+}
+
+// The first pass over a large file whose mapping is still being populated reads the file in
+// blocks of plain reads; it must select and order exactly what a pass over the mapping does,
+// across block boundaries, with deleted records and a last block that is not full. The
+// records are written with plain file writes, as another program would append them.
+TEST_F(FoxProFastPathTest, BlockReadingPassMatchesThePassOverTheMapping)
+{
+    makeTable({});
+    const int records = 120000; // 25 bytes each: nearly three blocks of 1 MB
+    auto table = DbfTable::open(path(), DbfTable::OpenMode::ReadOnly);
+    ASSERT_TRUE(table.isOk());
+    const int recordLength = table.value()->header().recordLength;
+    const qint64 headerLength = table.value()->header().headerLength;
+    table.value().reset();
+    QByteArray body;
+    int live = 0;
+    for (int i = 0; i < records; ++i) {
+        const bool deleted = i % 7 == 3;
+        live += deleted ? 0 : 1;
+        const QByteArray name =
+            QByteArray(1, char('A' + (i * 7919) % 26)) + QByteArray::number(i % 97);
+        body += (deleted ? '*' : ' ') + QByteArray::number(i, 36).leftJustified(4, ' ')
+            + name.leftJustified(12, ' ') + QByteArray("CITY").leftJustified(8, ' ');
+    }
+    ASSERT_EQ(body.size(), qsizetype(records) * recordLength);
+    {
+        QFile f(path());
+        ASSERT_TRUE(f.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(f.seek(headerLength));
+        ASSERT_EQ(f.write(body + QByteArray(1, '\x1A')), body.size() + 1);
+        const quint32 count = records;
+        char le[4] = { char(count & 0xFF), char((count >> 8) & 0xFF), char((count >> 16) & 0xFF),
+                       char(count >> 24) };
+        ASSERT_TRUE(f.seek(4));
+        ASSERT_EQ(f.write(le, 4), 4);
+    }
+    const QStringList queries = {
+        QStringLiteral("SELECT * from P ORDER BY P.NAME, P.ID"),
+        QStringLiteral("SELECT * from P WHERE UCase([P.NAME]) LIKE 'K*' ORDER BY P.NAME DESC"),
+        QStringLiteral("SELECT * from P WHERE P.ID = '%1' OR P.ID = '%2'")
+            .arg(QString::number(39999, 36), QString::number(16000, 36)),
+    };
+    QList<QStringList> byMapping;
+    for (const QString &q : queries)
+        byMapping << column(q);
+    ASSERT_EQ(byMapping[0].size(), live);
+    EXPECT_EQ(byMapping[2],
+              QStringList({ QString::number(16000, 36), QString::number(39999, 36) }));
+    dbftest::setScanByReads(true);
+    for (int i = 0; i < queries.size(); ++i)
+        EXPECT_EQ(column(queries[i]), byMapping[i]) << queries[i].toStdString();
+    dbftest::setScanByReads(false);
 }
