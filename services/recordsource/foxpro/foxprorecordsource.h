@@ -7,8 +7,10 @@
 // page's byte order.
 //
 // Two shapes skip the general evaluator, because the controls send them on every find
-// and every save: UCase(field) Like 'PREFIX*' (the find query) scans the raw bytes, and
-// field = constant (the ID criterion) compares the raw bytes of the field.
+// and every save: UCase(field) Like 'PREFIX*' (the find query) is tested on the raw bytes
+// through per-byte tables (prefixscan_p.h), and field = constant (the ID criterion)
+// compares the raw bytes of the field. Sorts reuse the ranks an earlier sort of the
+// unchanged file kept (rankcache.h).
 #pragma once
 
 #include "services/recordsource/dbf/dbftable.h"
@@ -57,9 +59,9 @@ protected:
     qint64 size() const override { return qint64(m_keys.size()); }
     void endEdit() override;
     Result<qint64> locate(const QString &criterion, qint64 start) const override;
-    qint64 locateInFileOrder(const std::function<bool(quint32)> &matches, qint64 start) const;
 
 private:
+    qint64 locateInFileOrder(const std::function<bool(quint32)> &matches, qint64 start) const;
     FoxProRecordSource() = default;
 
     Status build(const jet::SelectStatement &stmt);
