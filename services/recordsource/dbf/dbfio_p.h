@@ -6,6 +6,7 @@
 // directory's tables is damaged.
 #pragma once
 
+#include "services/recordsource/dbf/dbftable.h"
 #include "services/recordsource/filelock.h"
 #include "services/recordsource/result.h"
 
@@ -46,16 +47,8 @@ FileHandle openFile(const QString &path, bool writable, OpenError *err);
 void closeFile(FileHandle file);
 
 // Which file an open handle names and when it last changed, to tell whether anything derived
-// from its contents still holds. Times are in nanoseconds of the file system's clock.
-struct FileStamp
-{
-    quint64 device = 0;
-    quint64 inode = 0;
-    qint64 size = 0;
-    qint64 modifiedNs = 0;
-    qint64 changedNs = 0;
-    bool operator==(const FileStamp &) const = default;
-};
+// from its contents still holds.
+using FileStamp = DbfFileStamp;
 Result<FileStamp> fileStamp(FileHandle file, const QString &path);
 // The wall clock in the same nanoseconds as FileStamp's times.
 qint64 nowNs();

@@ -189,16 +189,10 @@ Result<quint32> DbfTable::appendRecord(const QVariantList &values)
         return s;
     // Under the lock, count from the header and from the file size and take the larger, so
     // a record left by a writer that died before updating the header is never overwritten.
-    char h[8];
-    auto got = dbfio::readAt(m_fd, 0, h, 8, m_path);
-    if (!got.isOk())
-        return got.status();
-    auto size = dbfio::fileSize(m_fd, m_path);
-    if (!size.isOk())
-        return size.status();
-    const quint64 headerCount = dbfio::le32(h + 4);
-    const quint64 physical = quint64(qMax<qint64>(0, *size - m_header.headerLength)) / recLen;
-    const quint64 next = qMax(headerCount, physical) + 1;
+    Result<FileCounts> counts = readCounts();
+    if (!counts.isOk())
+        return counts.status();
+    const quint64 next = qMax(counts->header, counts->physical) + 1;
     if (next >= 0x7FFFFFFE - 1 || m_header.headerLength + next * recLen > 0x7FFFFFFFu)
         return dbfio::fileError(Status::Code::IoError, m_path,
                                 QStringLiteral("the table has reached FoxPro's 2 GB limit"));

@@ -366,7 +366,7 @@ Status DbfTable::remap(qint64 fileSize)
     return Status::ok();
 }
 
-Result<quint32> DbfTable::refreshCount()
+Result<DbfTable::FileCounts> DbfTable::readCounts() const
 {
     char h[8];
     auto got = dbfio::readAt(m_fd, 0, h, 8, m_path);
@@ -375,12 +375,24 @@ Result<quint32> DbfTable::refreshCount()
     auto size = dbfio::fileSize(m_fd, m_path);
     if (!size.isOk())
         return size.status();
-    m_header.headerCount = *got == 8 ? dbfio::le32(h + 4) : 0;
-    m_header.physicalCount = *size > m_header.headerLength
-        ? quint32((*size - m_header.headerLength) / m_header.recordLength)
+    FileCounts counts;
+    counts.header = *got == 8 ? dbfio::le32(h + 4) : 0;
+    counts.physical = *size > m_header.headerLength
+        ? quint64(*size - m_header.headerLength) / m_header.recordLength
         : 0;
-    if (*size > m_mapLength) {
-        Status s = remap(*size);
+    counts.size = *size;
+    return counts;
+}
+
+Result<quint32> DbfTable::refreshCount()
+{
+    Result<FileCounts> counts = readCounts();
+    if (!counts.isOk())
+        return counts.status();
+    m_header.headerCount = quint32(counts->header);
+    m_header.physicalCount = quint32(counts->physical);
+    if (counts->size > m_mapLength) {
+        Status s = remap(counts->size);
         if (!s.isOk())
             return s;
     }
@@ -430,14 +442,10 @@ Result<DbfChangeStamp> DbfTable::changeStamp() const
     Result<dbfio::FileStamp> file = dbfio::fileStamp(m_fd, m_path);
     if (!file.isOk())
         return file.status();
-    stamp.device = file->device;
-    stamp.inode = file->inode;
-    stamp.size = file->size;
-    stamp.modifiedNs = file->modifiedNs;
-    stamp.changedNs = file->changedNs;
+    stamp.file = file.value();
     stamp.count = m_count;
     constexpr qint64 kSettledNs = qint64(3) * 1000 * 1000 * 1000;
-    stamp.settled = dbfio::nowNs() - qMax(stamp.modifiedNs, stamp.changedNs) > kSettledNs;
+    stamp.settled = dbfio::nowNs() - qMax(stamp.file.modifiedNs, stamp.file.changedNs) > kSettledNs;
     return stamp;
 }
 

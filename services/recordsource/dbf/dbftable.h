@@ -103,21 +103,29 @@ class FileMapping;
 // after the previous write that the file system's clock did not move; `settled` says the last
 // write is old enough (a few seconds, above the coarsest file-time granularity of the file
 // systems a share may use) for that to be ruled out.
-struct DbfChangeStamp
+struct DbfFileStamp
 {
     quint64 device = 0;
     quint64 inode = 0;
     qint64 size = 0;
-    qint64 modifiedNs = 0;
+    qint64 modifiedNs = 0; // nanoseconds of the file system's clock
     qint64 changedNs = 0;
+    bool operator==(const DbfFileStamp &) const = default;
+};
+
+struct DbfChangeStamp
+{
+    DbfFileStamp file;
     quint64 writeEpoch = 0;
     quint32 count = 0;
     bool settled = false;
+    bool sameFile(const DbfChangeStamp &o) const
+    {
+        return file.device == o.file.device && file.inode == o.file.inode;
+    }
     bool sameContents(const DbfChangeStamp &o) const
     {
-        return device == o.device && inode == o.inode && size == o.size
-            && modifiedNs == o.modifiedNs && changedNs == o.changedNs && writeEpoch == o.writeEpoch
-            && count == o.count;
+        return file == o.file && writeEpoch == o.writeEpoch && count == o.count;
     }
 };
 
@@ -293,6 +301,14 @@ private:
     DbfTable();
     friend class DbfTableOpener;
     Status remap(qint64 fileSize);
+    // The counts as the file holds them now: the header's, and the whole records in the file.
+    struct FileCounts
+    {
+        quint64 header = 0;
+        quint64 physical = 0;
+        qint64 size = 0;
+    };
+    Result<FileCounts> readCounts() const;
     Status writeHeaderCount(quint32 count);
     Status touchDate();
     // Encodes `values` over the record image `rec`: inline fields first (so a bad value fails

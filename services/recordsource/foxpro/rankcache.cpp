@@ -7,11 +7,6 @@ namespace plx::foxpro {
 
 namespace {
 
-bool sameFile(const DbfChangeStamp &a, const DbfChangeStamp &b)
-{
-    return a.device == b.device && a.inode == b.inode;
-}
-
 size_t entryBytes(const RankCache::Ranks &ranks)
 {
     return ranks ? ranks->size() * sizeof(quint32) : 0;
@@ -29,7 +24,7 @@ RankCache::Ranks RankCache::find(const DbfChangeStamp &stamp, int field)
 {
     QMutexLocker lock(&m_mutex);
     for (auto it = m_entries.begin(); it != m_entries.end(); ++it) {
-        if (!sameFile(it->stamp, stamp) || it->field != field)
+        if (!it->stamp.sameFile(stamp) || it->field != field)
             continue;
         if (!it->stamp.sameContents(stamp)) {
             m_entries.erase(it);
@@ -49,7 +44,7 @@ void RankCache::store(const DbfChangeStamp &stamp, int field, Ranks ranks)
         return;
     QMutexLocker lock(&m_mutex);
     std::erase_if(m_entries, [&](const Entry &e) {
-        return sameFile(e.stamp, stamp) && (e.field == field || !e.stamp.sameContents(stamp));
+        return e.stamp.sameFile(stamp) && (e.field == field || !e.stamp.sameContents(stamp));
     });
     m_entries.push_front({ stamp, field, std::move(ranks) });
     size_t total = 0;

@@ -5,6 +5,7 @@
 #include "services/recordsource/dbf/dbftable.h"
 #include "services/recordsource/dbf/dbftesthooks_p.h"
 #include "services/recordsource/foxpro/rankcache.h"
+#include "services/recordsource/foxpro/tests/foxprotestsupport.h"
 
 #include <QDeadlineTimer>
 #include <QFile>
@@ -57,24 +58,12 @@ protected:
 
     QString path() const { return m_dir.filePath(QStringLiteral("P.DBF")); }
 
-    std::unique_ptr<Database> database()
-    {
-        auto db = OpenDatabase(m_dir.path(), false, false, QStringLiteral("FoxPro 2.6"));
-        EXPECT_TRUE(db.isOk()) << db.status().toString().toStdString();
-        return db.isOk() ? std::move(db).value() : nullptr;
-    }
+    std::unique_ptr<Database> database() { return foxprotest::openDirectory(m_dir.path()); }
 
-    QStringList column(const QString &sql, const char *field = "ID")
+    QStringList column(const QString &sql)
     {
         auto db = database();
-        auto rs = db->OpenRecordset(sql);
-        EXPECT_TRUE(rs.isOk()) << sql.toStdString() << ": " << rs.status().toString().toStdString();
-        QStringList out;
-        if (!rs.isOk())
-            return out;
-        for (RecordSource &r = *rs.value(); !r.isEOF(); (void)r.MoveNext())
-            out << r.value(QString::fromLatin1(field)).value().toString();
-        return out;
+        return db ? foxprotest::fieldOfEachRecord(*db, sql, QStringLiteral("ID")) : QStringList();
     }
 
     // Waits until the file's last change is old enough for its ranks to be kept.

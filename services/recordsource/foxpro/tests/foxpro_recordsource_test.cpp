@@ -3,6 +3,7 @@
 // a structural index, and the statements the driver refuses.
 #include "services/recordsource/database.h"
 #include "services/recordsource/dbf/dbftable.h"
+#include "services/recordsource/foxpro/tests/foxprotestsupport.h"
 
 #include <QDir>
 #include <QFile>
@@ -41,24 +42,12 @@ protected:
         ASSERT_TRUE(table.value()->setDeleted(5, true).isOk()); // the lower-case "banana"
     }
 
-    std::unique_ptr<Database> database()
-    {
-        auto db = OpenDatabase(m_dir.path(), false, false, QStringLiteral("FoxPro 2.6"));
-        EXPECT_TRUE(db.isOk()) << db.status().toString().toStdString();
-        return db.isOk() ? std::move(db).value() : nullptr;
-    }
+    std::unique_ptr<Database> database() { return foxprotest::openDirectory(m_dir.path()); }
 
     QStringList names(const QString &sql)
     {
         auto db = database();
-        auto rs = db->OpenRecordset(sql);
-        EXPECT_TRUE(rs.isOk()) << sql.toStdString() << ": " << rs.status().toString().toStdString();
-        QStringList out;
-        if (!rs.isOk())
-            return out;
-        for (RecordSource &r = *rs.value(); !r.isEOF(); (void)r.MoveNext())
-            out << r.value(QStringLiteral("NAME")).value().toString();
-        return out;
+        return db ? foxprotest::fieldOfEachRecord(*db, sql, QStringLiteral("NAME")) : QStringList();
     }
 
     QTemporaryDir m_dir;
