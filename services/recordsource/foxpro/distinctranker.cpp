@@ -24,26 +24,6 @@ quint64 leadingBytes(const char *p, size_t length)
 
 DistinctRanker::DistinctRanker(size_t length) : m_length(length), m_buckets(1024, 0) { }
 
-quint64 DistinctRanker::hashOf(const char *p) const
-{
-    quint64 h = 0x9E3779B97F4A7C15ull ^ m_length;
-    size_t i = 0;
-    for (; i + 8 <= m_length; i += 8) {
-        quint64 w;
-        std::memcpy(&w, p + i, 8);
-        h = (h ^ w) * 0xFF51AFD7ED558CCDull;
-        h ^= h >> 32;
-    }
-    for (; i < m_length; ++i)
-        h = (h ^ static_cast<unsigned char>(p[i])) * 0x100000001B3ull;
-    return h ^ (h >> 29);
-}
-
-bool DistinctRanker::equal(quint32 id, const char *p) const
-{
-    return std::memcmp(m_values.data() + size_t(id) * m_length, p, m_length) == 0;
-}
-
 quint32 DistinctRanker::insert(size_t bucket, const char *p, quint64 hash)
 {
     m_values.insert(m_values.end(), p, p + m_length);

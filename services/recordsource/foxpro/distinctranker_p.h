@@ -8,6 +8,7 @@
 
 #include <QtGlobal>
 
+#include <cstring>
 #include <vector>
 
 namespace plx::foxpro {
@@ -43,8 +44,39 @@ private:
     // in the other, so that a probe touches the stored bytes only when the hashes agree.
     static constexpr quint64 kTagMask = 0xFFFFFFFF00000000ull;
 
-    quint64 hashOf(const char *p) const;
-    bool equal(quint32 id, const char *p) const;
+    quint64 hashOf(const char *p) const
+    {
+        quint64 h = 0x9E3779B97F4A7C15ull ^ m_length;
+        size_t i = 0;
+        for (; i + 8 <= m_length; i += 8) {
+            quint64 w;
+            std::memcpy(&w, p + i, 8);
+            h = (h ^ w) * 0xFF51AFD7ED558CCDull;
+            h ^= h >> 32;
+        }
+        for (; i < m_length; ++i)
+            h = (h ^ static_cast<unsigned char>(p[i])) * 0x100000001B3ull;
+        return h ^ (h >> 29);
+    }
+    // Word by word: the values are short, and a library call per probe costs more than the
+    // comparison.
+    bool equal(quint32 id, const char *p) const
+    {
+        const char *v = m_values.data() + size_t(id) * m_length;
+        size_t i = 0;
+        for (; i + 8 <= m_length; i += 8) {
+            quint64 a, b;
+            std::memcpy(&a, v + i, 8);
+            std::memcpy(&b, p + i, 8);
+            if (a != b)
+                return false;
+        }
+        for (; i < m_length; ++i) {
+            if (v[i] != p[i])
+                return false;
+        }
+        return true;
+    }
     quint32 insert(size_t bucket, const char *p, quint64 hash);
     void grow();
 
