@@ -289,3 +289,35 @@ TEST_F(FoxProFastPathTest, BlockReadingPassMatchesThePassOverTheMapping)
         EXPECT_EQ(column(queries[i]), byMapping[i]) << queries[i].toStdString();
     dbftest::setScanByReads(false);
 }
+
+// Ranks are packed into one 64-bit integer when they fit; ten keys of 64 distinct values
+// each over 64 records (6 bits apiece, plus 6 for the position) do not, and the comparison
+// sort that takes over must order exactly as the packed one.
+TEST_F(FoxProFastPathTest, KeysBeyondSixtyFourBitsSortAsTheFirstFit)
+{
+    QList<QStringList> rows;
+    for (int i = 0; i < 64; ++i) {
+        rows << QStringList{ QString::number(i),
+                             QStringLiteral("N%1").arg((i * 37) % 64, 2, 10, QLatin1Char('0')),
+                             QStringLiteral("C%1").arg(i % 5) };
+    }
+    makeTable(rows);
+    QString many = QStringLiteral("P.CITY DESC");
+    for (int k = 0; k < 10; ++k)
+        many += QStringLiteral(", P.NAME");
+    const QStringList packed =
+        column(QStringLiteral("SELECT * from P ORDER BY P.CITY DESC, P.NAME"));
+    const QStringList compared = column(QStringLiteral("SELECT * from P ORDER BY ") + many);
+    ASSERT_EQ(packed.size(), 64);
+    EXPECT_EQ(compared, packed);
+    // And both are what the rows say: CITY descending, then NAME.
+    QList<QStringList> expected = rows;
+    std::stable_sort(expected.begin(), expected.end(),
+                     [](const QStringList &a, const QStringList &b) {
+                         return a[2] != b[2] ? a[2] > b[2] : a[1] < b[1];
+                     });
+    QStringList ids;
+    for (const QStringList &row : expected)
+        ids << row[0];
+    EXPECT_EQ(packed, ids);
+}
