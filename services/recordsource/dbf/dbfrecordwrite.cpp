@@ -2,6 +2,7 @@
 #include "services/recordsource/dbf/dbftable.h"
 
 #include "services/recordsource/dbf/dbfio_p.h"
+#include "services/recordsource/dbf/filemapping_p.h"
 #include "services/recordsource/dbf/dbfmemo_p.h"
 #include "services/recordsource/dbf/dbftesthooks_p.h"
 #include "services/recordsource/dbf/dbfvalue_p.h"
@@ -216,7 +217,7 @@ Result<quint32> DbfTable::appendRecord(const QVariantList &values)
     if (!s.isOk())
         return s;
     m_header.physicalCount = recno;
-    if (offset + rec.size() > m_mapLength) {
+    if (offset + rec.size() > m_mapping->length()) {
         s = remap(offset + rec.size());
         if (!s.isOk())
             return s;

@@ -362,7 +362,6 @@ Status DbfTable::remap(qint64 fileSize)
     }
     m_mapping = std::move(mapping).value();
     m_map = m_mapping->data();
-    m_mapLength = m_mapping->length();
     return Status::ok();
 }
 
@@ -391,7 +390,7 @@ Result<quint32> DbfTable::refreshCount()
         return counts.status();
     m_header.headerCount = quint32(counts->header);
     m_header.physicalCount = quint32(counts->physical);
-    if (counts->size > m_mapLength) {
+    if (counts->size > m_mapping->length()) {
         Status s = remap(counts->size);
         if (!s.isOk())
             return s;

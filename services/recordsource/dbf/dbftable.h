@@ -331,8 +331,7 @@ private:
     int m_nullFlagsLength = 0;
     NativeFileHandle m_fd; // dbfio::noFile() until opened
     std::shared_ptr<const dbfio::FileMapping> m_mapping; // shared with the file's other tables
-    const char *m_map = nullptr;
-    qint64 m_mapLength = 0;
+    const char *m_map = nullptr; // m_mapping->data(), read inline by recordBytes()
     quint32 m_count = 0;
     bool m_durable = true;
     int m_headerLockDepth = 0;

@@ -92,6 +92,7 @@ private:
 struct ScanRanking
 {
     size_t orderIndex; // the ORDER BY item
+    int field;
     int offset; // of the field in the record
     bool everyRecord;
     DistinctRanker ranker;

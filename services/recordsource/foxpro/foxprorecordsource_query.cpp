@@ -175,7 +175,6 @@ Status FoxProRecordSource::build(const jet::SelectStatement &stmt)
     const bool keep = !stmt.where && stamp.isOk() && stamp->settled;
     std::vector<std::optional<KeyRanks>> byteKeys(stmt.orderBy.size());
     std::vector<ScanRanking> rankings;
-    std::vector<int> rankedFields;
     for (size_t k = 0; k < stmt.orderBy.size(); ++k) {
         const jet::Node &expr = *stmt.orderBy[k].expr;
         if (expr.kind != NodeKind::Column)
@@ -189,8 +188,8 @@ Status FoxProRecordSource::build(const jet::SelectStatement &stmt)
                 continue;
             }
         }
-        rankings.push_back({ k, field.offset, keep, DistinctRanker(size_t(field.length)), {} });
-        rankedFields.push_back(expr.column);
+        rankings.push_back(
+            { k, expr.column, field.offset, keep, DistinctRanker(size_t(field.length)), {} });
     }
 
     Result<std::vector<quint32>> keys = filter(stmt.where, rankings);
@@ -201,8 +200,7 @@ Status FoxProRecordSource::build(const jet::SelectStatement &stmt)
 
     const Result<DbfChangeStamp> after = keep ? table.changeStamp() : stamp;
     const bool unchanged = after.isOk() && after->sameContents(stamp.value());
-    for (size_t i = 0; i < rankings.size(); ++i) {
-        ScanRanking &r = rankings[i];
+    for (ScanRanking &r : rankings) {
         const std::vector<quint32> rankOfId = r.ranker.ranksOfIds();
         for (quint32 &id : r.ids)
             id = rankOfId.empty() ? 0 : rankOfId[id];
@@ -211,7 +209,7 @@ Status FoxProRecordSource::build(const jet::SelectStatement &stmt)
             const bool whole = r.ids.size() == size_t(table.recordCount()) + 1;
             key.kept = std::make_shared<const std::vector<quint32>>(std::move(r.ids));
             if (unchanged && whole)
-                RankCache::global().store(stamp.value(), rankedFields[i], key.kept);
+                RankCache::global().store(stamp.value(), r.field, key.kept);
         } else {
             key.own = std::move(r.ids);
         }
