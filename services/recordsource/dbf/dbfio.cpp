@@ -2,6 +2,8 @@
 // and error sentences (the native file calls are in dbfnative_posix.cpp and dbfnative_win.cpp).
 #include "services/recordsource/dbf/dbfio_p.h"
 
+#include "services/recordsource/dbf/dbftesthooks_p.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -18,6 +20,7 @@ std::atomic<quint64> g_writeEpoch{ 0 };
 
 void countWrite()
 {
+    dbftest::beforeWrite();
     g_writeEpoch.fetch_add(1, std::memory_order_acq_rel);
 }
 

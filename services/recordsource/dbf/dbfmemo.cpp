@@ -215,8 +215,7 @@ void DbfMemoFile::unlock()
     (void)unlockRange(m_fd, kCodeBaseLockByte, 1);
 }
 
-Result<quint32> DbfMemoFile::write(const QByteArray &data, quint32 type, quint32 oldBlock,
-                                   bool durable)
+Result<quint32> DbfMemoFile::write(const QByteArray &data, quint32 type, bool durable)
 {
     if (m_kind != DbfMemoKind::Fpt && m_kind != DbfMemoKind::Dbt3)
         return dbfio::fileError(Status::Code::NotSupported, m_path,
@@ -224,7 +223,7 @@ Result<quint32> DbfMemoFile::write(const QByteArray &data, quint32 type, quint32
     Status s = lock();
     if (!s.isOk())
         return s;
-    Result<quint32> block = writeLocked(data, type, oldBlock);
+    Result<quint32> block = writeLocked(data, type);
     if (block.isOk() && durable) {
         s = dbfio::syncData(m_fd, m_path);
         if (!s.isOk())
@@ -234,7 +233,7 @@ Result<quint32> DbfMemoFile::write(const QByteArray &data, quint32 type, quint32
     return block;
 }
 
-Result<quint32> DbfMemoFile::writeLocked(const QByteArray &data, quint32 type, quint32 oldBlock)
+Result<quint32> DbfMemoFile::writeLocked(const QByteArray &data, quint32 type)
 {
     // The header is re-read under the lock: another program may have allocated since.
     char head[8];
@@ -262,21 +261,6 @@ Result<quint32> DbfMemoFile::writeLocked(const QByteArray &data, quint32 type, q
     }
     const quint64 needed = (quint64(bytes.size()) + blockSize - 1) / blockSize;
 
-    if (fpt && oldBlock >= headerBlocks && oldBlock < nextFree) {
-        char oldHead[8];
-        got = dbfio::readAt(m_fd, qint64(oldBlock) * blockSize, oldHead, 8, m_path);
-        if (!got.isOk())
-            return got.status();
-        const quint64 oldBlocks =
-            (8 + quint64(dbfio::be32(oldHead + 4)) + blockSize - 1) / blockSize;
-        if (*got == 8 && needed <= oldBlocks && oldBlock + oldBlocks <= nextFree) {
-            Status s = dbfio::writeAt(m_fd, qint64(oldBlock) * blockSize, bytes.constData(),
-                                      bytes.size(), m_path);
-            if (!s.isOk())
-                return s;
-            return oldBlock;
-        }
-    }
     if (quint64(nextFree) + needed > 0xFFFFFFFFu)
         return dbfio::fileError(Status::Code::IoError, m_path,
                                 QStringLiteral("the memo file is full"));

@@ -2,10 +2,13 @@
 //
 // Memo fields hold a block number; the text lives in the memo file. Reading validates every
 // pointer and length against the file, so a damaged file gives an error naming it instead
-// of a crash. Writing follows FoxPro: a new value goes to the header's next free block (the
-// header is rewritten after the data, so a crash leaves at worst unused blocks), a value
-// that fits the blocks of the one it replaces is written in place, and allocation happens
-// under the memo file's lock bytes (0x40000000 as CodeBase, 0 as Harbour).
+// of a crash. Writing follows FoxPro's allocation: a value goes to the header's next free
+// block (the header is rewritten after the data, so a crash leaves at worst unused blocks)
+// under the memo file's lock bytes (0x40000000 as CodeBase, 0 as Harbour). Unlike FoxPro, a
+// changed value is never written over the blocks of the one it replaces: those blocks are
+// live until the record pointing at them is rewritten, and a writer killed in between would
+// leave the old record holding the new memo. The file grows by every changed memo; FoxPro's
+// PACK MEMO (or any rewrite of the table) gives the dead blocks back.
 #pragma once
 
 #include "services/recordsource/dbf/dbftable.h"
@@ -39,9 +42,10 @@ public:
     Result<QByteArray> read(quint32 block) const;
 
     // Stores `data` as a memo of FPT block type `type` (1 text, 2 object, 0 picture) and
-    // returns its first block. `oldBlock` is the value being replaced (0 when none): it is
-    // rewritten in place when the new value fits its blocks.
-    Result<quint32> write(const QByteArray &data, quint32 type, quint32 oldBlock, bool durable);
+    // returns its first block, always past every block in use. With `durable` the blocks
+    // reach the disk before this returns, so the record written next never points at
+    // blocks a crash could lose.
+    Result<quint32> write(const QByteArray &data, quint32 type, bool durable);
 
 private:
     DbfMemoFile(NativeFileHandle fd, QString path, DbfMemoKind kind)
@@ -52,7 +56,7 @@ private:
     Result<QByteArray> readFpt(quint32 block) const;
     Result<QByteArray> readDbt3(quint32 block, qint64 size) const;
     Result<QByteArray> readDbt4(quint32 block, qint64 size) const;
-    Result<quint32> writeLocked(const QByteArray &data, quint32 type, quint32 oldBlock);
+    Result<quint32> writeLocked(const QByteArray &data, quint32 type);
     Status lock();
     void unlock();
 

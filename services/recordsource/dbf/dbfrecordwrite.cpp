@@ -105,9 +105,10 @@ Status DbfTable::writeMemos(QByteArray &rec, const QList<QPair<int, QByteArray>>
         const DbfField &f = m_fields[index];
         quint32 block = 0;
         if (!bytes.isEmpty()) {
-            const quint32 oldBlock = dbfvalue::memoBlock(f, rec.constData() + f.offset);
-            // Durable memo blocks before the record that points at them.
-            auto written = m_memo->write(bytes, dbfvalue::memoType(f), oldBlock, m_durable);
+            // New, durable memo blocks before the record that points at them; the old
+            // blocks stay as they are, so the record on disk is wholly old until it is
+            // rewritten in one write below.
+            auto written = m_memo->write(bytes, dbfvalue::memoType(f), m_durable);
             if (!written.isOk())
                 return written.status();
             block = *written;

@@ -6,6 +6,8 @@
 // what a process killed between two writes leaves behind. Never set outside tests.
 #pragma once
 
+#include <QtGlobal>
+
 namespace plx::dbftest {
 
 enum class CrashPoint {
@@ -18,6 +20,13 @@ enum class CrashPoint {
 void setCrashPoint(CrashPoint point);
 // Ends the process when `point` is the armed crash point.
 void crashIfArmed(CrashPoint point);
+
+// Ends the process just before its `n`th file write from now (1-based; 0 disarms), the way a
+// process killed by a tracer between two system calls ends, so that a test can stop a writer
+// at every write of an operation in turn.
+void setCrashBeforeWrite(quint64 n);
+// Called by every table and memo write before it writes.
+void beforeWrite();
 
 // Makes every pass over a table read it in blocks, as while a new mapping of a large file is
 // still being populated, so that tests reach that path with small files.

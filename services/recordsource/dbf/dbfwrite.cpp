@@ -38,6 +38,21 @@ void crashIfArmed(CrashPoint point)
 }
 
 namespace {
+std::atomic<quint64> g_writesToCrash{ 0 };
+}
+
+void setCrashBeforeWrite(quint64 n)
+{
+    g_writesToCrash = n;
+}
+
+void beforeWrite()
+{
+    if (g_writesToCrash.load(std::memory_order_relaxed) != 0 && --g_writesToCrash == 0)
+        std::_Exit(77);
+}
+
+namespace {
 std::atomic<bool> g_scanByReads{ false };
 }
 

@@ -7,6 +7,12 @@
 //   dbf_child crash PATH POINT          arm crash POINT (1 after memo, 2 after record, 3 in
 //                                       writeRecord after memo), then append or rewrite
 //                                       record 1 with a memo; the process ends at that point
+//   dbf_child killat DIR OP N           through a FoxPro record source on DIR's SMALL table,
+//                                       run OP (update: Edit + Update of the first record,
+//                                       add: AddNew + Update, delete: Delete of the first
+//                                       record), ending the process before its Nth file write;
+//                                       exit 0 when the operation finished first
+#include "services/recordsource/database.h"
 #include "services/recordsource/dbf/dbftable.h"
 #include "services/recordsource/dbf/dbftesthooks_p.h"
 
@@ -63,6 +69,45 @@ int crash(plx::DbfTable &t, int point)
     return r.isOk() ? 0 : fail(r.status());
 }
 
+int killAt(const QString &dir, const QString &op, int n)
+{
+    auto db = plx::OpenDatabase(dir, false, false, QStringLiteral("FoxPro 2.6"));
+    if (!db.isOk())
+        return fail(db.status());
+    auto rs = db.value()->OpenRecordset(QStringLiteral("SELECT * FROM SMALL"));
+    if (!rs.isOk())
+        return fail(rs.status());
+    plx::RecordSource &r = *rs.value();
+    plx::Status s = r.MoveFirst();
+    // The new memo is shorter than the old one, so it would fit the old one's blocks.
+    auto fill = [&r] {
+        plx::Status f = r.setValue(QStringLiteral("NAME"), QStringLiteral("CHANGED"));
+        if (f.isOk())
+            f = r.setValue(QStringLiteral("QTY"), 42);
+        if (f.isOk())
+            f = r.setValue(QStringLiteral("NOTES"), QStringLiteral("new memo"));
+        return f;
+    };
+    plx::dbftest::setCrashBeforeWrite(quint64(n));
+    if (s.isOk() && op == QLatin1String("update")) {
+        s = r.Edit();
+        if (s.isOk())
+            s = fill();
+        if (s.isOk())
+            s = r.Update();
+    } else if (s.isOk() && op == QLatin1String("add")) {
+        s = r.AddNew();
+        if (s.isOk())
+            s = fill();
+        if (s.isOk())
+            s = r.Update();
+    } else if (s.isOk()) {
+        s = r.Delete();
+    }
+    plx::dbftest::setCrashBeforeWrite(0);
+    return s.isOk() ? 0 : fail(s);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -71,6 +116,8 @@ int main(int argc, char **argv)
     const QStringList args = app.arguments();
     if (args.size() < 4)
         return 64;
+    if (args[1] == QLatin1String("killat") && args.size() >= 5)
+        return killAt(args[2], args[3], args[4].toInt());
     auto table = plx::DbfTable::open(args[2]);
     if (!table.isOk())
         return fail(table.status());

@@ -150,3 +150,62 @@ TEST(DbfProcesses, ProcessKilledMidWriteLeavesAReadableTable)
         expectReadersAgree(path);
     }
 }
+
+// A writer killed before each of its writes in turn (as a tracer stopping it at every write
+// system call would) leaves the table as it was before the operation or as it is after it:
+// never a record with its old fields and its new memo, for our reader and for python-dbf.
+TEST(DbfProcesses, WriterKilledAtEveryWriteLeavesEachRecordWholeOldOrNew)
+{
+    auto snapshot = [](const QString &path) {
+        auto t = DbfTable::open(path, DbfTable::OpenMode::ReadOnly);
+        EXPECT_TRUE(t.isOk()) << t.status().toString().toStdString();
+        return t.isOk() ? dumpTable(**t) : QStringList();
+    };
+    // Runs `op` in a child on a fresh table, ended before its nth write (0: never).
+    auto run = [](const QString &dir, const char *op, int n) {
+        QProcess child;
+        child.start(childProgram(),
+                    { QStringLiteral("killat"), dir, QString::fromLatin1(op), QString::number(n) });
+        if (!child.waitForFinished(20000))
+            return -1;
+        if (child.exitCode() != 0 && child.exitCode() != 77)
+            ADD_FAILURE() << child.readAllStandardError().toStdString();
+        return child.exitCode();
+    };
+    // The fewest writes each operation makes: an update writes the memo's blocks, the memo
+    // header and the record; an add those and the table header; a delete the flag alone.
+    const struct
+    {
+        const char *op;
+        int writes;
+    } ops[] = { { "update", 3 }, { "add", 4 }, { "delete", 1 } };
+    for (const auto &[op, writes] : ops) {
+        SCOPED_TRACE(op);
+        QTemporaryDir whole;
+        const QString wholePath = makeSmallTable(whole.path(), 3);
+        const QStringList before = snapshot(wholePath);
+        ASSERT_EQ(run(whole.path(), op, 0), 0);
+        const QStringList after = snapshot(wholePath);
+        ASSERT_NE(after, before);
+
+        int kills = 0;
+        for (int n = 1; n <= 64; ++n) {
+            SCOPED_TRACE(n);
+            QTemporaryDir dir;
+            const QString path = makeSmallTable(dir.path(), 3);
+            const int code = run(dir.path(), op, n);
+            ASSERT_TRUE(code == 0 || code == 77);
+            const QStringList now = snapshot(path);
+            EXPECT_TRUE(now == before || now == after) << now.join(QLatin1Char('\n')).toStdString();
+            if (pythonReady()) {
+                bool ok = false;
+                EXPECT_EQ(runInterop({ QStringLiteral("dump-dbf"), path }, &ok), now);
+                EXPECT_TRUE(ok);
+            }
+            if (code == 0)
+                break; // the operation finished before its nth write
+            ++kills;
+        }
+        EXPECT_GE(kills, writes) << "every write of the operation is a kill point";
+    }
+}

@@ -105,7 +105,7 @@ TEST(DbfWrite, AppendedRecordsReadBackWithFoxProLayout)
     EXPECT_EQ(blank->at(5).toString(), QString());
 }
 
-TEST(DbfWrite, MemoBlocksAreReusedOrAppendedAsFoxProDoes)
+TEST(DbfWrite, ChangedMemosGoToNewBlocksAndUnchangedOnesKeepTheirs)
 {
     QTemporaryDir dir;
     const QString path = makeSmallTable(dir.path(), 2);
@@ -118,20 +118,24 @@ TEST(DbfWrite, MemoBlocksAreReusedOrAppendedAsFoxProDoes)
     EXPECT_EQ(blockOf(2), 9);
     EXPECT_EQ(be32(readFile(fpt), 0), 10u);
 
-    // Shorter text fits the old block: rewritten in place, no growth.
+    // Shorter text would fit the old block, but the old block stays live until the record
+    // is rewritten: the new value goes to the next free block, the old one is left intact.
+    const QByteArray oldBlock = readFile(fpt).mid(8 * 64, 64);
     ASSERT_TRUE(t->writeRecord(1,
                                { QStringLiteral("NAME1"), 1, 1.5, QDate(2000, 1, 2), false,
                                  QStringLiteral("short") })
                     .isOk());
-    EXPECT_EQ(blockOf(1), 8);
-    EXPECT_EQ(be32(readFile(fpt), 0), 10u);
+    EXPECT_EQ(blockOf(1), 10);
+    EXPECT_EQ(be32(readFile(fpt), 0), 11u);
+    EXPECT_EQ(readFile(fpt).mid(8 * 64, 64), oldBlock);
+    EXPECT_EQ(t->value(1, notes)->toString(), QStringLiteral("short"));
     // Longer text: appended at the next free block, header advanced past it.
     const QString longText = QStringLiteral("0123456789").repeated(20);
     ASSERT_TRUE(
         t->writeRecord(1, { QStringLiteral("NAME1"), 1, 1.5, QDate(2000, 1, 2), false, longText })
             .isOk());
-    EXPECT_EQ(blockOf(1), 10);
-    EXPECT_EQ(be32(readFile(fpt), 0), 10u + (8 + 200 + 63) / 64);
+    EXPECT_EQ(blockOf(1), 11);
+    EXPECT_EQ(be32(readFile(fpt), 0), 11u + (8 + 200 + 63) / 64);
     // An unchanged memo keeps its block; a value written twice grows nothing.
     const QByteArray fptBefore = readFile(fpt);
     ASSERT_TRUE(
