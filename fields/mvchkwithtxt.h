@@ -1,0 +1,123 @@
+// fields/mvchkwithtxt.h: one bound check box on top of a stack of bound text rows, for a
+// yes/no field and the text fields that belong to it (a flag and its details).
+//
+// Check-box operations end in Chk, text-row operations end in Txt (or keep the text
+// stack's names), whole-unit operations go to both parts: the text stack first, then the
+// check box.
+#pragma once
+
+#include "fields/mvname.h"
+#include "mervane/mvcheck.h"
+
+#include "services/boundcontrol.h"
+
+class mvChkWithTxt : public QWidget, public plx::BoundControl
+{
+    Q_OBJECT
+    Q_PROPERTY(QString sCaptionChk READ sCaptionChk WRITE setSCaptionChk)
+    Q_PROPERTY(qint16 nUbound READ nUbound WRITE setNUbound)
+    Q_PROPERTY(QString sFieldNameChk READ sFieldNameChk WRITE setSFieldNameChk)
+    Q_PROPERTY(QString sValueChk READ sValueChk WRITE setSValueChk)
+    Q_PROPERTY(qint32 DescWidthAll READ DescWidthAll WRITE setDescWidthAll)
+    Q_PROPERTY(qint32 BackColor READ BackColor WRITE setBackColor)
+    Q_PROPERTY(QString sDBFPathFileName READ sDBFPathFileName WRITE setSDBFPathFileName)
+    Q_PROPERTY(bool Locked READ Locked WRITE setLocked)
+    Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabled)
+    Q_PROPERTY(qint32 lAltGrayColor READ lAltGrayColor WRITE setLAltGrayColor)
+    Q_PROPERTY(bool bBoldOnChk READ bBoldOnChk WRITE setBBoldOnChk)
+
+public:
+    explicit mvChkWithTxt(QWidget *parent = nullptr);
+    ~mvChkWithTxt() override;
+
+    void setServices(plx::Services *services);
+
+    QString sCaptionChk() const { return m_chk->sCaption(); }
+    void setSCaptionChk(const QString &caption) { m_chk->setSCaption(caption); }
+    Q_INVOKABLE QString sCaptionTxt(qint16 n) const;
+    Q_INVOKABLE void setSCaptionTxt(qint16 n, const QString &caption);
+
+    qint16 nUbound() const { return m_txt->nUbound(); }
+    void setNUbound(qint16 n);
+
+    QString sFieldNameChk() const { return m_chk->DataBinding()->sFieldName(); }
+    void setSFieldNameChk(const QString &name);
+    Q_INVOKABLE QString sFieldNameTxt(qint16 n) const { return m_txt->sFieldName(n); }
+    Q_INVOKABLE void setSFieldNameTxt(qint16 n, const QString &name)
+    {
+        m_txt->setSFieldName(n, name);
+    }
+
+    QString sValueChk() const;
+    void setSValueChk(const QVariant &value);
+    void setSValueChk(const QString &value) { setSValueChk(QVariant(value)); }
+    // Out of range gives "" (checked against the text stack's nUbound first).
+    Q_INVOKABLE QString sValueTxt(qint16 n) const;
+    Q_INVOKABLE void setSValueTxt(qint16 n, const QVariant &value) { m_txt->setSValue(n, value); }
+
+    Q_INVOKABLE void setSModeTxt(qint16 n, const QString &mode) { m_txt->setSMode(n, mode); }
+    Q_INVOKABLE void setSFormat(qint16 n, const QString &format) { m_txt->setSFormat(n, format); }
+    Q_INVOKABLE void setMaxLengthTxt(qint16 n, qint32 length) { m_txt->setMaxLength(n, length); }
+    qint32 DescWidthAll() const { return m_txt->DescWidthAll(); }
+    void setDescWidthAll(qint32 twips) { m_txt->setDescWidthAll(twips); }
+    Q_INVOKABLE qint32 DescWidth(qint16 n) const { return m_txt->DescWidth(n); }
+    Q_INVOKABLE void setDescWidth(qint16 n, qint32 twips) { m_txt->setDescWidth(n, twips); }
+    Q_INVOKABLE qint16 iHeight(qint16 n) const { return m_txt->iHeight(n); }
+    Q_INVOKABLE void setIHeight(qint16 n, qint16 twips) { m_txt->setIHeight(n, twips); }
+    Q_INVOKABLE bool BackRed(qint16 n) const { return m_txt->BackRed(n); }
+    Q_INVOKABLE void setBackRed(qint16 n, bool on) { m_txt->setBackRed(n, on); }
+    Q_INVOKABLE bool BackWhite(qint16 n) const { return m_txt->BackWhite(n); }
+    Q_INVOKABLE void setBackWhite(qint16 n, bool on) { m_txt->setBackWhite(n, on); }
+    Q_INVOKABLE bool BackLtGray(qint16 n) const { return m_txt->BackLtGray(n); }
+    Q_INVOKABLE void setBackLtGray(qint16 n, bool on) { m_txt->setBackLtGray(n, on); }
+    qint32 BackColor() const { return m_txt->BackColor(); }
+    void setBackColor(qint32 color) { m_txt->setBackColor(color); }
+
+    Q_INVOKABLE void ClearChk() { m_chk->Clear(); }
+    Q_INVOKABLE void ClearTxt(qint16 n) { (void)m_txt->Clear(n); }
+    Q_INVOKABLE void ClearAll();
+
+    // When the file exists: the text stack binds to it and the check box shares its record
+    // source; otherwise the one "File Not Found" box.
+    void setSDBFPathFileName(const QString &path);
+    QString sDBFPathFileName() const { return m_txt->sDBFPathFileName(); }
+
+    Q_INVOKABLE void Update();
+    Q_INVOKABLE void Disconnect();
+    Q_INVOKABLE void Edit();
+
+    qint32 lAltGrayColor() const { return m_txt->lAltGrayColor(); }
+    void setLAltGrayColor(qint32 altGray);
+    bool bBoldOnChk() const { return m_chk->bBoldOnChk(); }
+    void setBBoldOnChk(bool bold) { m_chk->setBBoldOnChk(bold); }
+
+    // plx::BoundControl. UpdateDBF is Update (the parts load themselves).
+    void UpdateDBF() override { Update(); }
+    Q_INVOKABLE bool bEdit(bool bSilent, QString *vReturn = nullptr) override;
+    Q_INVOKABLE void EditUpdate() override;
+    Q_INVOKABLE void CancelEdit() override;
+    Q_INVOKABLE QString Save() override;
+    bool Locked() const override { return m_chk->Locked(); }
+    void setLocked(bool locked) override;
+    bool Enabled() const override { return isEnabled(); }
+    void setEnabled(bool enabled) override;
+    QString Name() const override { return objectName(); }
+    std::shared_ptr<plx::RecordSource> RecordSet() const override;
+    void setRecordSet(std::shared_ptr<plx::RecordSource> source) override;
+
+    mvCheck *checkBox() const { return m_chk; }
+    mvName *textStack() const { return m_txt; }
+
+Q_SIGNALS:
+    void DblClick(qint16 Index);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void fitHeight();
+
+    plx::Services *m_services = nullptr;
+    mvCheck *m_chk;
+    mvName *m_txt;
+};

@@ -1,0 +1,60 @@
+// fields/mvname.h: a stack of labelled text rows (mvText), each bound to one field.
+//
+//     auto *names = new mvName(form);
+//     names->setNUbound(2);                       // rows 0..2; set before per-row settings
+//     names->setSCaption(0, "Name");  names->setSFieldName(0, "NAME");
+//     names->setSCaption(1, "City");  names->setSFieldName(1, "CITY");
+//     names->setSCaption(2, "Amount"); names->setSFieldName(2, "AMOUNT");
+//     names->setSFormat(2, "#,##0.00");
+//     names->setRecordSet(rs);                    // or setSDBFPathFileName("C:\\data\\T.DBF")
+//     names->UpdateDBF();                         // show the current record
+//
+// The navigator drives it through plx::BoundControl: Locked, bEdit, EditUpdate, Save,
+// CancelEdit, UpdateDBF.
+#pragma once
+
+#include "fields/rowstack.h"
+#include "mervane/mvtext.h"
+
+class mvName : public RowStack
+{
+    Q_OBJECT
+    Q_PROPERTY(qint32 DescWidthAll READ DescWidthAll WRITE setDescWidthAll)
+
+public:
+    explicit mvName(QWidget *parent = nullptr);
+    ~mvName() override;
+
+    Q_INVOKABLE QString sCaption(qint16 n) const;
+    Q_INVOKABLE void setSCaption(qint16 n, const QString &caption);
+    Q_INVOKABLE void setSMode(qint16 n, const QString &mode);
+    Q_INVOKABLE void setSFormat(qint16 n, const QString &format);
+    Q_INVOKABLE void setMaxLength(qint16 n, qint32 length);
+    Q_INVOKABLE qint32 DescWidth(qint16 n) const;
+    Q_INVOKABLE void setDescWidth(qint16 n, qint32 twips);
+    qint32 DescWidthAll() const { return DescWidth(0); }
+    void setDescWidthAll(qint32 twips);
+    Q_INVOKABLE QString ToolTip(qint16 n) const;
+    Q_INVOKABLE void setToolTip(qint16 n, const QString &tip);
+    Q_INVOKABLE bool bAllowNull(qint16 n) const;
+    Q_INVOKABLE void setBAllowNull(qint16 n, bool allow);
+    Q_INVOKABLE bool BackRed(qint16 n) const;
+    Q_INVOKABLE void setBackRed(qint16 n, bool on);
+    Q_INVOKABLE bool BackWhite(qint16 n) const;
+    Q_INVOKABLE void setBackWhite(qint16 n, bool on);
+    Q_INVOKABLE bool BackLtGray(qint16 n) const;
+    Q_INVOKABLE void setBackLtGray(qint16 n, bool on);
+
+    Q_INVOKABLE void Disconnect() { DisconnectDBF(); }
+    Q_INVOKABLE void DisconnectDBF() { disconnectRows(); }
+
+    // Row n as its own control (nullptr outside 0..nUbound).
+    mvText *textRow(qint16 n) const { return static_cast<mvText *>(row(n)); }
+
+Q_SIGNALS:
+    void DblClick(qint16 Index);
+
+protected:
+    mvRow *createRow(qint16 index) override;
+    void rowDoubleClicked(qint16 index) override { Q_EMIT DblClick(index); }
+};

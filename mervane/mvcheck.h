@@ -1,0 +1,57 @@
+// mervane/mvcheck.h: a row holding one labelled check box bound to one field.
+//
+// The row's value is exchanged as text, in the stored form of the bound field's type:
+//   logical field   "True" / "False"
+//   numeric field   "-1" / "0"; "1" / "0" once the field was seen holding a 1
+//   text field      "T" / "F"; "Y" / "N" once the field was seen holding Y or N
+// "" is an unchecked box that was never set (a Null field shows so and stays Null unless
+// the box is clicked). Setting the value accepts any of these forms (and Yes/No, .T./.F.).
+// With bBoldOnChk the caption of a checked box is bold.
+#pragma once
+
+#include "mervane/mvrow.h"
+
+class QCheckBox;
+
+class mvCheck : public mvRow
+{
+    Q_OBJECT
+    Q_PROPERTY(bool bBoldOnChk READ bBoldOnChk WRITE setBBoldOnChk)
+    Q_PROPERTY(bool Checked READ Checked)
+
+public:
+    explicit mvCheck(QWidget *parent = nullptr);
+
+    QString sCaption() const override;
+    void setSCaption(const QString &caption) override;
+
+    bool bBoldOnChk() const { return m_boldOnChk; }
+    void setBBoldOnChk(bool bold);
+    bool Checked() const;
+
+    // Sets the value to "" (unchecked, never set).
+    Q_INVOKABLE void Clear() { showText(QString()); }
+
+protected:
+    QString currentText() const override { return m_text; }
+    void showText(const QString &text) override;
+    QString displayOf(const QVariant &stored, const plx::FieldInfo &field) override;
+    std::optional<QVariant> storedOf(const QString &text, const plx::FieldInfo &field,
+                                     QString *reason) const override;
+    void applyLook() override;
+    void applyGeometryPixels() override;
+    void focusChanged(bool hasFocus) override;
+
+private:
+    enum class Form { Logical, MinusOne, One, TF, YN };
+    // The text of a checked / unchecked box in the current form.
+    QString formText(bool checked) const;
+    void userToggled(bool checked);
+    void applyFont();
+
+    QCheckBox *m_box;
+    QString m_text; // the value as text ("" until set)
+    Form m_form = Form::Logical;
+    bool m_boldOnChk = false;
+    bool m_hasFocus = false;
+};

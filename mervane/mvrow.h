@@ -1,0 +1,145 @@
+// mervane/mvrow.h: what the row controls mvText and mvCheck share.
+//
+// A row shows one field of the current record of its binding's record source and takes
+// part in the edit life cycle its stack forwards:
+//
+//   UpdateDBF()   loads the field of the current record (or of the edit buffer) and shows
+//                 it; this is also the "before" state CancelEdit returns to
+//   Edit()        enters editing and remembers what is shown
+//   bValidate()   refuses a changed value the field cannot take, with a reason
+//   EditUpdate()  ends editing; a changed value goes into the record source's edit buffer
+//   CancelEdit()  ends editing and shows again exactly what was shown before Edit
+//   Save()        makes sure the value written by EditUpdate reaches the table
+//
+// Save exists because the back ends drop their edit buffer when Edit() is called on a
+// record that is already in edit, and the navigator does exactly that before it stamps and
+// updates the record. So a row keeps the value it wrote until it knows the value is in the
+// table: Save commits the buffer while the record is still in edit (or, when the buffer is
+// gone, edits the record itself), and the navigator's own Edit then starts from the saved
+// values. Only values that changed are ever written.
+#pragma once
+
+#include "mervane/mvdatabinding.h"
+#include "mervane/rowpalette.h"
+
+#include "services/env.h"
+#include "services/recordsource/status.h"
+
+#include <QPointer>
+#include <QVariant>
+#include <QWidget>
+
+#include <optional>
+
+class mvRow : public QWidget
+{
+    Q_OBJECT
+    Q_PROPERTY(QString sCaption READ sCaption WRITE setSCaption)
+    Q_PROPERTY(QString Text READ Text WRITE setText)
+    Q_PROPERTY(QString Value READ Value WRITE setValue)
+    Q_PROPERTY(bool Locked READ Locked WRITE setLocked)
+    Q_PROPERTY(qint32 lAltGrayColor READ lAltGrayColor WRITE setLAltGrayColor)
+    Q_PROPERTY(qint16 iHeight READ iHeight WRITE setIHeight)
+
+public:
+    ~mvRow() override;
+
+    void setServices(plx::Services *services) { m_services = services; }
+
+    virtual QString sCaption() const = 0;
+    virtual void setSCaption(const QString &caption) = 0;
+
+    // What the row shows. Value is the same text; both names exist because hosts use both.
+    QString Text() const { return currentText(); }
+    void setText(const QString &text) { showText(text); }
+    QString Value() const { return currentText(); }
+    void setValue(const QString &value) { showText(value); }
+
+    bool Locked() const { return m_locked; }
+    void setLocked(bool locked);
+    // Non-zero: the row shows the alternate grey (every other row of a long stack).
+    qint32 lAltGrayColor() const { return m_altGray; }
+    void setLAltGrayColor(qint32 altGray);
+
+    // Geometry in twips (1440 to the logical inch), kept in twips so that laying rows out
+    // row by row never accumulates rounding.
+    qint16 iHeight() const { return m_heightTw; }
+    void setIHeight(qint16 twips);
+    int leftTwips() const { return m_leftTw; }
+    int topTwips() const { return m_topTw; }
+    int widthTwips() const { return m_widthTw; }
+    void setTwipsGeometry(int left, int top, int width);
+
+    // The binding object, made on first use; releaseDataBinding() deletes it.
+    Q_INVOKABLE mvDataBinding *DataBinding();
+    bool hasDataBinding() const { return m_binding != nullptr; }
+    void releaseDataBinding();
+
+    bool isEditing() const { return m_editing; }
+
+    Q_INVOKABLE plx::Status UpdateDBF();
+    Q_INVOKABLE void Edit();
+    Q_INVOKABLE void EditUpdate();
+    Q_INVOKABLE void CancelEdit();
+    // True when the row accepts its value. A changed value that the field cannot take
+    // gives false and a reason in words for the user ("is longer than 10 characters"),
+    // which the stack puts behind the caption. Not silent: the row also shows it in a box.
+    Q_INVOKABLE bool bValidate(bool bSilent, QString *reason);
+    // "" when the row's value is in the table (or nothing was to be written), else why not;
+    // a failure is also shown to the user, because the stack does not report it.
+    Q_INVOKABLE QString Save();
+
+Q_SIGNALS:
+    void DblClick();
+
+protected:
+    explicit mvRow(QWidget *parent);
+
+    virtual QString currentText() const = 0;
+    virtual void showText(const QString &text) = 0;
+    // The text shown for a stored value of `field`.
+    virtual QString displayOf(const QVariant &stored, const plx::FieldInfo &field) = 0;
+    // The value to store for `text`, or std::nullopt and a reason when the field cannot
+    // take it.
+    virtual std::optional<QVariant> storedOf(const QString &text, const plx::FieldInfo &field,
+                                             QString *reason) const = 0;
+    // Repaints the background and read-only look after a flag changed.
+    virtual void applyLook() = 0;
+    virtual void applyGeometryPixels() { }
+
+    plx::RowShade shade() const;
+    virtual bool backRed() const { return false; }
+    virtual bool backWhite() const { return false; }
+    virtual bool backLightGray() const { return false; }
+
+    plx::Services *services() const { return m_services; }
+    void showProblem(const QString &title, const QString &text, int style) const;
+
+    // Makes a child report double clicks and focus for the row.
+    void watch(QWidget *child);
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    virtual void focusChanged(bool hasFocus) { Q_UNUSED(hasFocus) }
+    void changeEvent(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+    QString loadedText() const { return m_loadedText; }
+
+private:
+    void applyGeometry();
+    QString writeFailure(const plx::Status &status) const;
+
+    plx::Services *m_services = nullptr;
+    QPointer<mvDataBinding> m_binding;
+    bool m_locked = false;
+    qint32 m_altGray = 0;
+    bool m_editing = false;
+    int m_leftTw = 0;
+    int m_topTw = 0;
+    int m_widthTw = 4800;
+    qint16 m_heightTw = 360;
+
+    QString m_loadedText; // what UpdateDBF showed: a value equal to it is not written
+    QString m_beforeEdit; // what CancelEdit shows again
+    std::optional<QVariant> m_pending; // written by EditUpdate, not yet known to be saved
+    QString m_problem; // why EditUpdate could not write, reported by Save
+};

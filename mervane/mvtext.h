@@ -1,0 +1,96 @@
+// mervane/mvtext.h: a row of a caption and a text field bound to one field.
+//
+// The caption stands left in DescWidth twips, the value field takes the rest of the row.
+// A memo field is edited over several lines (a plain-text editor filling the row's
+// height, Tab still moving on to the next row). sMode restricts what can be typed:
+//   "" or "Text"         anything
+//   "Upper"              anything, turned to upper case as it is typed
+//   "Digits"             0-9 only
+//   "Number"             a signed decimal number (thousands separators allowed)
+//   "Date"               digits and the separators / - .
+// MaxLength limits typing; 0 (the default) means the field's own size for text fields.
+// sFormat is the display format of numbers and dates (valueformat.h). An empty value is
+// stored as Null when bAllowNull is set, otherwise as empty text where the field has one.
+#pragma once
+
+#include "mervane/mvrow.h"
+
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+
+class mvText : public mvRow
+{
+    Q_OBJECT
+    Q_PROPERTY(QString sMode READ sMode WRITE setSMode)
+    Q_PROPERTY(QString sFormat READ sFormat WRITE setSFormat)
+    Q_PROPERTY(qint32 MaxLength READ MaxLength WRITE setMaxLength)
+    Q_PROPERTY(qint32 DescWidth READ DescWidth WRITE setDescWidth)
+    Q_PROPERTY(bool bAllowNull READ bAllowNull WRITE setBAllowNull)
+    Q_PROPERTY(bool BackRed READ BackRed WRITE setBackRed)
+    Q_PROPERTY(bool BackWhite READ BackWhite WRITE setBackWhite)
+    Q_PROPERTY(bool BackLtGray READ BackLtGray WRITE setBackLtGray)
+    Q_PROPERTY(QString ToolTip READ ToolTip WRITE setToolTip)
+
+public:
+    explicit mvText(QWidget *parent = nullptr);
+
+    QString sCaption() const override;
+    void setSCaption(const QString &caption) override;
+
+    QString sMode() const { return m_mode; }
+    void setSMode(const QString &mode);
+    QString sFormat() const { return m_format; }
+    void setSFormat(const QString &format) { m_format = format; }
+    qint32 MaxLength() const { return m_maxLength; }
+    void setMaxLength(qint32 length);
+    // Width of the caption part in twips.
+    qint32 DescWidth() const { return m_descWidthTw; }
+    void setDescWidth(qint32 twips);
+    bool bAllowNull() const { return m_allowNull; }
+    void setBAllowNull(bool allow) { m_allowNull = allow; }
+    bool BackRed() const { return m_red; }
+    void setBackRed(bool on);
+    bool BackWhite() const { return m_white; }
+    void setBackWhite(bool on);
+    bool BackLtGray() const { return m_ltGray; }
+    void setBackLtGray(bool on);
+    QString ToolTip() const { return toolTip(); }
+    void setToolTip(const QString &tip);
+
+    // True while the row edits a memo field over several lines.
+    bool isMultiLine() const { return m_multiLine; }
+
+protected:
+    QString currentText() const override;
+    void showText(const QString &text) override;
+    QString displayOf(const QVariant &stored, const plx::FieldInfo &field) override;
+    std::optional<QVariant> storedOf(const QString &text, const plx::FieldInfo &field,
+                                     QString *reason) const override;
+    void applyLook() override;
+    void applyGeometryPixels() override;
+    bool backRed() const override { return m_red; }
+    bool backWhite() const override { return m_white; }
+    bool backLightGray() const override { return m_ltGray; }
+    void focusChanged(bool hasFocus) override;
+
+private:
+    void setMultiLine(bool on);
+    void applyValidator();
+    int effectiveMaxLength(const plx::FieldInfo &field) const;
+
+    QLabel *m_caption;
+    QLineEdit *m_line;
+    QPlainTextEdit *m_memo = nullptr;
+    bool m_multiLine = false;
+    bool m_memoCrLf = true; // memo line ends as the loaded memo had them (CR LF by default)
+
+    QString m_mode;
+    QString m_format;
+    qint32 m_maxLength = 0;
+    qint32 m_descWidthTw = 1440;
+    bool m_allowNull = false;
+    bool m_red = false;
+    bool m_white = false;
+    bool m_ltGray = false;
+};
