@@ -11,9 +11,18 @@ void QtUiPump::processEvents()
         QCoreApplication::processEvents();
 }
 
-Services *Services::defaults()
+namespace {
+Services *g_hostDefaults = nullptr;
+} // namespace
+
+void Services::setDefaults(Services *services)
 {
-    // Function-local statics: built on first use, after QApplication exists.
+    g_hostDefaults = services;
+}
+
+// Function-local statics: built on first use, after QApplication exists.
+static Services *libraryOwn()
+{
     static QtPrompter prompter;
     static SystemClock clock;
     static QtUiPump pump;
@@ -21,25 +30,34 @@ Services *Services::defaults()
     return &services;
 }
 
+Services *Services::defaults()
+{
+    return g_hostDefaults ? g_hostDefaults : libraryOwn();
+}
+
+// The member of `services`, else of the host's default, else the library's own.
+template<typename T> static T &memberOf(Services *services, T *Services::*member)
+{
+    if (services && services->*member)
+        return *(services->*member);
+    if (g_hostDefaults && g_hostDefaults->*member)
+        return *(g_hostDefaults->*member);
+    return *(libraryOwn()->*member);
+}
+
 Prompter &prompterOf(Services *services)
 {
-    if (services && services->prompter)
-        return *services->prompter;
-    return *Services::defaults()->prompter;
+    return memberOf(services, &Services::prompter);
 }
 
 Clock &clockOf(Services *services)
 {
-    if (services && services->clock)
-        return *services->clock;
-    return *Services::defaults()->clock;
+    return memberOf(services, &Services::clock);
 }
 
 UiPump &uiPumpOf(Services *services)
 {
-    if (services && services->uiPump)
-        return *services->uiPump;
-    return *Services::defaults()->uiPump;
+    return memberOf(services, &Services::uiPump);
 }
 
 } // namespace plx

@@ -48,8 +48,13 @@ struct Services
     Clock *clock = nullptr;
     UiPump *uiPump = nullptr;
 
-    // The library's own instance (Qt boxes, system clock, Qt event loop). Never delete it.
+    // The library-wide default: the library's own instance (Qt boxes, system clock, Qt
+    // event loop) unless a host installed its own with setDefaults(). Never delete it.
     static Services *defaults();
+    // Makes `services` the default of every control that was given no Services of its own
+    // (nullptr: back to the library's own). The host keeps it alive while controls live.
+    // A host routes every box of every control through its prompter this way.
+    static void setDefaults(Services *services);
 };
 
 // The member to use for `services` (nullptr or a null member means the default one).

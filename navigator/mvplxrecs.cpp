@@ -1,0 +1,386 @@
+// navigator/mvplxrecs.cpp: the navigator's children, their layout and wiring, and the
+// plain properties. The record work lives in the files beside this one, one per concern.
+#include "navigator/mvplxrecs.h"
+
+#include "dialogs/floatingmessage.h"
+#include "services/recordsource/database.h"
+#include "services/texthelpers.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QEvent>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QKeyEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QStyle>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+namespace plx {
+
+namespace {
+
+QPushButton *iconButton(QWidget *parent, const char *name, QStyle::StandardPixmap icon,
+                        const QString &tip)
+{
+    auto *button = new QPushButton(parent);
+    button->setObjectName(QString::fromLatin1(name));
+    button->setIcon(parent->style()->standardIcon(icon));
+    button->setToolTip(tip);
+    button->setAutoDefault(false);
+    return button;
+}
+
+QLabel *buddyLabel(QWidget *parent, const char *name, const QString &text, QWidget *buddy)
+{
+    auto *label = new QLabel(text, parent);
+    label->setObjectName(QString::fromLatin1(name));
+    label->setBuddy(buddy);
+    return label;
+}
+
+QComboBox *combo(QWidget *parent, const char *name, bool editable)
+{
+    auto *box = new QComboBox(parent);
+    box->setObjectName(QString::fromLatin1(name));
+    box->setEditable(editable);
+    box->setInsertPolicy(QComboBox::NoInsert);
+    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    box->setMinimumContentsLength(10);
+    return box;
+}
+
+} // namespace
+
+mvPLXRecs::mvPLXRecs(QWidget *parent) : QWidget(parent)
+{
+    setObjectName(QStringLiteral("mvPLXRecs"));
+    buildChildren();
+    buildToolbar();
+    m_floating = new FloatingMessage(this);
+    // On creation: an empty sort list and a scroll bar that waits for a record source.
+    m_cboSort->clear();
+    m_hscroll->setEnabled(false);
+    refreshCountDisplay();
+}
+
+mvPLXRecs::~mvPLXRecs()
+{
+    // The floating message is a top-level window parented to the host's window; it goes
+    // with the navigator.
+    delete m_floating;
+}
+
+void mvPLXRecs::buildChildren()
+{
+    m_cboSort = combo(this, "cboSort", false);
+    m_cboFind = combo(this, "cboFind", true);
+    m_cboFilter = combo(this, "cboFilter", false);
+    m_cboFind->lineEdit()->setMaxLength(kFindMaxLength);
+    m_cboFind->lineEdit()->setPlaceholderText(tr("Type to find"));
+    m_cboFind->setToolTip(tr("Type the beginning of the sort's values; Enter keeps the text in the list"));
+    m_cboSort->setToolTip(tr("Sort order"));
+    m_cboFilter->setToolTip(tr("Saved filters"));
+    // Keys reach the find box either at the line edit or at the combo box, which hands
+    // them on by a direct call that no filter sees: both are watched.
+    m_cboFind->installEventFilter(this);
+    m_cboFind->lineEdit()->installEventFilter(this);
+    m_cboFind->setEnabled(false);
+
+    m_cmdFind = iconButton(this, "cmdFind", QStyle::SP_FileDialogContentsView, tr("View search results"));
+    m_cmdFind->setEnabled(false);
+    m_cmdFilter = iconButton(this, "cmdFilter", QStyle::SP_FileDialogDetailedView, tr("Edit the saved filters"));
+    m_cmdBrowse = iconButton(this, "cmdBrowse", QStyle::SP_FileDialogListView, tr("Browse entire database"));
+    m_cmdRecBack = iconButton(this, "cmdRecBack", QStyle::SP_ArrowBack, tr("Previous record"));
+    m_cmdRecNext = iconButton(this, "cmdRecNext", QStyle::SP_ArrowForward, tr("Next record"));
+    // Holding Back or Next down walks the records quickly: the first repeat after a short
+    // pause, then as fast as the records can be shown.
+    for (QPushButton *step : { m_cmdRecBack, m_cmdRecNext }) {
+        step->setAutoRepeat(true);
+        step->setAutoRepeatDelay(350);
+        step->setAutoRepeatInterval(1);
+    }
+
+    m_lblSort = buddyLabel(this, "lblSort", tr("&Sort"), m_cboSort);
+    m_lblFind = buddyLabel(this, "lblFind", tr("F&ind"), m_cboFind);
+    m_lblFind->setEnabled(false);
+    m_lblFilter = buddyLabel(this, "lblFilter", tr("Fi&lter"), m_cboFilter);
+    m_lblBrowse = buddyLabel(this, "lblBrowse", tr("Bro&wse"), m_cmdBrowse);
+
+    m_hscroll = new QScrollBar(Qt::Horizontal, this);
+    m_hscroll->setObjectName(QStringLiteral("HScroll1"));
+    m_hscroll->setToolTip(tr("Record position"));
+    m_hscroll->setFocusPolicy(Qt::StrongFocus);
+
+    m_fraControls = new QGroupBox(this);
+    m_fraControls->setObjectName(QStringLiteral("fraControls"));
+    auto *stepRow = new QHBoxLayout(m_fraControls);
+    stepRow->setContentsMargins(6, 4, 6, 6);
+    stepRow->addWidget(m_cmdRecBack);
+    stepRow->addWidget(m_hscroll, 1);
+    stepRow->addWidget(m_cmdRecNext);
+    m_hscroll->setParent(m_fraControls);
+    m_cmdRecBack->setParent(m_fraControls);
+    m_cmdRecNext->setParent(m_fraControls);
+
+    auto *grid = new QGridLayout;
+    grid->setHorizontalSpacing(6);
+    grid->setVerticalSpacing(4);
+    grid->addWidget(m_lblSort, 0, 0);
+    grid->addWidget(m_cboSort, 0, 1);
+    grid->addWidget(m_lblFilter, 0, 2);
+    grid->addWidget(m_cboFilter, 0, 3);
+    grid->addWidget(m_cmdFilter, 0, 4);
+    grid->addWidget(m_lblFind, 1, 0);
+    grid->addWidget(m_cboFind, 1, 1, 1, 3);
+    grid->addWidget(m_cmdFind, 1, 4);
+    grid->addWidget(m_lblBrowse, 0, 5);
+    grid->addWidget(m_cmdBrowse, 1, 5);
+    grid->setColumnStretch(1, 3);
+    grid->setColumnStretch(3, 2);
+
+    auto *outer = new QVBoxLayout(this);
+    outer->setContentsMargins(0, 0, 0, 0);
+    outer->setSpacing(4);
+    outer->addLayout(grid);
+    outer->addWidget(m_fraControls);
+
+    connect(m_cboSort, &QComboBox::activated, this, &mvPLXRecs::sortClicked);
+    connect(m_cboFind, &QComboBox::activated, this, &mvPLXRecs::findActivated);
+    connect(m_cboFilter, &QComboBox::currentIndexChanged, this, &mvPLXRecs::filterClicked);
+    connect(m_cmdFilter, &QPushButton::clicked, this, &mvPLXRecs::filterButtonClicked);
+    connect(m_cmdFind, &QPushButton::clicked, this, [this] { findEnter(); });
+    connect(m_cmdRecBack, &QPushButton::clicked, this, &mvPLXRecs::recBack);
+    connect(m_cmdRecNext, &QPushButton::clicked, this, &mvPLXRecs::recNext);
+    connect(m_hscroll, &QScrollBar::valueChanged, this, &mvPLXRecs::hscrollChanged);
+
+    // Keyboard order: sort, find, filter, browse, then stepping and the commands.
+    setTabOrder(m_cboSort, m_cboFind);
+    setTabOrder(m_cboFind, m_cmdFind);
+    setTabOrder(m_cmdFind, m_cboFilter);
+    setTabOrder(m_cboFilter, m_cmdFilter);
+    setTabOrder(m_cmdFilter, m_cmdBrowse);
+    setTabOrder(m_cmdBrowse, m_cmdRecBack);
+    setTabOrder(m_cmdRecBack, m_hscroll);
+    setTabOrder(m_hscroll, m_cmdRecNext);
+}
+
+void mvPLXRecs::buildToolbar()
+{
+    m_tbrBtm = new QToolBar(this);
+    m_tbrBtm->setObjectName(QStringLiteral("tbrBtm"));
+    m_tbrBtm->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_tbrBtm->setIconSize(QSize(16, 16));
+    struct ButtonSpec
+    {
+        const char *caption, *key;
+        QString tip;
+        QStyle::StandardPixmap icon;
+    };
+    const ButtonSpec buttons[] = {
+        { "New", "NEW", QStringLiteral("Create a new facility record"), QStyle::SP_FileIcon },
+        { "Edit", "EDIT", QStringLiteral("Edit the current record"), QStyle::SP_FileDialogDetailedView },
+        { "Copy", "COPY", QStringLiteral("Copy the current record to create a new record"),
+          QStyle::SP_FileLinkIcon },
+        { "Delete", "DELETE", QStringLiteral("DELETE the current record"), QStyle::SP_TrashIcon },
+        { "Save", "SAVE", QStringLiteral("Save the current record"), QStyle::SP_DialogSaveButton },
+        { "Cancel", "CANCEL", QStringLiteral("Abandon changes to the current record"),
+          QStyle::SP_DialogCancelButton },
+        { "Close", "CLOSE", QString(), QStyle::SP_DialogCloseButton },
+    };
+    for (const ButtonSpec &spec : buttons) {
+        QAction *action = m_tbrBtm->addAction(style()->standardIcon(spec.icon), QString::fromLatin1(spec.caption));
+        action->setObjectName(QString::fromLatin1(spec.key));
+        action->setToolTip(spec.tip);
+        if (qstrcmp(spec.key, "CLOSE") == 0)
+            m_tbrBtm->insertSeparator(action);
+    }
+    // Nothing to save or cancel, and no record shown yet.
+    const QList<QAction *> actions = m_tbrBtm->actions();
+    for (QAction *action : actions) {
+        const QString key = action->objectName();
+        if (key == QLatin1String("EDIT") || key == QLatin1String("COPY") || key == QLatin1String("DELETE")
+            || key == QLatin1String("SAVE") || key == QLatin1String("CANCEL"))
+            action->setEnabled(false);
+    }
+    connect(m_tbrBtm, &QToolBar::actionTriggered, this, &mvPLXRecs::toolbarClicked);
+    layout()->addWidget(m_tbrBtm);
+}
+
+void mvPLXRecs::changeEvent(QEvent *event)
+{
+    // Icons follow a palette or style change (light and dark themes).
+    if (event->type() == QEvent::StyleChange) {
+        m_cmdRecBack->setIcon(style()->standardIcon(QStyle::SP_ArrowBack));
+        m_cmdRecNext->setIcon(style()->standardIcon(QStyle::SP_ArrowForward));
+    }
+    QWidget::changeEvent(event);
+}
+
+bool mvPLXRecs::eventFilter(QObject *watched, QEvent *event)
+{
+    if ((watched == m_cboFind || watched == m_cboFind->lineEdit()) && event->type() == QEvent::KeyPress)
+        return handleFindKey(static_cast<QKeyEvent *>(event));
+    return QWidget::eventFilter(watched, event);
+}
+
+void mvPLXRecs::showBox(const QString &text, int style, const QString &title)
+{
+    prompterOf(m_services).msgBox(text, style, title);
+}
+
+void mvPLXRecs::pump()
+{
+    uiPumpOf(m_services).processEvents();
+}
+
+void mvPLXRecs::idle()
+{
+    if (m_db)
+        m_db->Idle();
+}
+
+QString mvPLXRecs::messageTitle() const
+{
+    return QStringLiteral("mvPLXRecs ") + m_sDesc;
+}
+
+void mvPLXRecs::setCMervaneControls(const QList<BoundControl *> &controls)
+{
+    m_mervane = controls;
+    m_mervaneObjects.clear();
+    m_mervaneTracked.clear();
+    for (BoundControl *control : controls) {
+        auto *object = dynamic_cast<QObject *>(control);
+        m_mervaneObjects.append(object);
+        m_mervaneTracked.append(object != nullptr);
+    }
+    shareRsWithFields();
+}
+
+QList<BoundControl *> mvPLXRecs::cMervaneControls() const
+{
+    // A field control the host deleted drops out of the collection.
+    QList<BoundControl *> alive;
+    for (qsizetype i = 0; i < m_mervane.size(); ++i)
+        if (!m_mervaneTracked[i] || m_mervaneObjects[i])
+            alive.append(m_mervane[i]);
+    return alive;
+}
+
+void mvPLXRecs::setCOtherControls(const QList<QWidget *> &controls)
+{
+    m_others.clear();
+    for (QWidget *widget : controls)
+        m_others.append(widget);
+}
+
+QList<QWidget *> mvPLXRecs::cOtherControls() const
+{
+    QList<QWidget *> alive;
+    for (const QPointer<QWidget> &widget : m_others)
+        if (widget)
+            alive.append(widget);
+    return alive;
+}
+
+void mvPLXRecs::setEnableFind(bool enable)
+{
+    m_enableFind = enable;
+    m_lblFind->setEnabled(enable);
+    m_cboFind->setEnabled(enable);
+    m_cmdFind->setEnabled(enable);
+}
+
+void mvPLXRecs::setEnableSort(bool enable)
+{
+    m_enableSort = enable;
+    m_lblSort->setEnabled(enable);
+    m_cboSort->setEnabled(enable);
+}
+
+void mvPLXRecs::setEnableFilter(bool enable)
+{
+    m_enableFilter = enable;
+    m_lblFilter->setEnabled(enable);
+    m_cboFilter->setEnabled(enable);
+    m_cmdFilter->setEnabled(enable);
+}
+
+void mvPLXRecs::setEnableBrowse(bool enable)
+{
+    m_enableBrowse = enable;
+    m_lblBrowse->setEnabled(enable);
+    m_cmdBrowse->setEnabled(enable);
+}
+
+void mvPLXRecs::setEnabled(bool enabled)
+{
+    const QList<QAction *> buttons = m_tbrBtm->actions();
+    QList<QAction *> real;
+    for (QAction *action : buttons)
+        if (!action->isSeparator())
+            real.append(action);
+    if (m_rememberedButtons.size() != real.size())
+        m_rememberedButtons = QList<bool>(real.size(), false);
+    if (isEnabled()) {
+        for (qsizetype i = 0; i < real.size(); ++i)
+            m_rememberedButtons[i] = real[i]->isEnabled();
+    }
+    QWidget::setEnabled(enabled);
+    for (QAction *action : real)
+        action->setEnabled(enabled);
+    setEnableSort(enabled);
+    setEnableFilter(enabled);
+    setEnableFind(enabled);
+    setEnableBrowse(enabled);
+    if (enabled && m_rememberedButtons.size() == real.size()) {
+        for (qsizetype i = 0; i < real.size(); ++i)
+            real[i]->setEnabled(m_rememberedButtons[i]);
+    }
+}
+
+void mvPLXRecs::obsolete(const QString &accessor)
+{
+    showBox(accessor, MsgStyle::OKOnly, messageTitle());
+}
+
+qint32 mvPLXRecs::lDelayMS()
+{
+    obsolete(QStringLiteral("Get_lDelayMS function no longer supported in PLXRecs"));
+    return 0;
+}
+
+void mvPLXRecs::setLDelayMS(qint32)
+{
+    obsolete(QStringLiteral("Let_lDelayMS function no longer supported in PLXRecs"));
+}
+
+qint32 mvPLXRecs::lListIndex()
+{
+    obsolete(QStringLiteral("Get_lListIndex function no longer supported in PLXRecs"));
+    return 0;
+}
+
+void mvPLXRecs::setLListIndex(qint32)
+{
+    obsolete(QStringLiteral("Let_lListIndex function no longer supported in PLXRecs"));
+}
+
+QString mvPLXRecs::sButtonEnable(const QString &)
+{
+    obsolete(QStringLiteral("sButtonEnable no longer used"));
+    return QString();
+}
+
+void mvPLXRecs::SetFindFromList(qint32)
+{
+    obsolete(QStringLiteral("SetFindFromList function no longer supported in PLXRecs"));
+}
+
+} // namespace plx

@@ -1,0 +1,312 @@
+// navigator/mvplxrecs.h: the record navigator a data-entry form places above its fields.
+//
+// mvPLXRecs owns the form's record source: it offers the sort orders the host registered,
+// shows how many records the query holds, steps with Back/Next and a scroll bar, finds
+// records as the user types, lists the table's saved filters and carries the toolbar of
+// record commands. It tells the host what happened through its signals, always after
+// storing a tag naming the code path in sEventInfo and setting bInitiator, so a host with
+// nested navigators can tell which one started a change.
+//
+// The surface keeps the names hosts and scripts address it by: properties are
+// Q_PROPERTYs, methods and keyed properties are Q_INVOKABLE (key first), events are
+// signals. A typical host:
+//
+//     auto *nav = new plx::mvPLXRecs(form);
+//     nav->setSIDfield("ID");  nav->setSDescfield("NAME");  nav->setSDesc("Facilities");
+//     nav->AddSort("Name", "NAME, CITY");
+//     nav->AddSort("ID", "ID");
+//     nav->setSDBFPathFileName("/data/FACILITY.DBF");   // or setDatabase() + setRs()
+//     QString problems = nav->InitControl();
+//     nav->InitFilters();
+//
+// GUI thread only. Message boxes go through the Prompter of setServices().
+#pragma once
+
+#include "services/boundcontrol.h"
+#include "services/env.h"
+
+#include <QList>
+#include <QPointer>
+#include <QStringList>
+#include <QWidget>
+
+#include <memory>
+
+class QAction;
+class QComboBox;
+class QGroupBox;
+class QLabel;
+class QPushButton;
+class QScrollBar;
+class QToolBar;
+
+namespace plx {
+
+class Database;
+class FloatingMessage;
+class RecordSource;
+
+class mvPLXRecs : public QWidget
+{
+    Q_OBJECT
+    Q_PROPERTY(QString sSort READ sSort WRITE setSSort)
+    Q_PROPERTY(QString sCBOSort READ sCBOSort WRITE setSCBOSort)
+    Q_PROPERTY(QString sIDfield READ sIDfield WRITE setSIDfield)
+    Q_PROPERTY(QString sDescfield READ sDescfield WRITE setSDescfield)
+    Q_PROPERTY(QString sDesc READ sDesc WRITE setSDesc)
+    Q_PROPERTY(QString sDBFPathFileName READ sDBFPathFileName WRITE setSDBFPathFileName)
+    Q_PROPERTY(QStringList cArrayID READ cArrayID)
+    Q_PROPERTY(bool EnableFind READ EnableFind WRITE setEnableFind)
+    Q_PROPERTY(bool EnableSort READ EnableSort WRITE setEnableSort)
+    Q_PROPERTY(bool EnableFilter READ EnableFilter WRITE setEnableFilter)
+    Q_PROPERTY(bool EnableBrowse READ EnableBrowse WRITE setEnableBrowse)
+    Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabled)
+    Q_PROPERTY(qint32 lAltGrayColor READ lAltGrayColor WRITE setLAltGrayColor)
+    Q_PROPERTY(QString sUser READ sUser WRITE setSUser)
+    Q_PROPERTY(QString sUserINIFile READ sUserINIFile WRITE setSUserINIFile)
+    Q_PROPERTY(QString sSQLWhere READ sSQLWhere WRITE setSSQLWhere)
+    Q_PROPERTY(QString sSQLJOIN READ sSQLJOIN WRITE setSSQLJOIN)
+    Q_PROPERTY(qint16 MyLevel READ MyLevel WRITE setMyLevel)
+    Q_PROPERTY(QString sParentID READ sParentID WRITE setSParentID)
+    Q_PROPERTY(bool bInitiator READ bInitiator WRITE setBInitiator)
+    Q_PROPERTY(QString sEventInfo READ sEventInfo)
+    Q_PROPERTY(bool bRecDisplay READ bRecDisplay WRITE setBRecDisplay)
+    Q_PROPERTY(qint32 lDelayMS READ lDelayMS WRITE setLDelayMS)
+    Q_PROPERTY(qint32 lListIndex READ lListIndex WRITE setLListIndex)
+
+public:
+    explicit mvPLXRecs(QWidget *parent = nullptr);
+    ~mvPLXRecs() override;
+
+    // Where boxes, the clock and the UI pump come from; nullptr: the library-wide
+    // defaults (Services::defaults(), which a host may replace with Services::setDefaults).
+    void setServices(Services *services) { m_services = services; }
+    Services *services() const { return m_services; }
+
+    // --- Record source -------------------------------------------------------------
+    // The database the navigator opens its sort, filter and find queries on, the table
+    // they select from, and the path its side files (filters, ID key file) sit beside:
+    // for a SQLite database the database file, whose folder then holds them. Setting
+    // sDBFPathFileName fills all three for a FoxPro table file.
+    void setDatabase(std::shared_ptr<Database> database, const QString &tableName,
+                     const QString &dataPath = QString());
+    std::shared_ptr<Database> database() const { return m_db; }
+    QString tableName() const { return m_table; }
+    // Attaches a record source (nullptr detaches): button states, full count, scroll bar,
+    // count display. The navigator shares it with its field controls.
+    void setRs(std::shared_ptr<RecordSource> rs);
+    std::shared_ptr<RecordSource> rs() const { return m_rs; }
+
+    void setCMervaneControls(const QList<BoundControl *> &controls);
+    QList<BoundControl *> cMervaneControls() const;
+    void setCOtherControls(const QList<QWidget *> &controls);
+    QList<QWidget *> cOtherControls() const;
+    // The host form; it may offer `bool OKtoSave(qint16)` as a slot or Q_INVOKABLE.
+    void setFParent(QObject *parent) { m_fParent = parent; }
+    QObject *fParent() const { return m_fParent; }
+
+    // --- Properties ----------------------------------------------------------------
+    QString sSort() const { return m_sSort; }
+    void setSSort(const QString &sort) { m_sSort = sort; }
+    QString sCBOSort() const { return m_sCBOSort; }
+    void setSCBOSort(const QString &name) { m_sCBOSort = name; }
+    QString sIDfield() const { return m_sIDfield; }
+    void setSIDfield(const QString &field) { m_sIDfield = field; }
+    QString sDescfield() const { return m_sDescfield; }
+    void setSDescfield(const QString &field) { m_sDescfield = field; }
+    QString sDesc() const { return m_sDesc; }
+    void setSDesc(const QString &desc) { m_sDesc = desc; }
+    QString sDBFPathFileName() const { return m_sDBFPathFileName; }
+    void setSDBFPathFileName(const QString &path);
+    QStringList cArrayID() const { return m_arrayID; }
+    bool EnableFind() const { return m_enableFind; }
+    void setEnableFind(bool enable);
+    bool EnableSort() const { return m_enableSort; }
+    void setEnableSort(bool enable);
+    bool EnableFilter() const { return m_enableFilter; }
+    void setEnableFilter(bool enable);
+    bool EnableBrowse() const { return m_enableBrowse; }
+    void setEnableBrowse(bool enable);
+    bool Enabled() const { return isEnabled(); }
+    // Disabling remembers every toolbar button's state; enabling again restores it.
+    void setEnabled(bool enabled);
+    qint32 lAltGrayColor() const { return m_lAltGrayColor; }
+    void setLAltGrayColor(qint32 colour) { m_lAltGrayColor = colour; }
+    QString sUser() const { return m_sUser; }
+    void setSUser(const QString &user) { m_sUser = user; }
+    QString sUserINIFile() const { return m_sUserINIFile; }
+    void setSUserINIFile(const QString &file) { m_sUserINIFile = file; }
+    QString sSQLWhere() const { return m_sSQLWhere; }
+    void setSSQLWhere(const QString &where) { m_sSQLWhere = where; }
+    QString sSQLJOIN() const { return m_sSQLJOIN; }
+    void setSSQLJOIN(const QString &join) { m_sSQLJOIN = join; }
+    qint16 MyLevel() const { return m_myLevel; }
+    void setMyLevel(qint16 level) { m_myLevel = level; }
+    QString sParentID() const { return m_sParentID; }
+    void setSParentID(const QString &id) { m_sParentID = id; }
+    bool bInitiator() const { return m_bInitiator; }
+    void setBInitiator(bool initiator) { m_bInitiator = initiator; }
+    QString sEventInfo() const { return m_sEventInfo; }
+    bool bRecDisplay() const { return m_bRecDisplay; }
+    void setBRecDisplay(bool display);
+
+    // No longer supported: every access says so in a box and changes nothing.
+    [[deprecated("lDelayMS is no longer supported")]] qint32 lDelayMS();
+    [[deprecated("lDelayMS is no longer supported")]] void setLDelayMS(qint32 value);
+    [[deprecated("lListIndex is no longer supported")]] qint32 lListIndex();
+    [[deprecated("lListIndex is no longer supported")]] void setLListIndex(qint32 value);
+
+    // --- Methods -------------------------------------------------------------------
+    // Registers a sort order: its name in cboSort and its comma-separated field list.
+    // A blank name or field is refused; the refusal is reported by InitControl.
+    Q_INVOKABLE void AddSort(const QString &sName, const QString &sField);
+    // Checks the configuration, fills cboSort and selects the current sort. Returns ""
+    // or the problems found, one per line ("\r\n").
+    Q_INVOKABLE QString InitControl();
+    // Re-runs the query of the current sort, filter and join, keeping the current record.
+    Q_INVOKABLE void RSRefresh();
+    Q_INVOKABLE void ClickButton(const QString &sButton);
+    Q_INVOKABLE QString sCurrentID();
+    Q_INVOKABLE bool bButtonEnable(const QString &sButton);
+    Q_INVOKABLE void setBButtonEnable(const QString &sButton, bool enable);
+    Q_INVOKABLE void setSButtonTip(const QString &sButton, const QString &tip);
+    [[deprecated("sButtonEnable is no longer used")]] Q_INVOKABLE QString sButtonEnable(const QString &sButton);
+
+    // Find and the search list.
+    Q_INVOKABLE void SetFindFromID(const QString &sID);
+    [[deprecated("SetFindFromList is no longer supported")]] Q_INVOKABLE void SetFindFromList(qint32 lList);
+    // The ID the search-list entry at 0-based position lList found last.
+    Q_INVOKABLE QString sIDfromList(qint32 lList);
+    Q_INVOKABLE void ClearSearch();
+    Q_INVOKABLE qint16 nSearchList();
+    // 0-based, most recent first; "" out of range.
+    Q_INVOKABLE QString sSearchList(qint16 n);
+    Q_INVOKABLE void sSearchListADD(const QString &s);
+    Q_INVOKABLE void sSearchListCLR();
+
+    // Filters.
+    Q_INVOKABLE void InitFilters();
+    Q_INVOKABLE void SetSQLFilterAndWhere(const QString &sFilterDescInp, const QString &sSQLWhereINP,
+                                          bool bRefreshRS);
+    Q_INVOKABLE void ClearFilter();
+
+    // The longest text the find box takes; longer pastes are cut there.
+    static constexpr int kFindMaxLength = 65536;
+
+Q_SIGNALS:
+    void IDChange(const QString &sID);
+    void RecEditStart(const QString &sID);
+    void RecEditEnd(const QString &sID);
+    void RecNew();
+    void RecAdded(const QString &sID);
+    void RecCopy(const QString &sID);
+    void RecCopied(const QString &sID);
+    void RecDelete(const QString &sID);
+    void RecSave(const QString &sID);
+    void RecCancel(const QString &sID);
+    void SortChange(const QString &sSort);
+    void FilterChange(const QString &sFilter);
+    void FilterEdit();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    // Layout and wiring (mvplxrecs.cpp).
+    void buildChildren();
+    void buildToolbar();
+    void showBox(const QString &text, int style, const QString &title);
+    void pump();
+    void idle();
+    QString messageTitle() const;
+
+    // Record source (mvplxrecs_source.cpp).
+    void refreshCountDisplay();
+    void setScrollBar();
+    QString orderByList(const QString &fields) const;
+    QString currentSortFields() const;
+    QString composeQuery() const;
+    // Opens `sql`, attaches it, finds `oldID` again; false (navigator unchanged) on failure.
+    bool requery(const QString &oldID, bool moveFirstWhenLost);
+    bool findIDInRs(const QString &id);
+    QString currentIDText() const;
+    void deriveParentID();
+    void hscrollChanged(int value);
+    void sortClicked(int index);
+    void recBack();
+    void recNext();
+    void connectByFile(const QString &path);
+    void shareRsWithFields();
+    bool beginLongWork(const QString &text);
+    void endLongWork();
+
+    // Toolbar buttons (mvplxrecs_buttons.cpp).
+    QAction *findButton(const QString &sButton, bool report);
+    void toolbarClicked(QAction *button);
+    void setButtonsForEditing(bool editing);
+    void setNavigationEnabled(bool enabled);
+    void obsolete(const QString &accessor);
+
+    // Find (mvplxrecs_find.cpp).
+    bool handleFindKey(QKeyEvent *key);
+    void findEnter();
+    void findActivated(int index);
+    void runFind();
+    bool openFindSource(const QString &searchText, std::shared_ptr<RecordSource> *found);
+    void putOnTopOfSearchList(const QString &text);
+    void rememberFoundID(const QString &text, const QString &id);
+
+    // Filters (mvplxrecs_filters.cpp).
+    void filterClicked(int index);
+    void filterButtonClicked();
+
+    Services *m_services = nullptr;
+    std::shared_ptr<Database> m_db;
+    std::shared_ptr<RecordSource> m_rs;
+    std::shared_ptr<RecordSource> m_findRs;
+    QString m_table;
+    QString m_dataPath;
+    QList<QPointer<QObject>> m_mervaneObjects;
+    QList<BoundControl *> m_mervane;
+    QList<bool> m_mervaneTracked;  // a QObject, so its deletion is noticed
+    QList<QPointer<QWidget>> m_others;
+    QPointer<QObject> m_fParent;
+
+    QStringList m_sortNames;
+    QStringList m_sortFields;
+    QString m_addSortErrors;
+    QString m_sSort, m_sCBOSort, m_sIDfield, m_sDescfield, m_sDesc, m_sDBFPathFileName;
+    QString m_sUser, m_sUserINIFile, m_sSQLWhere, m_sSQLJOIN, m_sParentID, m_sEventInfo;
+    QStringList m_arrayID;  // parallel to the search list: the ID each entry found
+    qint32 m_lAltGrayColor = 0;
+    qint16 m_myLevel = 0;
+    bool m_enableFind = true, m_enableSort = true, m_enableFilter = true, m_enableBrowse = true;
+    bool m_bInitiator = false;
+    bool m_bRecDisplay = false;
+    QList<bool> m_rememberedButtons;
+
+    bool m_movingScrollBar = false;  // the navigator sets the bar itself: no IDChange
+    bool m_findUnderWay = false;
+    bool m_settingFilter = false;    // SetSQLFilterAndWhere selects: no FilterChange
+    bool m_fillingSorts = false;
+
+    QComboBox *m_cboSort = nullptr;
+    QComboBox *m_cboFind = nullptr;
+    QComboBox *m_cboFilter = nullptr;
+    QPushButton *m_cmdBrowse = nullptr;
+    QPushButton *m_cmdFilter = nullptr;
+    QPushButton *m_cmdFind = nullptr;
+    QPushButton *m_cmdRecBack = nullptr;
+    QPushButton *m_cmdRecNext = nullptr;
+    QScrollBar *m_hscroll = nullptr;
+    QLabel *m_lblFind = nullptr;
+    QLabel *m_lblSort = nullptr;
+    QLabel *m_lblFilter = nullptr;
+    QLabel *m_lblBrowse = nullptr;
+    QGroupBox *m_fraControls = nullptr;
+    QToolBar *m_tbrBtm = nullptr;
+    FloatingMessage *m_floating = nullptr;
+};
+
+} // namespace plx

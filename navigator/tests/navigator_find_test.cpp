@@ -1,0 +1,244 @@
+// navigator/tests/navigator_find_test.cpp: the find box typed into as a user does, the
+// search list, and the filters, on SQLite and on a FoxPro table file.
+#include "navigator/tests/navigatorfixture.h"
+
+#include "services/ini.h"
+#include "services/recordsource/recordsource.h"
+
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTest>
+
+namespace plx::test {
+namespace {
+
+using Find = NavigatorTest;
+using Filters = NavigatorTest;
+
+QComboBox *findBox(mvPLXRecs &nav)
+{
+    return nav.findChild<QComboBox *>(QStringLiteral("cboFind"));
+}
+
+void pressEnter(mvPLXRecs &nav)
+{
+    QTest::keyClick(findBox(nav), Qt::Key_Return);
+}
+
+TEST_P(Find, EnterRunsExactlyOneFindAndKeepsTheText)
+{
+    configure();
+    findBox(*nav)->setEditText(QStringLiteral("smith"));
+    pressEnter(*nav);
+    // SetFindFromID tells the host first (it names no code path of its own, so the tag of
+    // the last event stands), then the find itself.
+    EXPECT_EQ(events->texts(),
+              (QStringList{ QStringLiteral("IDChange(PLE0000007) [HScroll1_change] initiator"),
+                            QStringLiteral("IDChange(PLE0000007) [SetFindRS after SetFindFromID] initiator") }));
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000007")); // SMITH of ATLANTA comes first
+    EXPECT_EQ(nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"))->value(), 6);
+    EXPECT_EQ(nav->nSearchList(), 1);
+    EXPECT_EQ(nav->sSearchList(0), QStringLiteral("smith"));
+    EXPECT_EQ(nav->sIDfromList(0), QStringLiteral("PLE0000007"));
+    QLineEdit *edit = findBox(*nav)->lineEdit();
+    EXPECT_EQ(edit->selectionStart(), 0);
+    EXPECT_EQ(edit->selectedText(), QStringLiteral("smith"));
+}
+
+TEST_P(Find, EachKeystrokeFindsAndAWiderTextIsTriedSilently)
+{
+    configure();
+    findBox(*nav)->setFocus();
+    QTest::keyClicks(findBox(*nav), QStringLiteral("SMIX"));
+    // S -> SMALLWOOD, SM -> SMALLWOOD, SMI -> SMITH, SMIX -> SMI -> SMITH; no box.
+    EXPECT_EQ(env.prompter.shown().size(), 0);
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000007"));
+    EXPECT_EQ(findBox(*nav)->currentText(), QStringLiteral("SMIX"));
+    EXPECT_EQ(events->names().count(QStringLiteral("IDChange")), 8);
+}
+
+TEST_P(Find, TypingCompletesFromTheSearchListWithTheRestHighlighted)
+{
+    configure();
+    nav->sSearchListADD(QStringLiteral("SNOW"));
+    nav->sSearchListADD(QStringLiteral("SMYTHE"));
+    nav->sSearchListADD(QStringLiteral("SNOW")); // once only, moved to the end
+    ASSERT_EQ(nav->nSearchList(), 2);
+    EXPECT_EQ(nav->sSearchList(0), QStringLiteral("SMYTHE"));
+    EXPECT_EQ(nav->sSearchList(1), QStringLiteral("SNOW"));
+    QTest::keyClicks(findBox(*nav), QStringLiteral("sm"));
+    QLineEdit *edit = findBox(*nav)->lineEdit();
+    EXPECT_EQ(edit->text(), QStringLiteral("smYTHE"));
+    EXPECT_EQ(edit->selectionStart(), 2);
+    EXPECT_EQ(edit->selectedText(), QStringLiteral("YTHE"));
+    // The find ran on the whole offered text.
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000005"));
+    // The highlighted rest was never typed: the next key replaces it.
+    QTest::keyClicks(findBox(*nav), QStringLiteral("a"));
+    EXPECT_EQ(edit->text(), QStringLiteral("sma"));
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000010")); // SMALLWOOD
+    nav->sSearchListCLR();
+    EXPECT_EQ(nav->nSearchList(), 0);
+}
+
+TEST_P(Find, TabPiecesQuotesAndPipesFindTheirRecords)
+{
+    configure();
+    const struct
+    {
+        const char *typed;
+        const char *id;
+    } cases[] = {
+        { "smith\td", "PLE0000009" },  // second piece against the second sort field
+        { "o'b", "PLE0000003" },      // a quote inside the literal
+        { "A|B", "PLE0000002" },      // a pipe, rebuilt as a character code
+        { "  jones ", "PLE0000001" }, // blanks around are not part of the text
+    };
+    for (const auto &c : cases) {
+        findBox(*nav)->setEditText(QString::fromLatin1(c.typed));
+        pressEnter(*nav);
+        EXPECT_EQ(nav->sCurrentID(), QString::fromLatin1(c.id)) << c.typed;
+    }
+    EXPECT_EQ(env.prompter.shown().size(), 0);
+    EXPECT_EQ(nav->sSearchList(0), QStringLiteral("  jones "));
+    EXPECT_EQ(nav->nSearchList(), 4);
+}
+
+TEST_P(Find, NothingFoundAndNoSortAreToldInTheirOwnWords)
+{
+    configure();
+    nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"))->setValue(3);
+    events->clear();
+    env.prompter.expectMsgBox(QStringLiteral("Nothing Found"),
+                              QStringLiteral("Search Name for 'zz'\r\n\r\nThe search did not find any records."), 64,
+                              MsgAnswer::OK);
+    findBox(*nav)->setEditText(QStringLiteral(" zz"));
+    pressEnter(*nav);
+    EXPECT_EQ(env.prompter.pending(), 0);
+    EXPECT_TRUE(events->events().isEmpty());
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000001"));
+
+    // An empty box: Enter does nothing at all.
+    findBox(*nav)->setEditText(QStringLiteral("   "));
+    pressEnter(*nav);
+    EXPECT_TRUE(events->events().isEmpty());
+
+    env.prompter.expectMsgBox(QStringLiteral("ID Error"), QStringLiteral("Error in ID from list: 7\r\n\r\n"), 0,
+                              MsgAnswer::OK);
+    EXPECT_EQ(nav->sIDfromList(7), QString());
+
+    auto *sorts = nav->findChild<QComboBox *>(QStringLiteral("cboSort"));
+    sorts->setCurrentIndex(-1);
+    env.prompter.expectMsgBox(QStringLiteral("No Sort Selected"),
+                              QStringLiteral("You cannot use the search function unless you have selected a Sort order."),
+                              0, MsgAnswer::OK);
+    findBox(*nav)->setEditText(QStringLiteral("SMITH"));
+    pressEnter(*nav);
+    EXPECT_EQ(env.prompter.pending(), 0);
+    EXPECT_TRUE(events->events().isEmpty());
+}
+
+TEST_P(Find, SetFindFromIDMovesToTheRecordAndTellsTheHost)
+{
+    configure();
+    nav->SetFindFromID(QStringLiteral("PLE0000008"));
+    ASSERT_EQ(events->names(), QStringList{ QStringLiteral("IDChange") });
+    EXPECT_EQ(events->events().first().argument, QStringLiteral("PLE0000008"));
+    EXPECT_EQ(nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"))->value(), 2);
+    // The bar was set by the navigator: no second event came from it.
+    EXPECT_EQ(events->events().size(), 1);
+}
+
+void writeFilters(const QString &dir)
+{
+    const QString file = dir + QStringLiteral("/HBFiltersPLX.INI");
+    ASSERT_TRUE(writeINI(QStringLiteral("Boston only"), QStringLiteral("Where"), file,
+                         QStringLiteral("WHERE T.CITY = 'BOSTON'")));
+    ASSERT_TRUE(writeINI(QStringLiteral("Smiths"), QStringLiteral("Where"), file,
+                         QStringLiteral("WHERE T.NAME LIKE 'SMITH*'")));
+}
+
+QStringList items(QComboBox *box)
+{
+    QStringList out;
+    for (int i = 0; i < box->count(); ++i)
+        out << box->itemText(i);
+    return out;
+}
+
+TEST_P(Filters, TheFilterFileBesideTheTableFillsTheList)
+{
+    writeFilters(dir.path());
+    configure();
+    nav->InitFilters();
+    auto *filters = nav->findChild<QComboBox *>(QStringLiteral("cboFilter"));
+    EXPECT_EQ(items(filters),
+              (QStringList{ QStringLiteral("Boston only"), QStringLiteral("Smiths"), QStringLiteral(" [None]") }));
+    EXPECT_TRUE(events->events().isEmpty());
+}
+
+TEST_P(Filters, WithoutAFilterFileOnlyNoneIsOffered)
+{
+    configure();
+    nav->InitFilters();
+    EXPECT_EQ(items(nav->findChild<QComboBox *>(QStringLiteral("cboFilter"))), QStringList{ QStringLiteral(" [None]") });
+}
+
+TEST_P(Filters, ChoosingReportsAndTheHostsAnswerRequeries)
+{
+    writeFilters(dir.path());
+    configure();
+    nav->InitFilters();
+    nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"))->setValue(2); // BROWN of BOSTON
+    events->clear();
+    auto *filters = nav->findChild<QComboBox *>(QStringLiteral("cboFilter"));
+    // The host answers FilterChange the way hosts do.
+    QObject::connect(nav.get(), &mvPLXRecs::FilterChange, nav.get(), [this](const QString &filter) {
+        if (filter == QStringLiteral(" [None]"))
+            nav->SetSQLFilterAndWhere(QString(), QString(), true);
+        else
+            nav->SetSQLFilterAndWhere(filter, QStringLiteral("WHERE T.CITY = 'BOSTON'"), true);
+    });
+    filters->setCurrentIndex(0);
+    EXPECT_EQ(events->texts(), QStringList{ QStringLiteral("FilterChange(Boston only) [cboFilter_click] initiator") });
+    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(), QStringLiteral("2 records"));
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000008")); // kept: still in the result
+    EXPECT_EQ(nav->sSQLWhere(), QStringLiteral("WHERE T.CITY = 'BOSTON'"));
+    EXPECT_EQ(filters->currentText(), QStringLiteral("Boston only"));
+
+    events->clear();
+    filters->setCurrentIndex(2);
+    EXPECT_EQ(events->texts(), QStringList{ QStringLiteral("FilterChange( [None]) [cboFilter_click] initiator") });
+    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(), QStringLiteral("10 records"));
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000008"));
+}
+
+TEST_P(Filters, AFilterThatDropsTheRecordMovesToTheFirstAndWithoutRefreshNothingMoves)
+{
+    configure();
+    nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"))->setValue(3); // JONES of AUSTIN
+    nav->SetSQLFilterAndWhere(QStringLiteral("Boston only"), QStringLiteral("WHERE T.CITY = 'BOSTON'"), false);
+    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(), QStringLiteral("10 records"));
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000001"));
+    nav->RSRefresh();
+    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(), QStringLiteral("2 records"));
+    nav->SetSQLFilterAndWhere(QString(), QStringLiteral("WHERE T.NAME LIKE 'SMITH*'"), true);
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000007")); // BROWN is gone: the first
+    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(), QStringLiteral("2 records"));
+    EXPECT_TRUE(events->names().filter(QStringLiteral("FilterChange")).isEmpty());
+
+    // The filter button asks the host to edit the filters.
+    events->clear();
+    nav->setBInitiator(false);
+    Q_EMIT nav->findChild<QPushButton *>(QStringLiteral("cmdFilter"))->clicked();
+    EXPECT_EQ(events->texts(), QStringList{ QStringLiteral("FilterEdit() [cmdFilter_click] -") });
+}
+
+INSTANTIATE_TEST_SUITE_P(BackEnds, Find, ::testing::Values("SQLite", "FoxPro"), backEndName);
+INSTANTIATE_TEST_SUITE_P(BackEnds, Filters, ::testing::Values("SQLite", "FoxPro"), backEndName);
+
+} // namespace
+} // namespace plx::test

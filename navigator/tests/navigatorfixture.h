@@ -1,0 +1,79 @@
+// navigator/tests/navigatorfixture.h: a navigator on a real table, on each back end, with
+// every event recorded as the host sees it.
+#pragma once
+
+#include "navigator/mvplxrecs.h"
+#include "services/recordsource/database.h"
+#include "services/recordsource/tests/backend.h"
+#include "tests/support/fakeenv.h"
+
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <ostream>
+
+// Readable QString values in test failure messages.
+inline void PrintTo(const QString &text, std::ostream *out)
+{
+    *out << '"' << text.toStdString() << '"';
+}
+
+namespace plx::test {
+
+// One event as the host saw it: name(argument), with sEventInfo and bInitiator read
+// while the event was being raised.
+struct SeenEvent
+{
+    QString name;
+    QString argument;
+    QString eventInfo;
+    bool initiator = false;
+    QString text() const;
+};
+
+class EventRecorder
+{
+public:
+    explicit EventRecorder(mvPLXRecs *nav);
+    QStringList texts() const;
+    QStringList names() const;
+    const QList<SeenEvent> &events() const { return m_events; }
+    void clear() { m_events.clear(); }
+
+private:
+    void record(const QString &name, const QString &argument);
+    mvPLXRecs *m_nav;
+    QList<SeenEvent> m_events;
+};
+
+// The table every navigator test uses: ID, NAME, CITY and the audit fields, with names
+// chosen to exercise the find (prefixes shared, a quote, a pipe).
+testing::TableDef facilityTable();
+
+class NavigatorTest : public ::testing::TestWithParam<std::string>
+{
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    bool isFoxPro() const { return GetParam() == "FoxPro"; }
+    // Attaches the table: by file path for FoxPro, through setDatabase + setRs for SQLite.
+    void attach();
+    // The usual host set-up: ID field, two sorts, attach, InitControl; then the first
+    // record by name (ADAMS) is made current and the events so far are forgotten.
+    void configure();
+    QString tablePath() const;
+
+    TestServices env;
+    QTemporaryDir dir;
+    std::shared_ptr<testing::BackEnd> backEnd;
+    std::unique_ptr<mvPLXRecs> nav;
+    std::unique_ptr<EventRecorder> events;
+};
+
+std::string backEndName(const ::testing::TestParamInfo<std::string> &info);
+
+} // namespace plx::test

@@ -1,0 +1,60 @@
+// services/boundcontrol.h: what the navigator asks of a bound field control.
+//
+// The navigator keeps its field controls (the text, value-item, check-box and
+// check-with-text stacks) in one collection and drives them by operation name only. This
+// interface is that set of operations; it lives beside the other shared seams so that the
+// navigator and the field controls both see it without depending on each other.
+//
+// A field control is also a QWidget; the navigator never deletes one.
+#pragma once
+
+#include <QString>
+
+#include <memory>
+
+namespace plx {
+
+class RecordSource;
+
+class BoundControl
+{
+public:
+    virtual ~BoundControl() = default;
+
+    // Shows the current record: every row loads its value from the record source's
+    // current record (or its edit buffer while the record is being edited).
+    virtual void UpdateDBF() = 0;
+
+    // Enters edit mode and validates: true when every row accepts. With `bSilent` false a
+    // row may tell the user itself; `vReturn`, when given, receives one line per refusing
+    // row ("caption reason"), joined with "\r\n", or "" when all accept.
+    virtual bool bEdit(bool bSilent, QString *vReturn) = 0;
+
+    // Ends editing and writes the rows' changed values into the record source's edit
+    // buffer; the navigator's Update commits them.
+    virtual void EditUpdate() = 0;
+
+    // Ends editing and restores exactly what the rows showed before editing began.
+    virtual void CancelEdit() = 0;
+
+    // Saves the rows; a non-blank text is shown to the user in a box titled Name().
+    virtual QString Save() = 0;
+
+    virtual bool Locked() const = 0;
+    virtual void setLocked(bool locked) = 0;
+
+    // Enables or disables the control and every row in it.
+    virtual bool Enabled() const = 0;
+    virtual void setEnabled(bool enabled) = 0;
+
+    // The control's name as the host knows it (the QObject's objectName).
+    virtual QString Name() const = 0;
+
+    // The record source every row reads and writes. The navigator hands its own record
+    // source here whenever it attaches a new one (after a sort change, a filter or a
+    // re-read), so rows never keep a source the navigator has replaced.
+    virtual std::shared_ptr<RecordSource> RecordSet() const = 0;
+    virtual void setRecordSet(std::shared_ptr<RecordSource> source) = 0;
+};
+
+} // namespace plx
