@@ -1,0 +1,143 @@
+// fields/tests/mvchkwithtxt_test.cpp: one check box over a text stack, as one unit.
+#include "fields/mvchkwithtxt.h"
+#include "mervane/tests/rowfixtures.h"
+
+#include "tests/support/fakeenv.h"
+
+#include <QDate>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace plx;
+using namespace plx::rowtest;
+
+namespace {
+
+class ChkWithTxtTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        unit.setServices(env.services());
+        unit.setSCaptionChk(QStringLiteral("Active"));
+        unit.setNUbound(1);
+        unit.setSCaptionTxt(0, QStringLiteral("Name"));
+        unit.setSCaptionTxt(1, QStringLiteral("Amount"));
+    }
+
+    void bind(Store store)
+    {
+        db = makeTable(store, dir.path(),
+                       { { QStringLiteral("SMITH"), QVariant(), 10.5, QDate(1990, 1, 2), true,
+                           QStringLiteral("T"), 1, 3 } });
+        ASSERT_TRUE(db);
+        unit.setSFieldNameChk(QStringLiteral("ACTIVE"));
+        unit.setSFieldNameTxt(0, QStringLiteral("NAME"));
+        unit.setSFieldNameTxt(1, QStringLiteral("AMOUNT"));
+    }
+
+    test::TestServices env;
+    QTemporaryDir dir;
+    std::unique_ptr<Database> db;
+    mvChkWithTxt unit;
+};
+
+} // namespace
+
+TEST_F(ChkWithTxtTest, EitherPartRefusingRefusesTheUnit)
+{
+    bind(Store::Sqlite);
+    unit.setRecordSet(openT(*db));
+    unit.Update();
+    EXPECT_EQ(unit.sValueChk(), QStringLiteral("True"));
+    EXPECT_EQ(unit.sValueTxt(0), QStringLiteral("SMITH"));
+    QString vReturn;
+    EXPECT_TRUE(unit.bEdit(true, &vReturn));
+
+    unit.setSValueTxt(1, QStringLiteral("many"));
+    EXPECT_FALSE(unit.bEdit(true, &vReturn));
+    EXPECT_EQ(vReturn, QStringLiteral("Amount is not a number"));
+
+    unit.setSValueTxt(1, QStringLiteral("10.50"));
+    unit.setSValueChk(QStringLiteral("perhaps"));
+    EXPECT_FALSE(unit.bEdit(true, &vReturn));
+    EXPECT_EQ(vReturn, QStringLiteral("Active is not Yes or No"));
+
+    unit.setSValueTxt(0, QString(21, QLatin1Char('x')));
+    EXPECT_FALSE(unit.bEdit(true, &vReturn));
+    EXPECT_EQ(vReturn,
+              QStringLiteral("Name is longer than 20 characters\r\nActive is not Yes or No"));
+}
+
+TEST_F(ChkWithTxtTest, ClearsKeepToTheirPartAndBoundsAreChecked)
+{
+    unit.setSValueChk(QStringLiteral("True"));
+    unit.setSValueTxt(0, QStringLiteral("kept"));
+    unit.ClearTxt(0);
+    EXPECT_EQ(unit.sValueChk(), QStringLiteral("True"));
+    unit.setSValueTxt(0, QStringLiteral("kept"));
+    unit.ClearChk();
+    EXPECT_EQ(unit.sValueTxt(0), QStringLiteral("kept"));
+    EXPECT_EQ(unit.sValueChk(), QString());
+    EXPECT_EQ(unit.sValueTxt(5), QString());
+    EXPECT_EQ(unit.sCaptionTxt(-1), QString());
+    unit.setSValueChk(QVariant());
+    EXPECT_EQ(unit.sValueChk(), QString());
+
+    // Layout: the text stack right below the check box, the unit as high as both.
+    EXPECT_EQ(unit.textStack()->y(), unit.checkBox()->y() + unit.checkBox()->height());
+    EXPECT_EQ(unit.height(), unit.textStack()->y() + unit.textStack()->height());
+    const int before = unit.height();
+    unit.setNUbound(3);
+    EXPECT_GT(unit.height(), before);
+}
+
+TEST_F(ChkWithTxtTest, TableFileAndTheNavigatorsCycleCoverBothParts)
+{
+    const QString missing = dir.path() + QStringLiteral("/GONE.DBF");
+    env.prompter.expectMsgBox(QStringLiteral("File Not Found"),
+                              QStringLiteral("Database file not found:\r\n") + missing,
+                              MsgStyle::Critical, MsgAnswer::OK);
+    unit.setSDBFPathFileName(missing);
+    EXPECT_EQ(env.prompter.shown().size(), 1);
+
+    bind(Store::FoxPro1251);
+    db.reset();
+    unit.setSDBFPathFileName(tableFile(dir.path()));
+    ASSERT_TRUE(unit.RecordSet());
+    EXPECT_EQ(unit.RecordSet(), unit.textStack()->RecordSet());
+    EXPECT_EQ(unit.sDBFPathFileName(), tableFile(dir.path()));
+
+    BoundControl *control = &unit;
+    control->UpdateDBF();
+    std::shared_ptr<RecordSource> rs = control->RecordSet();
+    ASSERT_TRUE(rs->Edit().isOk());
+    control->setLocked(false);
+    unit.setSValueChk(QStringLiteral("False"));
+    unit.setSValueTxt(0, QStringLiteral("Жук"));
+    EXPECT_TRUE(control->bEdit(true, nullptr));
+    control->EditUpdate();
+    EXPECT_EQ(control->Save(), QString());
+    ASSERT_TRUE(rs->Edit().isOk());
+    ASSERT_TRUE(rs->Update().isOk());
+    EXPECT_EQ(reread(Store::FoxPro1251, dir.path(), 0, QStringLiteral("NAME")).toString().trimmed(),
+              QStringLiteral("Жук"));
+    EXPECT_EQ(reread(Store::FoxPro1251, dir.path(), 0, QStringLiteral("ACTIVE")).toBool(), false);
+
+    control->setLocked(true);
+    EXPECT_TRUE(unit.checkBox()->Locked());
+    EXPECT_TRUE(unit.textStack()->Locked());
+
+    QSignalSpy spy(&unit, &mvChkWithTxt::DblClick);
+    QTest::mouseDClick(unit.textStack()->textRow(1)->findChild<QLineEdit *>(), Qt::LeftButton);
+    ASSERT_EQ(spy.count(), 1);
+    EXPECT_EQ(spy.at(0).at(0).value<qint16>(), 1);
+
+    unit.Disconnect();
+    EXPECT_FALSE(unit.checkBox()->hasDataBinding());
+    EXPECT_FALSE(unit.textStack()->textRow(0)->hasDataBinding());
+}

@@ -1,0 +1,270 @@
+// fields/tests/mvname_test.cpp: the text stack: rows grow and shrink with their layout,
+// accessors keep their bounds rules, the edit life cycle goes to every row in row order,
+// and one table file binds every row with a single "File Not Found" when it is missing.
+#include "fields/mvname.h"
+#include "mervane/tests/rowfixtures.h"
+#include "mervane/twips.h"
+
+#include "tests/support/fakeenv.h"
+
+#include <QApplication>
+#include <QDate>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace plx;
+using namespace plx::rowtest;
+
+namespace {
+
+class NameStackTest : public ::testing::Test
+{
+protected:
+    void SetUp() override { names.setServices(env.services()); }
+
+    // Rows 0..2 on NAME, AMOUNT, BORN of a SQLite table.
+    std::shared_ptr<RecordSource> bindThreeRows(Store store = Store::Sqlite)
+    {
+        db = makeTable(store, dir.path(),
+                       { { QStringLiteral("SMITH"), QVariant(), 10.5, QDate(1990, 1, 2), true,
+                           QStringLiteral("T"), 1, 3 } });
+        auto rs = db ? openT(*db) : nullptr;
+        names.setNUbound(2);
+        const char *fields[] = { "NAME", "AMOUNT", "BORN" };
+        const char *captions[] = { "Name", "Amount", "Born" };
+        for (qint16 i = 0; i < 3; ++i) {
+            names.setSCaption(i, QString::fromLatin1(captions[i]));
+            names.setSFieldName(i, QString::fromLatin1(fields[i]));
+        }
+        names.setRecordSet(rs);
+        return rs;
+    }
+
+    test::TestServices env;
+    QTemporaryDir dir;
+    std::unique_ptr<Database> db;
+    mvName names;
+};
+
+} // namespace
+
+TEST_F(NameStackTest, RowsStackDownwardAndTheControlFitsTheLastRow)
+{
+    names.setIVspacing(120);
+    names.setIHeight(0, 400);
+    names.textRow(0)->setTwipsGeometry(300, 100, 3000);
+    names.setNUbound(2);
+    ASSERT_EQ(names.nUbound(), 2);
+    for (qint16 i = 1; i <= 2; ++i) {
+        mvText *r = names.textRow(i);
+        EXPECT_EQ(r->leftTwips(), 300) << "left edge copied from the row above";
+        EXPECT_EQ(r->topTwips(), names.textRow(i - 1)->topTwips() + names.iHeight(i - 1) + 120);
+        EXPECT_FALSE(names.bAllowNull(i));
+        EXPECT_EQ(names.sValue(i), QString());
+        EXPECT_TRUE(r->isVisibleTo(&names));
+    }
+    const mvText *last = names.textRow(2);
+    EXPECT_EQ(names.height(), twipsToPixelsY(&names, last->topTwips() + last->iHeight() + 120));
+
+    // The same upper bound again still fits the height to the last row.
+    names.resize(names.width(), 5);
+    names.setNUbound(2);
+    EXPECT_EQ(names.height(), twipsToPixelsY(&names, last->topTwips() + last->iHeight() + 120));
+    EXPECT_EQ(names.findChildren<mvText *>().size(), 3);
+
+    // Rows span the width less their left edge and the 60-twip right margin.
+    names.show();
+    names.resize(twipsToPixelsX(&names, 7200), names.height());
+    EXPECT_EQ(names.textRow(1)->widthTwips(), pixelsToTwipsX(&names, names.width()) - 300 - 60);
+
+    names.setNUbound(0);
+    EXPECT_EQ(names.nUbound(), 0);
+    EXPECT_EQ(names.findChildren<mvText *>().size(), 1);
+    EXPECT_GE(env.pump.count(), 3) << "every change of nUbound yields once";
+}
+
+TEST_F(NameStackTest, AccessorsKeepTheirBoundsRules)
+{
+    names.setNUbound(1);
+    names.setSCaption(2, QStringLiteral("nowhere"));
+    names.setSCaption(-1, QStringLiteral("nowhere"));
+    EXPECT_EQ(names.sCaption(2), QString());
+    EXPECT_EQ(names.DescWidth(5), 0);
+    EXPECT_FALSE(names.BackRed(-3));
+    names.setSValue(1, QStringLiteral("  abc  "));
+    EXPECT_EQ(names.sValue(1), QStringLiteral("abc"));
+    EXPECT_EQ(names.textRow(1)->Value(), QStringLiteral("  abc  ")) << "stored unchanged";
+    names.setSValue(1, QVariant());
+    EXPECT_EQ(names.textRow(1)->Value(), QString());
+    EXPECT_THROW((void)names.sValue(2), std::out_of_range) << "sValue get has no bounds check";
+    names.setSValue(0, QStringLiteral("x"));
+    EXPECT_EQ(names.Clear(0), QVariant());
+    EXPECT_EQ(names.sValue(0), QString());
+    (void)names.Clear(7); // ignored
+
+    mvName fresh;
+    EXPECT_EQ(fresh.DBFType(), 1);
+    fresh.setDBFType(0);
+    EXPECT_EQ(fresh.DBFType(), 1);
+    EXPECT_EQ(fresh.Filter(), QString());
+}
+
+TEST_F(NameStackTest, SettingsReachOnlyTheRowsThatExistAtTheTime)
+{
+    names.setNUbound(1);
+    names.setLocked(true);
+    names.setLAltGrayColor(1);
+    names.setDescWidthAll(2000);
+    names.setNUbound(3);
+    EXPECT_TRUE(names.textRow(1)->Locked());
+    EXPECT_FALSE(names.textRow(2)->Locked());
+    EXPECT_EQ(names.textRow(1)->lAltGrayColor(), 1);
+    EXPECT_EQ(names.textRow(3)->lAltGrayColor(), 0);
+    EXPECT_EQ(names.DescWidth(1), 2000);
+    EXPECT_NE(names.DescWidth(2), 2000);
+    EXPECT_TRUE(names.Locked()) << "row 0's flag";
+    EXPECT_EQ(names.DescWidthAll(), 2000);
+}
+
+TEST_F(NameStackTest, TwoFailingRowsGiveTwoLinesInRowOrder)
+{
+    auto rs = bindThreeRows();
+    names.UpdateDBF();
+    QString vReturn = QStringLiteral("stale");
+    EXPECT_TRUE(names.bEdit(true, &vReturn));
+    EXPECT_EQ(vReturn, QString());
+
+    names.setSValue(2, QStringLiteral("31/31/2000"));
+    names.setSValue(0, QString(25, QLatin1Char('x')));
+    names.setSValue(1, QStringLiteral("ten"));
+    EXPECT_FALSE(names.bEdit(true, &vReturn));
+    EXPECT_EQ(vReturn,
+              QStringLiteral("Name is longer than 20 characters\r\n"
+                             "Amount is not a number\r\n"
+                             "Born is not a date (mm/dd/yyyy)"));
+    EXPECT_FALSE(names.bEdit(true)) << "vReturn is optional";
+}
+
+TEST_F(NameStackTest, AFailingRowDoesNotStopTheOthers)
+{
+    auto rs = bindThreeRows();
+    names.setSFieldName(1, QStringLiteral("NO_SUCH_FIELD"));
+    names.setSValue(1, QStringLiteral("left over"));
+    names.UpdateDBF();
+    EXPECT_EQ(names.sValue(0), QStringLiteral("SMITH"));
+    EXPECT_EQ(names.sValue(1), QString());
+    EXPECT_EQ(names.sValue(2), QStringLiteral("01/02/1990"));
+
+    // Saving: row 1 cannot write (it is bound to nothing), row 2 still saves.
+    ASSERT_TRUE(rs->Edit().isOk());
+    names.setSValue(1, QStringLiteral("x"));
+    names.setSValue(2, QStringLiteral("12/24/2001"));
+    names.EditUpdate();
+    env.prompter.expectMsgBox(QStringLiteral("Value Not Saved"),
+                              QStringLiteral("Amount is not bound to a field of the record\r\n\r\n"
+                                             "The field keeps its former value."),
+                              MsgStyle::Exclamation, MsgAnswer::OK);
+    EXPECT_EQ(names.SaveDBF(), QString());
+    EXPECT_EQ(names.Save(), QString());
+    EXPECT_EQ(reread(Store::Sqlite, dir.path(), 0, QStringLiteral("BORN")).toDate(),
+              QDate(2001, 12, 24));
+}
+
+TEST_F(NameStackTest, TheNavigatorsCycleThroughTheSharedInterface)
+{
+    auto rs = bindThreeRows(Store::FoxPro1252);
+    BoundControl *control = &names;
+    names.setObjectName(QStringLiteral("mvNameClient"));
+    EXPECT_EQ(control->Name(), QStringLiteral("mvNameClient"));
+    EXPECT_EQ(control->RecordSet(), rs);
+    control->setLocked(true);
+    control->UpdateDBF();
+    ASSERT_TRUE(rs->Edit().isOk());
+    EXPECT_TRUE(control->bEdit(false, nullptr));
+    control->setLocked(false);
+    names.setSValue(0, QStringLiteral("JONES"));
+    names.setSValue(1, QStringLiteral("99.5"));
+    control->EditUpdate();
+    EXPECT_EQ(control->Save(), QString());
+    ASSERT_TRUE(rs->Edit().isOk()); // the navigator's stamp
+    ASSERT_TRUE(rs->setValue(QStringLiteral("FLAGT"), QStringLiteral("X")).isOk());
+    ASSERT_TRUE(rs->Update().isOk());
+    EXPECT_EQ(reread(Store::FoxPro1252, dir.path(), 0, QStringLiteral("NAME")).toString().trimmed(),
+              QStringLiteral("JONES"));
+    EXPECT_DOUBLE_EQ(reread(Store::FoxPro1252, dir.path(), 0, QStringLiteral("AMOUNT")).toDouble(),
+                     99.5);
+
+    // Cancel restores what was shown before editing began.
+    control->UpdateDBF();
+    names.Edit();
+    names.setSValue(0, QStringLiteral("BROWN"));
+    control->CancelEdit();
+    EXPECT_EQ(names.sValue(0), QStringLiteral("JONES"));
+
+    control->setEnabled(false);
+    EXPECT_FALSE(control->Enabled());
+    EXPECT_FALSE(names.textRow(2)->findChild<QLineEdit *>()->isEnabled());
+    control->setEnabled(true);
+    EXPECT_TRUE(names.textRow(2)->findChild<QLineEdit *>()->isEnabled());
+}
+
+TEST_F(NameStackTest, TableFileBindsEveryRowOrSaysOnceThatItIsMissing)
+{
+    names.setNUbound(2);
+    const QString missing = dir.path() + QStringLiteral("/NOPE.DBF");
+    env.prompter.expectMsgBox(QStringLiteral("File Not Found"),
+                              QStringLiteral("Database file not found:\r\n") + missing,
+                              MsgStyle::Critical, MsgAnswer::OK);
+    names.setSDBFPathFileName(missing);
+    EXPECT_EQ(env.prompter.shown().size(), 1);
+    EXPECT_EQ(names.sDBFPathFileName(), QString()) << "nothing changed";
+
+    db = makeTable(Store::FoxPro850, dir.path(),
+                   { { QStringLiteral("Zoë"), QVariant(), 1.0, QDate(2020, 5, 6), true,
+                       QStringLiteral("T"), 1, 3 } });
+    ASSERT_TRUE(db);
+    db.reset();
+    names.setSFieldName(0, QStringLiteral("NAME"));
+    names.setSFieldName(1, QStringLiteral("QTY"));
+    names.setSFieldName(2, QStringLiteral("BORN"));
+    names.setSDBFPathFileName(tableFile(dir.path()));
+    EXPECT_EQ(names.sDBFPathFileName(), tableFile(dir.path()));
+    ASSERT_TRUE(names.RecordSet());
+    for (qint16 i = 0; i <= 2; ++i) {
+        mvDataBinding *b = names.textRow(i)->DataBinding();
+        EXPECT_EQ(b->RecordSet(), names.RecordSet()) << "row " << i << " shares row 0's source";
+        EXPECT_EQ(b->DBFFileName(), QStringLiteral("T.DBF"));
+        EXPECT_EQ(b->DBFTableName(), QStringLiteral("T"));
+        EXPECT_EQ(b->DBFType(), 1);
+        EXPECT_EQ(b->CodePage(), 850);
+    }
+    names.UpdateDBF();
+    EXPECT_EQ(names.sValue(0), QStringLiteral("Zoë"));
+    EXPECT_EQ(names.sValue(1), QStringLiteral("3"));
+
+    names.DisconnectDBF();
+    EXPECT_FALSE(names.textRow(0)->hasDataBinding());
+    EXPECT_FALSE(names.textRow(2)->hasDataBinding());
+}
+
+TEST_F(NameStackTest, DoubleClickTabAndFocusWorkRowByRow)
+{
+    names.setNUbound(2);
+    QSignalSpy spy(&names, &mvName::DblClick);
+    QTest::mouseDClick(names.textRow(2)->findChild<QLineEdit *>(), Qt::LeftButton);
+    ASSERT_EQ(spy.count(), 1);
+    EXPECT_EQ(spy.at(0).at(0).value<qint16>(), 2);
+
+    names.show();
+    QApplication::setActiveWindow(&names);
+    names.textRow(0)->setFocus();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&names));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), names.textRow(1)->findChild<QLineEdit *>());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), names.textRow(2)->findChild<QLineEdit *>());
+}
