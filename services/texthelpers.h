@@ -82,7 +82,16 @@ QString fixPipeInSQL(const QString &text);
 // Each lone single quote doubled; pairs and enclosing quotes kept. Idempotent.
 QString fixQuoteInSQL(const QString &text);
 // "CHR(65) & CHR(66)" for "AB"; counts getLenTrim(text) characters from the untrimmed start.
+// A character Windows-1252 cannot hold is written "ChrW(n)" (its UTF-16 code unit; a pair of
+// them for a character beyond U+FFFF), which Unicode back ends read back as that character.
 QString strToASC(const QString &text);
+
+// The longest text the navigator's find box takes (cboFind's maximum length). A find query
+// built from any text this long, quotes and pipes included, runs on every back end within
+// the dialect's limits (services/recordsource/jet/ast.h). The find text is upper-cased with
+// QString::toUpper(), the full Unicode mapping UCase applies to the fields on every back end
+// ("ß" becomes "SS" in both), so that both sides fold case alike.
+inline constexpr int kFindTextMaxLength = 65536;
 // "065066" for "AB": three-digit Windows-1252 codes.
 QString keyToASC(const QString &key);
 // Inverse of keyToASC, reading three digits at positions 1, 1+step, ... up to

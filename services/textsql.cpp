@@ -25,33 +25,46 @@ QString fixQuoteInSQL(const QString &text)
         s.front() = QLatin1Char(' ');
         s.back() = QLatin1Char(' ');
     }
-    qsizetype start = 0;
-    for (;;) {
-        const qsizetype at = s.indexOf(quote, start);
-        if (at < 0)
-            break;
-        // An existing pair is left alone, which makes the function idempotent.
-        if (s.mid(at, 2) != QStringLiteral("''"))
-            s.insert(at, quote);
-        start = at + 2;
+    // One pass, the same result as searching from each quote onwards: an existing pair is
+    // left alone (which makes the function idempotent), a lone quote is doubled, and the
+    // scan goes on behind the pair either way.
+    QString out;
+    out.reserve(s.size() + s.count(quote));
+    const qsizetype n = s.size();
+    for (qsizetype i = 0; i < n; ++i) {
+        const QChar c = s.at(i);
+        out.append(c);
+        if (c != quote)
+            continue;
+        out.append(quote);
+        if (i + 1 < n && s.at(i + 1) == quote)
+            ++i;
     }
     if (enclosed) {
-        s.front() = quote;
-        s.back() = quote;
+        out.front() = quote;
+        out.back() = quote;
     }
-    return s;
+    return out;
 }
 
 QString strToASC(const QString &text)
 {
-    QString result;
     // Deliberate: the count is the trimmed length but the characters are read from the
     // untrimmed start, so leading blanks are encoded and the tail is lost. Stored criteria
-    // and keys were built this way; changing it would stop them matching.
+    // and keys were built this way; changing it would stop them matching. The pieces are
+    // joined as modAddALine(result, piece, " & ", false) joins them (a piece is never blank),
+    // in one growing text rather than a new copy per piece.
     const qint32 n = getLenTrim(text);
+    QString result;
+    result.reserve(qsizetype(n) * 10);
     for (qint32 i = 0; i < n; ++i) {
-        const QString piece = QStringLiteral("CHR(%1)").arg(cp1252::fromUnicode(text.at(i)));
-        result = modAddALine(result, piece, QStringLiteral(" & "), false);
+        if (i > 0)
+            result += QStringLiteral(" & ");
+        const QChar c = text.at(i);
+        if (cp1252::canEncode(c))
+            result += QStringLiteral("CHR(%1)").arg(cp1252::fromUnicode(c));
+        else
+            result += QStringLiteral("ChrW(%1)").arg(c.unicode());
     }
     return result;
 }
