@@ -11,6 +11,7 @@ packages=(
     clang libclang-rt-14-dev clang-format
     python3-dbf python3-dbfread
     g++-mingw-w64-x86-64-posix   # compiles the Windows branches (tools/check-windows.sh)
+    xvfb xauth                   # a real X display for the pictures in docs/images
 )
 
 missing=()
