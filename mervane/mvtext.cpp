@@ -140,7 +140,7 @@ void mvText::setMultiLine(bool on)
     if (on && !m_memo) {
         m_memo = new QPlainTextEdit(this);
         m_memo->setObjectName(QStringLiteral("txtMemo"));
-        // Tab moves on to the next row, as in every other row; Ctrl+Tab types a tab.
+        // Tab moves on to the next row, as in every other row, instead of typing a tab.
         m_memo->setTabChangesFocus(true);
         m_memo->setToolTip(toolTip());
         watch(m_memo);

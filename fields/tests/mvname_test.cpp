@@ -10,6 +10,8 @@
 #include <QApplication>
 #include <QDate>
 #include <QLineEdit>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -267,4 +269,22 @@ TEST_F(NameStackTest, DoubleClickTabAndFocusWorkRowByRow)
     EXPECT_EQ(QApplication::focusWidget(), names.textRow(1)->findChild<QLineEdit *>());
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     EXPECT_EQ(QApplication::focusWidget(), names.textRow(2)->findChild<QLineEdit *>());
+}
+
+TEST(NameStackScroll, TheFocusedRowIsScrolledIntoView)
+{
+    QScrollArea area;
+    auto *names = new mvName;
+    names->setNUbound(29);
+    names->resize(300, names->height());
+    area.setWidget(names);
+    area.resize(320, 120);
+    area.show();
+    QApplication::setActiveWindow(&area);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&area));
+    names->textRow(25)->setFocus();
+    QApplication::processEvents();
+    EXPECT_GT(area.verticalScrollBar()->value(), 0);
+    const QRect shown(QPoint(0, area.verticalScrollBar()->value()), area.viewport()->size());
+    EXPECT_TRUE(shown.contains(names->textRow(25)->geometry())) << "row 25 is on screen";
 }
