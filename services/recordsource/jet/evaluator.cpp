@@ -2,10 +2,13 @@
 // propagation, '&' treating one Null as "", True = -1, three-valued And/Or, lazy IIF.
 #include "services/recordsource/jet/evaluator.h"
 
+#include "services/recordsource/jet/functionlibrary.h"
 #include "services/recordsource/jet/functions.h"
 #include "services/recordsource/jet/like.h"
 #include "services/recordsource/jet/parser.h"
 #include "services/recordsource/jet/values.h"
+
+#include <QVarLengthArray>
 
 #include <cmath>
 #include <optional>
@@ -278,6 +281,16 @@ R call(const Node &node, const Row *row, TextCompare mode)
             return v;
         return QVariant(isNull(v.value()));
     }
+    if (node.name == QLatin1String("NZ")) {
+        // As COALESCE, which the SQL back ends run: the second value is computed only when
+        // the first is Null. In a query a Null without it becomes "".
+        if (Status s = arity(1, 2); !s.isOk())
+            return s;
+        R v = evaluate(*node.args[0], row, mode);
+        if (!v.isOk() || !isNull(v.value()))
+            return v;
+        return n > 1 ? evaluate(*node.args[1], row, mode) : R(QVariant(QString()));
+    }
     const FunctionDef *def = findFunction(node.name);
     if (!def)
         return Status(
@@ -285,14 +298,14 @@ R call(const Node &node, const Row *row, TextCompare mode)
             QStringLiteral("undefined function '%1' at position %2").arg(node.name).arg(node.pos));
     if (Status s = arity(def->minArgs, def->maxArgs); !s.isOk())
         return s;
-    QVariant args[4];
+    QVarLengthArray<QVariant, 4> args(n); // Choose and Switch take long lists
     for (int i = 0; i < n; ++i) {
         R v = evaluate(*node.args[i], row, mode);
         if (!v.isOk())
             return v;
         args[i] = v.value();
     }
-    return def->call(args, n, mode, node.pos);
+    return callFunction(*def, args.data(), n, mode, node.pos);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 // evaluator: standalone expressions and how a value is printed.
 #include "services/recordsource/jet/evaluator.h"
 
+#include "services/recordsource/jet/functionlibrary.h"
 #include "services/recordsource/jet/parser.h"
 #include "services/recordsource/jet/values.h"
 
@@ -23,8 +24,9 @@ bool foldable(const Node &node)
     if (node.kind == NodeKind::Binary)
         return node.op >= Op::Add && node.op <= Op::Concat;
     if (node.kind == NodeKind::Call)
-        return node.name != QLatin1String("DATE") && node.name != QLatin1String("NOW")
-            && node.name != QLatin1String("INSTR") && node.name != QLatin1String("IIF");
+        return !isClockFunction(node.name) && node.name != QLatin1String("INSTR")
+            && node.name != QLatin1String("IIF") && node.name != QLatin1String("STRCOMP")
+            && node.name != QLatin1String("INSTRREV") && node.name != QLatin1String("REPLACE");
     return false;
 }
 
@@ -100,6 +102,10 @@ QString formatValue(const QVariant &value)
         return value.toBool() ? QStringLiteral("True") : QStringLiteral("False");
     if (isDate(value)) {
         const QDateTime dt = toDateTime(value);
+        // A time alone lies on the epoch day and prints as a time, as CStr writes it.
+        if (dt.date() == QDate(1899, 12, 30))
+            return QLatin1Char('#') + dt.time().toString(QStringLiteral("hh:mm:ss"))
+                + QLatin1Char('#');
         QString s = dt.date().toString(QStringLiteral("MM/dd/yyyy"));
         if (dt.time() != QTime(0, 0))
             s += QLatin1Char(' ') + dt.time().toString(QStringLiteral("hh:mm:ss"));

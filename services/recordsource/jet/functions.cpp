@@ -4,6 +4,7 @@
 #include "services/recordsource/jet/functions.h"
 
 #include "services/cp1252.h"
+#include "services/recordsource/jet/functionlibrary.h"
 #include "services/recordsource/jet/values.h"
 
 #include <cmath>
@@ -238,10 +239,14 @@ R val(const QVariant *a, int, TextCompare, int pos)
         while (e < s.size() && isDigitOf(s.at(e)))
             ++e;
         bool ok = false;
-        const qlonglong n = s.mid(2, e - 2).toLongLong(&ok, base);
+        const qulonglong n = s.mid(2, e - 2).toULongLong(&ok, base);
         if (!ok)
             return QVariant(0.0);
-        return QVariant(double(base == 16 && n > 0x7FFF && n <= 0xFFFF ? n - 0x10000 : n));
+        // &HFFFF is the Integer -1 and &HFFFFFFFF the Long -1, as VBA reads them.
+        const std::optional<double> wrapped = fn::wrapRadixValue(n);
+        if (!wrapped)
+            return fn::overflow("Val", pos);
+        return QVariant(*wrapped);
     }
     qsizetype e = 0;
     if (e < s.size() && (s.at(e) == QLatin1Char('-') || s.at(e) == QLatin1Char('+')))
@@ -330,13 +335,14 @@ R datePart(const QVariant *a, int pos, int part)
 {
     if (isNull(a[0]))
         return QVariant();
-    const QDateTime dt = toDateTime(a[0]);
-    if (!dt.isValid())
+    // Read as parts: a QDateTime in local time would cost more than the filter around it.
+    QDate d;
+    QTime t;
+    if (!fn::valueAsDateParts(a[0], &d, &t))
         return Status(Status::Code::TypeMismatch,
                       QStringLiteral("type mismatch: '%1' is not a date at position %2")
                           .arg(toText(a[0]))
                           .arg(pos));
-    const QDate d = dt.date();
     return QVariant(double(part == 0 ? d.year() : part == 1 ? d.month() : d.day()));
 }
 R year(const QVariant *a, int, TextCompare, int pos)
@@ -385,7 +391,7 @@ const FunctionDef *findFunction(const QString &upperName)
         if (upperName == QLatin1String(f.name))
             return &f;
     }
-    return nullptr;
+    return findLibraryFunction(upperName);
 }
 
 } // namespace plx::jet

@@ -6,6 +6,7 @@
 #include "services/recordsource/jet/sqlitetranslator_p.h"
 
 #include "services/recordsource/jet/evaluator.h"
+#include "services/recordsource/jet/functionlibrary.h"
 #include "services/recordsource/jet/functions.h"
 #include "services/recordsource/jet/like.h"
 #include "services/recordsource/jet/parser.h"
@@ -146,8 +147,7 @@ bool isConstant(const Node &node)
 {
     if (node.kind == NodeKind::Column)
         return false;
-    if (node.kind == NodeKind::Call
-        && (node.name == QLatin1String("DATE") || node.name == QLatin1String("NOW")))
+    if (node.kind == NodeKind::Call && isClockFunction(node.name))
         return false;
     for (const NodePtr &arg : node.args) {
         if (!isConstant(*arg))
@@ -286,6 +286,11 @@ Result<QString> Translator::call(const Node &node)
             return a;
         return QStringLiteral("(-((%1) IS NULL))").arg(a.value());
     }
+    if (node.name == QLatin1String("NZ")) {
+        if (Status s = arity(1, 2); !s.isOk())
+            return s;
+        return translateNz(node, [this](const Node &arg) { return expr(arg); });
+    }
     const FunctionDef *def = findFunction(node.name);
     if (!def)
         return Status(
@@ -296,7 +301,12 @@ Result<QString> Translator::call(const Node &node)
     Result<QString> r = args(node, 0, &list);
     if (!r.isOk())
         return r;
-    return QStringLiteral("%1(%2%3)").arg(sqliteFunctionName(node.name)).arg(modeArg()).arg(list);
+    // The first argument carries the compare mode (bit 0) and the call's position, so that
+    // an error raised inside SQLite names the same position as the evaluator's.
+    return QStringLiteral("%1(%2%3)")
+        .arg(sqliteFunctionName(node.name))
+        .arg(modeArg() + 2 * node.pos)
+        .arg(list);
 }
 
 } // namespace detail

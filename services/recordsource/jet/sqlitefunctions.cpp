@@ -12,10 +12,13 @@
 #include "services/recordsource/jet/sqlitetranslate.h"
 
 #include "services/recordsource/jet/evaluator.h"
+#include "services/recordsource/jet/functionlibrary.h"
 #include "services/recordsource/jet/functions.h"
 #include "services/recordsource/jet/like.h"
 #include "services/recordsource/jet/sqliteops_p.h"
 #include "services/recordsource/jet/values.h"
+
+#include <QVarLengthArray>
 
 #include <sqlite3.h>
 
@@ -263,10 +266,14 @@ void jetFunction(sqlite3_context *ctx, int argc, sqlite3_value **argv)
                 return sqlite3_result_text(ctx, out, len, sqlite3_free);
             }
         }
-        QVariant args[4];
+        QVarLengthArray<QVariant, 4> args(n); // Choose and Switch take long lists
         for (int i = 0; i < n; ++i)
             args[i] = fromSqlite(argv[i + 1]);
-        resultFrom(ctx, def->call(args, n, modeOf(argv[0]), 0));
+        // The first argument is the compare mode in bit 0 and the call's position above it.
+        const int tag = sqlite3_value_int(argv[0]);
+        resultFrom(ctx,
+                   callFunction(*def, args.data(), n,
+                                (tag & 1) ? TextCompare::NoCase : TextCompare::Binary, tag >> 1));
     } catch (...) {
         sqlite3_result_error(ctx, "internal error in a Jet function", -1);
     }
@@ -354,6 +361,15 @@ Status registerJetFunctions(sqlite3 *db)
         rc = sqlite3_create_function_v2(db, sqlName.constData(), -1, volatileFn ? SQLITE_UTF8 : det,
                                         const_cast<FunctionDef *>(def), jetFunction, nullptr,
                                         nullptr, nullptr);
+    }
+    for (const FunctionDef *def : libraryFunctions()) {
+        if (rc != SQLITE_OK)
+            break;
+        const QString name = QLatin1String(def->name);
+        const QByteArray sqlName = sqliteFunctionName(name).toUtf8();
+        rc = sqlite3_create_function_v2(
+            db, sqlName.constData(), -1, isClockFunction(name) ? SQLITE_UTF8 : det,
+            const_cast<FunctionDef *>(def), jetFunction, nullptr, nullptr, nullptr);
     }
     if (rc == SQLITE_OK)
         rc = sqlite3_create_collation_v2(db, "JETNOCASE", SQLITE_UTF8, nullptr, jetNoCase, nullptr);

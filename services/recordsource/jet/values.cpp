@@ -2,12 +2,15 @@
 #include "services/recordsource/jet/values.h"
 
 #include "services/cp1252.h"
+#include "services/recordsource/jet/functionlibrary.h"
+#include "services/recordsource/jet/jetformat.h"
 #include "services/recordsource/jet/lexer.h"
 
 #include <QRegularExpression>
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace plx::jet {
 
@@ -100,8 +103,46 @@ QDateTime serialToDate(double serial)
     return QDateTime(d, QTime(0, 0).addMSecs(std::min(ms, 86399999)));
 }
 
+namespace {
+
+// 'YYYY-MM-DD' or 'YYYY-MM-DD hh:mm:ss', the form SQLite keeps dates in, read without a
+// regular expression: a filter on a date field reads one per row.
+std::optional<QDateTime> storedIsoDate(QStringView s)
+{
+    if (s.size() != 10 && s.size() != 19)
+        return std::nullopt;
+    auto digits = [s](qsizetype from, qsizetype count, int *out) {
+        int v = 0;
+        for (qsizetype i = from; i < from + count; ++i) {
+            const char16_t c = s[i].unicode();
+            if (c < u'0' || c > u'9')
+                return false;
+            v = v * 10 + (c - u'0');
+        }
+        *out = v;
+        return true;
+    };
+    int y, mo, d, h = 0, mi = 0, se = 0;
+    if (!digits(0, 4, &y) || s[4] != u'-' || !digits(5, 2, &mo) || s[7] != u'-'
+        || !digits(8, 2, &d))
+        return std::nullopt;
+    if (s.size() == 19
+        && ((s[10] != u' ' && s[10] != u'T') || !digits(11, 2, &h) || s[13] != u':'
+            || !digits(14, 2, &mi) || s[16] != u':' || !digits(17, 2, &se)))
+        return std::nullopt;
+    const QDate date(y, mo, d);
+    const QTime time(h, mi, se);
+    if (!date.isValid() || !time.isValid())
+        return QDateTime();
+    return QDateTime(date, time);
+}
+
+} // namespace
+
 QDateTime parseDateText(const QString &text)
 {
+    if (std::optional<QDateTime> stored = storedIsoDate(text))
+        return *stored;
     static const QRegularExpression iso(
         QStringLiteral("^(\\d{4})-(\\d{2})-(\\d{2})(?:[ T](\\d{2}):(\\d{2})(?::(\\d{2}))?)?$"));
     const QString s = text.trimmed();
@@ -143,16 +184,16 @@ Result<double> toNumber(const QVariant &v, int pos)
         return dateToSerial(toDateTime(v));
     if (isText(v)) {
         QString s = v.toString().trimmed();
-        if (s.startsWith(QLatin1String("&H"), Qt::CaseInsensitive)) {
+        if (s.startsWith(QLatin1String("&H"), Qt::CaseInsensitive)
+            || s.startsWith(QLatin1String("&O"), Qt::CaseInsensitive)) {
+            // 16- and 32-bit wrap-around: "&HFFFF" is -1, as the Integer it spells.
             bool ok = false;
-            const qlonglong n = s.mid(2).toLongLong(&ok, 16);
-            if (ok)
-                return double(n <= 0xFFFF && n > 0x7FFF ? n - 0x10000 : n);
-        } else if (s.startsWith(QLatin1String("&O"), Qt::CaseInsensitive)) {
-            bool ok = false;
-            const qlonglong n = s.mid(2).toLongLong(&ok, 8);
-            if (ok)
-                return double(n);
+            const qulonglong n =
+                s.mid(2).toULongLong(&ok, s.at(1).toUpper() == QLatin1Char('H') ? 16 : 8);
+            if (ok) {
+                if (const std::optional<double> wrapped = fn::wrapRadixValue(n))
+                    return *wrapped;
+            }
         } else {
             s.remove(QLatin1Char(','));
             bool ok = false;
@@ -170,16 +211,8 @@ QString toText(const QVariant &v)
         return QString();
     if (isBoolean(v))
         return v.toBool() ? QStringLiteral("True") : QStringLiteral("False");
-    if (isDate(v)) {
-        const QDateTime dt = toDateTime(v);
-        QString s = QStringLiteral("%1/%2/%3")
-                        .arg(dt.date().month())
-                        .arg(dt.date().day())
-                        .arg(dt.date().year());
-        if (dt.time() != QTime(0, 0))
-            s += QLatin1Char(' ') + dt.time().toString(QStringLiteral("h:mm:ss AP"));
-        return s;
-    }
+    if (isDate(v))
+        return generalDateText(toDateTime(v)); // a time alone prints as a time
     if (isNumeric(v))
         return numberText(v.toDouble());
     return v.toString();

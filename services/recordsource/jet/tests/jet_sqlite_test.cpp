@@ -211,7 +211,7 @@ TEST_F(JetSqliteTest, UnknownNamesAndTablesFailBeforeAnythingRuns)
     EXPECT_EQ(table.status().code(), Status::Code::UnknownField);
     EXPECT_TRUE(table.status().message().contains(QStringLiteral("'NOPE' at position 15")));
     Result<TranslatedSelect> fn =
-        translateSelect(QStringLiteral("SELECT * from T WHERE Nz(NAME) = 1"), lookup());
+        translateSelect(QStringLiteral("SELECT * from T WHERE NzX(NAME) = 1"), lookup());
     EXPECT_EQ(fn.status().code(), Status::Code::UnknownFunction);
 }
 
