@@ -1,6 +1,8 @@
 // benchmarks/benchtablecache.cpp: generating the benchmark tables on first use.
 #include "benchmarks/benchtablecache.h"
 
+#include "apps/plxgen/benchtable.h"
+#include "apps/plxgen/foxprowriter.h"
 #include "apps/plxgen/sqlitewriter.h"
 
 #include <QDir>
@@ -31,6 +33,26 @@ QString sqliteBenchFile(qint64 rows)
     QFile::remove(partial + QStringLiteral("-wal"));
     QFile::remove(partial + QStringLiteral("-shm"));
     return path;
+}
+
+QString foxProBenchDir()
+{
+    QString root = qEnvironmentVariable("PLX_BENCH_DIR");
+    if (root.isEmpty())
+        root = QStringLiteral("/tmp/plx-bench");
+    const QString dir = root + QStringLiteral("/foxpro");
+    if (QFile::exists(dir + QStringLiteral("/T.DBF")))
+        return dir;
+    // Written elsewhere first, so an interrupted run leaves no half table behind.
+    const QString partial = root + QStringLiteral("/foxpro.part");
+    QDir(partial).removeRecursively();
+    std::fprintf(stderr, "generating the FoxPro benchmark table into %s ...\n", qPrintable(dir));
+    const Status s = writeFoxProBenchTable(partial, QStringLiteral("T"), DefaultBenchRows);
+    if (!s.isOk() || !QDir().rename(partial, dir)) {
+        std::fprintf(stderr, "cannot generate the table: %s\n", qPrintable(s.toString()));
+        return {};
+    }
+    return dir;
 }
 
 } // namespace plx::bench

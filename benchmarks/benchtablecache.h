@@ -12,4 +12,8 @@ namespace plx::bench {
 // it first when it is missing. Empty when it cannot be made (the reason goes to stderr).
 QString sqliteBenchFile(qint64 rows);
 
+// The directory holding the FoxPro benchmark table T.DBF (+ T.FPT) of the default
+// 1,000,000 records, generating it first when it is missing. Empty when it cannot be made.
+QString foxProBenchDir();
+
 } // namespace plx::bench

@@ -12,11 +12,9 @@ namespace plx {
 
 FloatingMessage::FloatingMessage(QWidget *anchor)
     : QFrame(anchor ? anchor->window() : nullptr,
-             Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
-    , m_anchor(anchor)
-    , m_text(new QLabel(this))
-    , m_progress(new QLabel(this))
-    , m_cancel(new QPushButton(tr("Cancel"), this))
+             Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
+      m_anchor(anchor), m_text(new QLabel(this)), m_progress(new QLabel(this)),
+      m_cancel(new QPushButton(tr("Cancel"), this))
 {
     setObjectName(QStringLiteral("frmFloatingMessage"));
     setFrameShape(QFrame::StyledPanel);

@@ -83,7 +83,8 @@ void mvPLXRecs::buildChildren()
     m_cboFilter = combo(this, "cboFilter", false);
     m_cboFind->lineEdit()->setMaxLength(kFindMaxLength);
     m_cboFind->lineEdit()->setPlaceholderText(tr("Type to find"));
-    m_cboFind->setToolTip(tr("Type the beginning of the sort's values; Enter keeps the text in the list"));
+    m_cboFind->setToolTip(
+        tr("Type the beginning of the sort's values; Enter keeps the text in the list"));
     m_cboSort->setToolTip(tr("Sort order"));
     m_cboFilter->setToolTip(tr("Saved filters"));
     // Keys reach the find box either at the line edit or at the combo box, which hands
@@ -92,10 +93,13 @@ void mvPLXRecs::buildChildren()
     m_cboFind->lineEdit()->installEventFilter(this);
     m_cboFind->setEnabled(false);
 
-    m_cmdFind = iconButton(this, "cmdFind", QStyle::SP_FileDialogContentsView, tr("View search results"));
+    m_cmdFind =
+        iconButton(this, "cmdFind", QStyle::SP_FileDialogContentsView, tr("View search results"));
     m_cmdFind->setEnabled(false);
-    m_cmdFilter = iconButton(this, "cmdFilter", QStyle::SP_FileDialogDetailedView, tr("Edit the saved filters"));
-    m_cmdBrowse = iconButton(this, "cmdBrowse", QStyle::SP_FileDialogListView, tr("Browse entire database"));
+    m_cmdFilter = iconButton(this, "cmdFilter", QStyle::SP_FileDialogDetailedView,
+                             tr("Edit the saved filters"));
+    m_cmdBrowse =
+        iconButton(this, "cmdBrowse", QStyle::SP_FileDialogListView, tr("Browse entire database"));
     m_cmdRecBack = iconButton(this, "cmdRecBack", QStyle::SP_ArrowBack, tr("Previous record"));
     m_cmdRecNext = iconButton(this, "cmdRecNext", QStyle::SP_ArrowForward, tr("Next record"));
     // Holding Back or Next down walks the records quickly: the first repeat after a short
@@ -155,8 +159,8 @@ void mvPLXRecs::buildChildren()
     connect(m_cboFilter, &QComboBox::currentIndexChanged, this, &mvPLXRecs::filterClicked);
     connect(m_cmdFilter, &QPushButton::clicked, this, &mvPLXRecs::filterButtonClicked);
     connect(m_cmdFind, &QPushButton::clicked, this, [this] { findEnter(); });
-    connect(m_cmdRecBack, &QPushButton::clicked, this, &mvPLXRecs::recBack);
-    connect(m_cmdRecNext, &QPushButton::clicked, this, &mvPLXRecs::recNext);
+    connect(m_cmdRecBack, &QPushButton::clicked, this, [this] { stepClicked(false); });
+    connect(m_cmdRecNext, &QPushButton::clicked, this, [this] { stepClicked(true); });
     connect(m_hscroll, &QScrollBar::valueChanged, this, &mvPLXRecs::hscrollChanged);
 
     // Keyboard order: sort, find, filter, browse, then stepping and the commands.
@@ -184,7 +188,8 @@ void mvPLXRecs::buildToolbar()
     };
     const ButtonSpec buttons[] = {
         { "New", "NEW", QStringLiteral("Create a new facility record"), QStyle::SP_FileIcon },
-        { "Edit", "EDIT", QStringLiteral("Edit the current record"), QStyle::SP_FileDialogDetailedView },
+        { "Edit", "EDIT", QStringLiteral("Edit the current record"),
+          QStyle::SP_FileDialogDetailedView },
         { "Copy", "COPY", QStringLiteral("Copy the current record to create a new record"),
           QStyle::SP_FileLinkIcon },
         { "Delete", "DELETE", QStringLiteral("DELETE the current record"), QStyle::SP_TrashIcon },
@@ -194,7 +199,8 @@ void mvPLXRecs::buildToolbar()
         { "Close", "CLOSE", QString(), QStyle::SP_DialogCloseButton },
     };
     for (const ButtonSpec &spec : buttons) {
-        QAction *action = m_tbrBtm->addAction(style()->standardIcon(spec.icon), QString::fromLatin1(spec.caption));
+        QAction *action = m_tbrBtm->addAction(style()->standardIcon(spec.icon),
+                                              QString::fromLatin1(spec.caption));
         action->setObjectName(QString::fromLatin1(spec.key));
         action->setToolTip(spec.tip);
         if (qstrcmp(spec.key, "CLOSE") == 0)
@@ -204,8 +210,9 @@ void mvPLXRecs::buildToolbar()
     const QList<QAction *> actions = m_tbrBtm->actions();
     for (QAction *action : actions) {
         const QString key = action->objectName();
-        if (key == QLatin1String("EDIT") || key == QLatin1String("COPY") || key == QLatin1String("DELETE")
-            || key == QLatin1String("SAVE") || key == QLatin1String("CANCEL"))
+        if (key == QLatin1String("EDIT") || key == QLatin1String("COPY")
+            || key == QLatin1String("DELETE") || key == QLatin1String("SAVE")
+            || key == QLatin1String("CANCEL"))
             action->setEnabled(false);
     }
     connect(m_tbrBtm, &QToolBar::actionTriggered, this, &mvPLXRecs::toolbarClicked);
@@ -224,7 +231,8 @@ void mvPLXRecs::changeEvent(QEvent *event)
 
 bool mvPLXRecs::eventFilter(QObject *watched, QEvent *event)
 {
-    if ((watched == m_cboFind || watched == m_cboFind->lineEdit()) && event->type() == QEvent::KeyPress)
+    if ((watched == m_cboFind || watched == m_cboFind->lineEdit())
+        && event->type() == QEvent::KeyPress)
         return handleFindKey(static_cast<QKeyEvent *>(event));
     return QWidget::eventFilter(watched, event);
 }

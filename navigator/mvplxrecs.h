@@ -45,6 +45,7 @@ namespace plx {
 class Database;
 class FloatingMessage;
 class RecordSource;
+class Status;
 
 class mvPLXRecs : public QWidget
 {
@@ -170,11 +171,13 @@ public:
     Q_INVOKABLE bool bButtonEnable(const QString &sButton);
     Q_INVOKABLE void setBButtonEnable(const QString &sButton, bool enable);
     Q_INVOKABLE void setSButtonTip(const QString &sButton, const QString &tip);
-    [[deprecated("sButtonEnable is no longer used")]] Q_INVOKABLE QString sButtonEnable(const QString &sButton);
+    [[deprecated("sButtonEnable is no longer used")]] Q_INVOKABLE QString
+    sButtonEnable(const QString &sButton);
 
     // Find and the search list.
     Q_INVOKABLE void SetFindFromID(const QString &sID);
-    [[deprecated("SetFindFromList is no longer supported")]] Q_INVOKABLE void SetFindFromList(qint32 lList);
+    [[deprecated("SetFindFromList is no longer supported")]] Q_INVOKABLE void
+    SetFindFromList(qint32 lList);
     // The ID the search-list entry at 0-based position lList found last.
     Q_INVOKABLE QString sIDfromList(qint32 lList);
     Q_INVOKABLE void ClearSearch();
@@ -186,9 +189,17 @@ public:
 
     // Filters.
     Q_INVOKABLE void InitFilters();
-    Q_INVOKABLE void SetSQLFilterAndWhere(const QString &sFilterDescInp, const QString &sSQLWhereINP,
-                                          bool bRefreshRS);
+    Q_INVOKABLE void SetSQLFilterAndWhere(const QString &sFilterDescInp,
+                                          const QString &sSQLWhereINP, bool bRefreshRS);
     Q_INVOKABLE void ClearFilter();
+
+    // Record IDs: the next free ID of the table ("" when none could be made). The last key
+    // handed out is kept in a key file beside the table, under a lock, so navigators in
+    // several processes never hand out one ID twice.
+    Q_INVOKABLE QString NewIDPLX();
+    // The key file: the table file's path without extension + "_IDLast7.TXT"; for a
+    // SQLite database, in the database's folder and named after the table.
+    QString keyFilePath() const;
 
     // The longest text the find box takes; longer pastes are cut there.
     static constexpr int kFindMaxLength = 65536;
@@ -236,6 +247,7 @@ private:
     void sortClicked(int index);
     void recBack();
     void recNext();
+    void stepClicked(bool forward);
     void connectByFile(const QString &path);
     void shareRsWithFields();
     bool beginLongWork(const QString &text);
@@ -257,6 +269,29 @@ private:
     void putOnTopOfSearchList(const QString &text);
     void rememberFoundID(const QString &text, const QString &id);
 
+    // Record commands (mvplxrecs_commands.cpp).
+    QString auditStamp();
+    QString commandCurrentID() const;
+    void reportEngineError(const QString &what, const Status &status);
+    QString blankIDMessage(const QString &lastLine) const;
+    bool commandEdit(const QString &id);
+    bool commandSave();
+    bool commandCancel(const QString &id);
+    bool commandDelete(const QString &id);
+    bool commandNew();
+    bool commandCopy();
+    bool parentAllowsSave();
+    QStringList sortFieldValues() const;
+    void releaseHeldRecord();
+    qint32 returnPositionForNew() const;
+
+    // Record IDs (mvplxrecs_ids.cpp).
+    QString tableFilePath() const;
+    QString holdersPath() const;
+    QString highestKeyInTable(const QString &query, bool *ok);
+    bool idTaken(const QString &criterion);
+    void logLines(const QStringList &lines);
+
     // Filters (mvplxrecs_filters.cpp).
     void filterClicked(int index);
     void filterButtonClicked();
@@ -269,7 +304,7 @@ private:
     QString m_dataPath;
     QList<QPointer<QObject>> m_mervaneObjects;
     QList<BoundControl *> m_mervane;
-    QList<bool> m_mervaneTracked;  // a QObject, so its deletion is noticed
+    QList<bool> m_mervaneTracked; // a QObject, so its deletion is noticed
     QList<QPointer<QWidget>> m_others;
     QPointer<QObject> m_fParent;
 
@@ -278,7 +313,7 @@ private:
     QString m_addSortErrors;
     QString m_sSort, m_sCBOSort, m_sIDfield, m_sDescfield, m_sDesc, m_sDBFPathFileName;
     QString m_sUser, m_sUserINIFile, m_sSQLWhere, m_sSQLJOIN, m_sParentID, m_sEventInfo;
-    QStringList m_arrayID;  // parallel to the search list: the ID each entry found
+    QStringList m_arrayID; // parallel to the search list: the ID each entry found
     qint32 m_lAltGrayColor = 0;
     qint16 m_myLevel = 0;
     bool m_enableFind = true, m_enableSort = true, m_enableFilter = true, m_enableBrowse = true;
@@ -286,10 +321,16 @@ private:
     bool m_bRecDisplay = false;
     QList<bool> m_rememberedButtons;
 
-    bool m_movingScrollBar = false;  // the navigator sets the bar itself: no IDChange
+    bool m_movingScrollBar = false; // the navigator sets the bar itself: no IDChange
     bool m_findUnderWay = false;
-    bool m_settingFilter = false;    // SetSQLFilterAndWhere selects: no FilterChange
+    bool m_settingFilter = false; // SetSQLFilterAndWhere selects: no FilterChange
     bool m_fillingSorts = false;
+    bool m_commandRunning = false;
+    bool m_newRecord = false; // from NEW or COPY until saved or deleted
+    bool m_busy = false; // re-reading after a save
+    qint32 m_returnPosition = -1; // where a cancelled new record returns to
+    QString m_heldID; // the record this navigator holds in edit
+    QString m_takenDesc; // description of the record that took an ID candidate
 
     QComboBox *m_cboSort = nullptr;
     QComboBox *m_cboFind = nullptr;

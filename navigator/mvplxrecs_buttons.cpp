@@ -21,7 +21,8 @@ QAction *mvPLXRecs::findButton(const QString &sButton, bool report)
             return action;
     }
     if (report)
-        showBox(QStringLiteral("Button key not found: ") + sButton, MsgStyle::OKOnly, messageTitle());
+        showBox(QStringLiteral("Button key not found: ") + sButton, MsgStyle::OKOnly,
+                messageTitle());
     return nullptr;
 }
 
@@ -57,8 +58,8 @@ void mvPLXRecs::ClickButton(const QString &sButton)
 
 void mvPLXRecs::setNavigationEnabled(bool enabled)
 {
-    for (QWidget *control : std::initializer_list<QWidget *>{ m_cboSort, m_cboFilter, m_cmdFilter, m_cboFind,
-                                                              m_cmdFind, m_cmdBrowse })
+    for (QWidget *control : std::initializer_list<QWidget *>{ m_cboSort, m_cboFilter, m_cmdFilter,
+                                                              m_cboFind, m_cmdFind, m_cmdBrowse })
         control->setEnabled(enabled);
 }
 

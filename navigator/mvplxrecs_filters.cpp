@@ -33,7 +33,8 @@ void PLXLoadFilterINI(QComboBox *list, const QString &directory)
 
 QString filterFilePath(const QString &tablePath)
 {
-    return setPathName(getFileDir(fromDiskPath(tablePath)), QStringLiteral("HBFiltersPLX.INI"), false);
+    return setPathName(getFileDir(fromDiskPath(tablePath)), QStringLiteral("HBFiltersPLX.INI"),
+                       false);
 }
 
 void mvPLXRecs::InitFilters()
@@ -64,7 +65,8 @@ void mvPLXRecs::filterButtonClicked()
     Q_EMIT FilterEdit();
 }
 
-void mvPLXRecs::SetSQLFilterAndWhere(const QString &sFilterDescInp, const QString &sSQLWhereINP, bool bRefreshRS)
+void mvPLXRecs::SetSQLFilterAndWhere(const QString &sFilterDescInp, const QString &sSQLWhereINP,
+                                     bool bRefreshRS)
 {
     m_settingFilter = true;
     if (getLenTrim(sFilterDescInp) >= 1)

@@ -94,7 +94,8 @@ void mvPLXRecs::findActivated(int index)
 void mvPLXRecs::findEnter()
 {
     if (getLenTrim(m_cboSort->currentText()) < 1) {
-        showBox(QStringLiteral("You cannot use the search function unless you have selected a Sort order."),
+        showBox(QStringLiteral(
+                    "You cannot use the search function unless you have selected a Sort order."),
                 MsgStyle::OKOnly, QStringLiteral("No Sort Selected"));
         return;
     }
@@ -130,21 +131,26 @@ bool mvPLXRecs::openFindSource(const QString &searchText, std::shared_ptr<Record
     const qint16 pieces = getDelimCount(escaped, QStringLiteral("\t"));
     for (qint16 i = 1; i <= pieces; ++i) {
         const QString piece = getDelimField(escaped, QStringLiteral("\t"), i, QString());
-        const QString field = trimSpaces(getDelimField(sortFields, QStringLiteral(","), i, QString()));
+        const QString field =
+            trimSpaces(getDelimField(sortFields, QStringLiteral(","), i, QString()));
         if (getLenTrim(piece) < 1 || getLenTrim(field) < 1)
             continue;
         if (!conditions.isEmpty())
             conditions += QStringLiteral("AND ");
-        conditions += QStringLiteral("UCase([") + m_table + QLatin1Char('.') + field + QStringLiteral("]) LIKE '")
-            + piece + QStringLiteral("*") + QStringLiteral("'") + QLatin1Char(' ');
+        conditions += QStringLiteral("UCase([") + m_table + QLatin1Char('.') + field
+            + QStringLiteral("]) LIKE '") + piece + QStringLiteral("*") + QStringLiteral("'")
+            + QLatin1Char(' ');
     }
     if (conditions.isEmpty())
         return false;
-    const QString sql = fixPipeInSQL(QStringLiteral("SELECT * from ") + m_table + QStringLiteral(" WHERE ")
-                                     + conditions + QStringLiteral("ORDER BY ") + orderByList(sortFields));
+    const QString sql =
+        fixPipeInSQL(QStringLiteral("SELECT * from ") + m_table + QStringLiteral(" WHERE ")
+                     + conditions + QStringLiteral("ORDER BY ") + orderByList(sortFields));
     Result<std::unique_ptr<RecordSource>> opened = m_db->OpenRecordset(sql);
     if (!opened.isOk()) {
-        logEntry(m_sUser, messageTitle() + QStringLiteral(": find failed: ") + opened.status().message(), m_services);
+        logEntry(m_sUser,
+                 messageTitle() + QStringLiteral(": find failed: ") + opened.status().message(),
+                 m_services);
         return false;
     }
     *found = std::shared_ptr<RecordSource>(std::move(opened.value()));
@@ -168,8 +174,8 @@ void mvPLXRecs::runFind()
             break;
         found.reset();
         if (search.size() < 2) {
-            showBox(QStringLiteral("Search ") + m_cboSort->currentText() + QStringLiteral(" for '") + trimmed
-                        + QStringLiteral("'") + QStringLiteral("\r\n\r\n")
+            showBox(QStringLiteral("Search ") + m_cboSort->currentText() + QStringLiteral(" for '")
+                        + trimmed + QStringLiteral("'") + QStringLiteral("\r\n\r\n")
                         + QStringLiteral("The search did not find any records."),
                     MsgStyle::Information, QStringLiteral("Nothing Found"));
             m_findUnderWay = false;
@@ -221,7 +227,8 @@ void mvPLXRecs::SetFindFromID(const QString &sID)
 QString mvPLXRecs::sIDfromList(qint32 lList)
 {
     if (lList < 0 || lList >= m_cboFind->count()) {
-        showBox(QStringLiteral("Error in ID from list: ") + QString::number(lList) + QStringLiteral("\r\n\r\n"),
+        showBox(QStringLiteral("Error in ID from list: ") + QString::number(lList)
+                    + QStringLiteral("\r\n\r\n"),
                 MsgStyle::OKOnly, QStringLiteral("ID Error"));
         return QString();
     }

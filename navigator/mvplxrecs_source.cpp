@@ -10,6 +10,7 @@
 #include "services/texthelpers.h"
 
 #include <QComboBox>
+#include <QElapsedTimer>
 #include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
@@ -69,7 +70,8 @@ void mvPLXRecs::shareRsWithFields()
 
 void mvPLXRecs::refreshCountDisplay()
 {
-    m_fraControls->setTitle(m_rs ? formatRecordCount(m_rs->RecordCount()) + QStringLiteral(" records")
+    m_fraControls->setTitle(m_rs ? formatRecordCount(m_rs->RecordCount())
+                                    + QStringLiteral(" records")
                                  : QStringLiteral("No Records"));
 }
 
@@ -114,9 +116,10 @@ QString mvPLXRecs::currentSortFields() const
 QString mvPLXRecs::composeQuery() const
 {
     const QString orderBy = orderByList(currentSortFields());
-    const QString orderClause = getLenTrim(orderBy) >= 1 ? QStringLiteral(" ORDER BY ") + orderBy : QString();
-    return QStringLiteral("SELECT * from ") + m_table + QLatin1Char(' ') + m_sSQLJOIN + QLatin1Char(' ')
-        + m_sSQLWhere + QLatin1Char(' ') + orderClause;
+    const QString orderClause =
+        getLenTrim(orderBy) >= 1 ? QStringLiteral(" ORDER BY ") + orderBy : QString();
+    return QStringLiteral("SELECT * from ") + m_table + QLatin1Char(' ') + m_sSQLJOIN
+        + QLatin1Char(' ') + m_sSQLWhere + QLatin1Char(' ') + orderClause;
 }
 
 QString mvPLXRecs::currentIDText() const
@@ -132,7 +135,8 @@ bool mvPLXRecs::findIDInRs(const QString &id)
     if (!m_rs || getLenTrim(id) < 1)
         return false;
     const qint32 before = m_rs->AbsolutePosition();
-    const Status found = m_rs->FindFirst(m_table + QLatin1Char('.') + m_sIDfield + QStringLiteral(" = ") + strToASC(id));
+    const Status found = m_rs->FindFirst(m_table + QLatin1Char('.') + m_sIDfield
+                                         + QStringLiteral(" = ") + strToASC(id));
     if (found.isOk() && !m_rs->NoMatch())
         return true;
     if (before >= 0)
@@ -159,11 +163,13 @@ bool mvPLXRecs::requery(const QString &oldID, bool moveFirstWhenLost)
 {
     if (!m_db)
         return false;
-    const bool shown = beginLongWork(tr("Sorting %1 records").arg(formatRecordCount(m_rs ? m_rs->RecordCount() : 0)));
+    const bool shown = beginLongWork(
+        tr("Sorting %1 records").arg(formatRecordCount(m_rs ? m_rs->RecordCount() : 0)));
     const QString sql = composeQuery();
     Result<std::unique_ptr<RecordSource>> opened = m_db->OpenRecordset(sql);
     if (!opened.isOk()) {
-        logEntry(m_sUser, messageTitle() + QStringLiteral(": query failed: ") + sql + QStringLiteral("\r\n")
+        logEntry(m_sUser,
+                 messageTitle() + QStringLiteral(": query failed: ") + sql + QStringLiteral("\r\n")
                      + opened.status().message(),
                  m_services);
         endLongWork();
@@ -178,7 +184,8 @@ bool mvPLXRecs::requery(const QString &oldID, bool moveFirstWhenLost)
         }
     }
     setRs(std::shared_ptr<RecordSource>(std::move(opened.value())));
-    if (!findIDInRs(oldID) && moveFirstWhenLost && m_rs->RecordCount() > 0 && getLenTrim(oldID) >= 1)
+    if (!findIDInRs(oldID) && moveFirstWhenLost && m_rs->RecordCount() > 0
+        && getLenTrim(oldID) >= 1)
         (void)m_rs->MoveFirst();
     idle();
     setScrollBar();
@@ -217,8 +224,9 @@ void mvPLXRecs::RSRefresh()
 void mvPLXRecs::setSDBFPathFileName(const QString &path)
 {
     if (m_rs) {
-        showBox(QStringLiteral("mvPLXRecs already connected to:") + QStringLiteral("\r\n\r\n") + m_sDBFPathFileName
-                    + QStringLiteral("\r\n\r\n") + alreadyConnectedSupportText(),
+        showBox(QStringLiteral("mvPLXRecs already connected to:") + QStringLiteral("\r\n\r\n")
+                    + m_sDBFPathFileName + QStringLiteral("\r\n\r\n")
+                    + alreadyConnectedSupportText(),
                 MsgStyle::OKOnly, QStringLiteral("Already Connected"));
         return;
     }
@@ -231,10 +239,11 @@ void mvPLXRecs::connectByFile(const QString &path)
     const QString libraryPath = fromDiskPath(path);
     m_floating->showMessage(QStringLiteral("Connecting to PLX Data"));
     pump();
-    Result<std::unique_ptr<Database>> db =
-        OpenDatabase(toDiskPath(getFileDir(libraryPath)), false, false, QStringLiteral("FoxPro 2.6"));
+    Result<std::unique_ptr<Database>> db = OpenDatabase(toDiskPath(getFileDir(libraryPath)), false,
+                                                        false, QStringLiteral("FoxPro 2.6"));
     if (!db.isOk()) {
-        logEntry(m_sUser, messageTitle() + QStringLiteral(": cannot open ") + path + QStringLiteral("\r\n")
+        logEntry(m_sUser,
+                 messageTitle() + QStringLiteral(": cannot open ") + path + QStringLiteral("\r\n")
                      + db.status().message(),
                  m_services);
         endLongWork();
@@ -247,7 +256,8 @@ void mvPLXRecs::connectByFile(const QString &path)
         sql += QStringLiteral(" ORDER BY ") + orderBy;
     Result<std::unique_ptr<RecordSource>> opened = m_db->OpenRecordset(sql);
     if (!opened.isOk()) {
-        logEntry(m_sUser, messageTitle() + QStringLiteral(": query failed: ") + sql + QStringLiteral("\r\n")
+        logEntry(m_sUser,
+                 messageTitle() + QStringLiteral(": query failed: ") + sql + QStringLiteral("\r\n")
                      + opened.status().message(),
                  m_services);
         endLongWork();
@@ -259,6 +269,26 @@ void mvPLXRecs::connectByFile(const QString &path)
     (void)m_rs->MoveFirst();
     setScrollBar();
     endLongWork();
+}
+
+void mvPLXRecs::stepClicked(bool forward)
+{
+    QPushButton *button = forward ? m_cmdRecNext : m_cmdRecBack;
+    if (!button->isDown()) {
+        forward ? recNext() : recBack();
+        return;
+    }
+    // Held down: each repeat of the button steps record by record (each with its
+    // IDChange) for half a millisecond, so the walk is not limited by the rate at
+    // which the window can repaint between repeats.
+    QElapsedTimer burst;
+    burst.start();
+    do {
+        const qint32 before = m_rs ? m_rs->AbsolutePosition() : -1;
+        forward ? recNext() : recBack();
+        if (!m_rs || m_rs->AbsolutePosition() == before)
+            break;
+    } while (burst.nsecsElapsed() < 500000);
 }
 
 void mvPLXRecs::recBack()
@@ -338,13 +368,15 @@ void mvPLXRecs::AddSort(const QString &sName, const QString &sField)
     const bool nameBlank = getLenTrim(sName) < 1;
     const bool fieldBlank = getLenTrim(sField) < 1;
     if (nameBlank && !fieldBlank) {
-        m_addSortErrors = modAddALine(m_addSortErrors, QStringLiteral("AddSort: Blank Name for field ") + sField,
-                                      QStringLiteral("\r\n"), false);
+        m_addSortErrors =
+            modAddALine(m_addSortErrors, QStringLiteral("AddSort: Blank Name for field ") + sField,
+                        QStringLiteral("\r\n"), false);
         return;
     }
     if (fieldBlank && !nameBlank) {
-        m_addSortErrors = modAddALine(m_addSortErrors, QStringLiteral("AddSort: Blank Field for name ") + sName,
-                                      QStringLiteral("\r\n"), false);
+        m_addSortErrors =
+            modAddALine(m_addSortErrors, QStringLiteral("AddSort: Blank Field for name ") + sName,
+                        QStringLiteral("\r\n"), false);
         return;
     }
     m_sortNames.append(sName);

@@ -38,9 +38,10 @@ TEST(NavigatorConfig, InitControlReportsEachMissingPieceInOrder)
     nav.setServices(env.services());
     nav.AddSort(QString(), QStringLiteral("NAME"));
     nav.AddSort(QStringLiteral("City"), QStringLiteral("  "));
-    EXPECT_EQ(nav.InitControl(), QStringLiteral("AddSort: Blank Name for field NAME\r\n"
-                                                "AddSort: Blank Field for name City\r\n"
-                                                "No RecordSet specified"));
+    EXPECT_EQ(nav.InitControl(),
+              QStringLiteral("AddSort: Blank Name for field NAME\r\n"
+                             "AddSort: Blank Field for name City\r\n"
+                             "No RecordSet specified"));
     EXPECT_EQ(frameTitle(nav), QStringLiteral("No Records"));
     // Without a record source EDIT, COPY and DELETE stay off.
     nav.setRs(nullptr);
@@ -73,7 +74,9 @@ TEST_P(Core, InitControlSortsByTheFirstSortAndRaisesSortChange)
     EXPECT_EQ(sorts->itemData(1).toInt(), 1);
     EXPECT_EQ(sorts->currentText(), QStringLiteral("Name"));
     EXPECT_EQ(nav->sSort(), QStringLiteral("NAME, CITY"));
-    EXPECT_EQ(events->texts(), QStringList{ QStringLiteral("SortChange(NAME, CITY) [SetRS after setHScroll] initiator") });
+    EXPECT_EQ(
+        events->texts(),
+        QStringList{ QStringLiteral("SortChange(NAME, CITY) [SetRS after setHScroll] initiator") });
     EXPECT_TRUE(nav->findChild<QComboBox *>(QStringLiteral("cboFind"))->isEnabled());
 }
 
@@ -85,7 +88,8 @@ TEST_P(Core, SortFieldTextChoosesTheSortShown)
     nav->setSSort(QStringLiteral("ID"));
     attach();
     ASSERT_EQ(nav->InitControl(), QString());
-    EXPECT_EQ(nav->findChild<QComboBox *>(QStringLiteral("cboSort"))->currentText(), QStringLiteral("ID"));
+    EXPECT_EQ(nav->findChild<QComboBox *>(QStringLiteral("cboSort"))->currentText(),
+              QStringLiteral("ID"));
     // The record current before the sort stays current, now at its place in ID order.
     EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000005"));
     EXPECT_EQ(nav->rs()->AbsolutePosition(), 4);
@@ -102,13 +106,15 @@ TEST_P(Core, BackAndNextRaiseIDChangeOnlyWhenTheyMove)
     EXPECT_TRUE(events->events().isEmpty());
     next->click();
     next->click();
-    EXPECT_EQ(events->texts(), (QStringList{ QStringLiteral("IDChange(PLE0000002) [cmdRecNext_Click] initiator"),
-                                             QStringLiteral("IDChange(PLE0000008) [cmdRecNext_Click] initiator") }));
+    EXPECT_EQ(events->texts(),
+              (QStringList{ QStringLiteral("IDChange(PLE0000002) [cmdRecNext_Click] initiator"),
+                            QStringLiteral("IDChange(PLE0000008) [cmdRecNext_Click] initiator") }));
     // The bar followed without an event of its own.
     EXPECT_EQ(bar->value(), 2);
     events->clear();
     back->click();
-    EXPECT_EQ(events->texts(), QStringList{ QStringLiteral("IDChange(PLE0000002) [cmdRecBack_Click] initiator") });
+    EXPECT_EQ(events->texts(),
+              QStringList{ QStringLiteral("IDChange(PLE0000002) [cmdRecBack_Click] initiator") });
 
     bar->setValue(9);
     events->clear();
@@ -124,7 +130,8 @@ TEST_P(Core, ScrollBarValueIsThePositionAndRaisesOneIDChange)
     EXPECT_EQ(bar->minimum(), 0);
     EXPECT_EQ(bar->maximum(), 9);
     bar->setValue(3);
-    EXPECT_EQ(events->texts(), QStringList{ QStringLiteral("IDChange(PLE0000001) [HScroll1_change] initiator") });
+    EXPECT_EQ(events->texts(),
+              QStringList{ QStringLiteral("IDChange(PLE0000001) [HScroll1_change] initiator") });
     EXPECT_EQ(nav->rs()->AbsolutePosition(), 3);
     // IDs longer than seven characters carry their parent's ID in front.
     EXPECT_EQ(nav->sParentID(), QStringLiteral("PLE"));
@@ -138,7 +145,8 @@ TEST_P(Core, SortChangeKeepsTheCurrentRecord)
     auto *sorts = nav->findChild<QComboBox *>(QStringLiteral("cboSort"));
     sorts->setCurrentIndex(1);
     Q_EMIT sorts->activated(1);
-    EXPECT_EQ(events->texts(), QStringList{ QStringLiteral("SortChange(ID) [SetRS after setHScroll] initiator") });
+    EXPECT_EQ(events->texts(),
+              QStringList{ QStringLiteral("SortChange(ID) [SetRS after setHScroll] initiator") });
     EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000003"));
     EXPECT_EQ(nav->rs()->AbsolutePosition(), 2);
     EXPECT_EQ(nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"))->value(), 2);
@@ -148,7 +156,8 @@ TEST_P(Core, SortChangeKeepsTheCurrentRecord)
     nav->setBInitiator(false);
     events->clear();
     nav->RSRefresh();
-    EXPECT_EQ(events->texts(), QStringList{ QStringLiteral("SortChange(ID) [SetRS after setHScroll] -") });
+    EXPECT_EQ(events->texts(),
+              QStringList{ QStringLiteral("SortChange(ID) [SetRS after setHScroll] -") });
     EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000003"));
 }
 
@@ -158,11 +167,11 @@ TEST_P(Core, ButtonsAreFoundByCaptionInAnyCase)
     EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("EDIT")));
     EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("edit")));
     EXPECT_FALSE(nav->bButtonEnable(QStringLiteral("Save")));
-    env.prompter.expectMsgBox(QStringLiteral("mvPLXRecs Facilities"), QStringLiteral("Button key not found: Bogus"),
-                              0, MsgAnswer::OK);
+    env.prompter.expectMsgBox(QStringLiteral("mvPLXRecs Facilities"),
+                              QStringLiteral("Button key not found: Bogus"), 0, MsgAnswer::OK);
     nav->ClickButton(QStringLiteral("Bogus"));
-    env.prompter.expectMsgBox(QStringLiteral("mvPLXRecs Facilities"), QStringLiteral("Button not enabled: SAVE"), 0,
-                              MsgAnswer::OK);
+    env.prompter.expectMsgBox(QStringLiteral("mvPLXRecs Facilities"),
+                              QStringLiteral("Button not enabled: SAVE"), 0, MsgAnswer::OK);
     nav->ClickButton(QStringLiteral("SAVE"));
     EXPECT_EQ(env.prompter.pending(), 0);
 
@@ -202,7 +211,8 @@ TEST_P(Core, ObsoleteMembersSayTheyAreGoneAndChangeNothing)
                               "Let_lDelayMS function no longer supported in PLXRecs",
                               "Get_lListIndex function no longer supported in PLXRecs",
                               "Let_lListIndex function no longer supported in PLXRecs",
-                              "SetFindFromList function no longer supported in PLXRecs", "sButtonEnable no longer used" })
+                              "SetFindFromList function no longer supported in PLXRecs",
+                              "sButtonEnable no longer used" })
         env.prompter.expectMsgBox(title, QString::fromLatin1(text), 0, MsgAnswer::OK);
     // Through the property system and by name, as a script would reach them.
     (void)nav->property("lDelayMS");
@@ -211,7 +221,8 @@ TEST_P(Core, ObsoleteMembersSayTheyAreGoneAndChangeNothing)
     nav->setProperty("lListIndex", 5);
     QMetaObject::invokeMethod(nav.get(), "SetFindFromList", Q_ARG(qint32, 2));
     QString ignored;
-    QMetaObject::invokeMethod(nav.get(), "sButtonEnable", Q_RETURN_ARG(QString, ignored), Q_ARG(QString, QStringLiteral("EDIT")));
+    QMetaObject::invokeMethod(nav.get(), "sButtonEnable", Q_RETURN_ARG(QString, ignored),
+                              Q_ARG(QString, QStringLiteral("EDIT")));
     EXPECT_EQ(env.prompter.pending(), 0);
     EXPECT_TRUE(events->events().isEmpty());
 }
@@ -220,11 +231,10 @@ TEST_P(Core, ASecondConnectIsRefusedWithTheConnectedPath)
 {
     configure();
     const QString connected = nav->sDBFPathFileName();
-    env.prompter.expectMsgBox(
-        QStringLiteral("Already Connected"),
-        QStringLiteral("mvPLXRecs already connected to:\r\n\r\n") + connected + QStringLiteral("\r\n\r\n")
-            + alreadyConnectedSupportText(),
-        0, MsgAnswer::OK);
+    env.prompter.expectMsgBox(QStringLiteral("Already Connected"),
+                              QStringLiteral("mvPLXRecs already connected to:\r\n\r\n") + connected
+                                  + QStringLiteral("\r\n\r\n") + alreadyConnectedSupportText(),
+                              0, MsgAnswer::OK);
     nav->setSDBFPathFileName(dir.filePath(QStringLiteral("OTHER.DBF")));
     EXPECT_EQ(nav->sDBFPathFileName(), connected);
     EXPECT_EQ(frameTitle(*nav), QStringLiteral("10 records"));

@@ -35,9 +35,11 @@ TEST_P(Find, EnterRunsExactlyOneFindAndKeepsTheText)
     pressEnter(*nav);
     // SetFindFromID tells the host first (it names no code path of its own, so the tag of
     // the last event stands), then the find itself.
-    EXPECT_EQ(events->texts(),
-              (QStringList{ QStringLiteral("IDChange(PLE0000007) [HScroll1_change] initiator"),
-                            QStringLiteral("IDChange(PLE0000007) [SetFindRS after SetFindFromID] initiator") }));
+    EXPECT_EQ(
+        events->texts(),
+        (QStringList{
+            QStringLiteral("IDChange(PLE0000007) [HScroll1_change] initiator"),
+            QStringLiteral("IDChange(PLE0000007) [SetFindRS after SetFindFromID] initiator") }));
     EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000007")); // SMITH of ATLANTA comes first
     EXPECT_EQ(nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"))->value(), 6);
     EXPECT_EQ(nav->nSearchList(), 1);
@@ -92,9 +94,9 @@ TEST_P(Find, TabPiecesQuotesAndPipesFindTheirRecords)
         const char *typed;
         const char *id;
     } cases[] = {
-        { "smith\td", "PLE0000009" },  // second piece against the second sort field
-        { "o'b", "PLE0000003" },      // a quote inside the literal
-        { "A|B", "PLE0000002" },      // a pipe, rebuilt as a character code
+        { "smith\td", "PLE0000009" }, // second piece against the second sort field
+        { "o'b", "PLE0000003" }, // a quote inside the literal
+        { "A|B", "PLE0000002" }, // a pipe, rebuilt as a character code
         { "  jones ", "PLE0000001" }, // blanks around are not part of the text
     };
     for (const auto &c : cases) {
@@ -112,9 +114,10 @@ TEST_P(Find, NothingFoundAndNoSortAreToldInTheirOwnWords)
     configure();
     nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"))->setValue(3);
     events->clear();
-    env.prompter.expectMsgBox(QStringLiteral("Nothing Found"),
-                              QStringLiteral("Search Name for 'zz'\r\n\r\nThe search did not find any records."), 64,
-                              MsgAnswer::OK);
+    env.prompter.expectMsgBox(
+        QStringLiteral("Nothing Found"),
+        QStringLiteral("Search Name for 'zz'\r\n\r\nThe search did not find any records."), 64,
+        MsgAnswer::OK);
     findBox(*nav)->setEditText(QStringLiteral(" zz"));
     pressEnter(*nav);
     EXPECT_EQ(env.prompter.pending(), 0);
@@ -126,15 +129,16 @@ TEST_P(Find, NothingFoundAndNoSortAreToldInTheirOwnWords)
     pressEnter(*nav);
     EXPECT_TRUE(events->events().isEmpty());
 
-    env.prompter.expectMsgBox(QStringLiteral("ID Error"), QStringLiteral("Error in ID from list: 7\r\n\r\n"), 0,
-                              MsgAnswer::OK);
+    env.prompter.expectMsgBox(QStringLiteral("ID Error"),
+                              QStringLiteral("Error in ID from list: 7\r\n\r\n"), 0, MsgAnswer::OK);
     EXPECT_EQ(nav->sIDfromList(7), QString());
 
     auto *sorts = nav->findChild<QComboBox *>(QStringLiteral("cboSort"));
     sorts->setCurrentIndex(-1);
-    env.prompter.expectMsgBox(QStringLiteral("No Sort Selected"),
-                              QStringLiteral("You cannot use the search function unless you have selected a Sort order."),
-                              0, MsgAnswer::OK);
+    env.prompter.expectMsgBox(
+        QStringLiteral("No Sort Selected"),
+        QStringLiteral("You cannot use the search function unless you have selected a Sort order."),
+        0, MsgAnswer::OK);
     findBox(*nav)->setEditText(QStringLiteral("SMITH"));
     pressEnter(*nav);
     EXPECT_EQ(env.prompter.pending(), 0);
@@ -176,7 +180,8 @@ TEST_P(Filters, TheFilterFileBesideTheTableFillsTheList)
     nav->InitFilters();
     auto *filters = nav->findChild<QComboBox *>(QStringLiteral("cboFilter"));
     EXPECT_EQ(items(filters),
-              (QStringList{ QStringLiteral("Boston only"), QStringLiteral("Smiths"), QStringLiteral(" [None]") }));
+              (QStringList{ QStringLiteral("Boston only"), QStringLiteral("Smiths"),
+                            QStringLiteral(" [None]") }));
     EXPECT_TRUE(events->events().isEmpty());
 }
 
@@ -184,7 +189,8 @@ TEST_P(Filters, WithoutAFilterFileOnlyNoneIsOffered)
 {
     configure();
     nav->InitFilters();
-    EXPECT_EQ(items(nav->findChild<QComboBox *>(QStringLiteral("cboFilter"))), QStringList{ QStringLiteral(" [None]") });
+    EXPECT_EQ(items(nav->findChild<QComboBox *>(QStringLiteral("cboFilter"))),
+              QStringList{ QStringLiteral(" [None]") });
 }
 
 TEST_P(Filters, ChoosingReportsAndTheHostsAnswerRequeries)
@@ -203,16 +209,21 @@ TEST_P(Filters, ChoosingReportsAndTheHostsAnswerRequeries)
             nav->SetSQLFilterAndWhere(filter, QStringLiteral("WHERE T.CITY = 'BOSTON'"), true);
     });
     filters->setCurrentIndex(0);
-    EXPECT_EQ(events->texts(), QStringList{ QStringLiteral("FilterChange(Boston only) [cboFilter_click] initiator") });
-    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(), QStringLiteral("2 records"));
+    EXPECT_EQ(
+        events->texts(),
+        QStringList{ QStringLiteral("FilterChange(Boston only) [cboFilter_click] initiator") });
+    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(),
+              QStringLiteral("2 records"));
     EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000008")); // kept: still in the result
     EXPECT_EQ(nav->sSQLWhere(), QStringLiteral("WHERE T.CITY = 'BOSTON'"));
     EXPECT_EQ(filters->currentText(), QStringLiteral("Boston only"));
 
     events->clear();
     filters->setCurrentIndex(2);
-    EXPECT_EQ(events->texts(), QStringList{ QStringLiteral("FilterChange( [None]) [cboFilter_click] initiator") });
-    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(), QStringLiteral("10 records"));
+    EXPECT_EQ(events->texts(),
+              QStringList{ QStringLiteral("FilterChange( [None]) [cboFilter_click] initiator") });
+    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(),
+              QStringLiteral("10 records"));
     EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000008"));
 }
 
@@ -220,14 +231,18 @@ TEST_P(Filters, AFilterThatDropsTheRecordMovesToTheFirstAndWithoutRefreshNothing
 {
     configure();
     nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"))->setValue(3); // JONES of AUSTIN
-    nav->SetSQLFilterAndWhere(QStringLiteral("Boston only"), QStringLiteral("WHERE T.CITY = 'BOSTON'"), false);
-    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(), QStringLiteral("10 records"));
+    nav->SetSQLFilterAndWhere(QStringLiteral("Boston only"),
+                              QStringLiteral("WHERE T.CITY = 'BOSTON'"), false);
+    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(),
+              QStringLiteral("10 records"));
     EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000001"));
     nav->RSRefresh();
-    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(), QStringLiteral("2 records"));
+    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(),
+              QStringLiteral("2 records"));
     nav->SetSQLFilterAndWhere(QString(), QStringLiteral("WHERE T.NAME LIKE 'SMITH*'"), true);
     EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000007")); // BROWN is gone: the first
-    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(), QStringLiteral("2 records"));
+    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(),
+              QStringLiteral("2 records"));
     EXPECT_TRUE(events->names().filter(QStringLiteral("FilterChange")).isEmpty());
 
     // The filter button asks the host to edit the filters.

@@ -9,19 +9,21 @@ namespace plx::test {
 
 QString SeenEvent::text() const
 {
-    return name + QLatin1Char('(') + argument + QStringLiteral(") [") + eventInfo + QStringLiteral("] ")
-        + (initiator ? QStringLiteral("initiator") : QStringLiteral("-"));
+    return name + QLatin1Char('(') + argument + QStringLiteral(") [") + eventInfo
+        + QStringLiteral("] ") + (initiator ? QStringLiteral("initiator") : QStringLiteral("-"));
 }
 
 EventRecorder::EventRecorder(mvPLXRecs *nav) : m_nav(nav)
 {
     auto one = [this](const char *name) {
-        return [this, name](const QString &argument) { record(QString::fromLatin1(name), argument); };
+        return
+            [this, name](const QString &argument) { record(QString::fromLatin1(name), argument); };
     };
     QObject::connect(nav, &mvPLXRecs::IDChange, one("IDChange"));
     QObject::connect(nav, &mvPLXRecs::RecEditStart, one("RecEditStart"));
     QObject::connect(nav, &mvPLXRecs::RecEditEnd, one("RecEditEnd"));
-    QObject::connect(nav, &mvPLXRecs::RecNew, [this] { record(QStringLiteral("RecNew"), QString()); });
+    QObject::connect(nav, &mvPLXRecs::RecNew,
+                     [this] { record(QStringLiteral("RecNew"), QString()); });
     QObject::connect(nav, &mvPLXRecs::RecAdded, one("RecAdded"));
     QObject::connect(nav, &mvPLXRecs::RecCopy, one("RecCopy"));
     QObject::connect(nav, &mvPLXRecs::RecCopied, one("RecCopied"));
@@ -30,7 +32,8 @@ EventRecorder::EventRecorder(mvPLXRecs *nav) : m_nav(nav)
     QObject::connect(nav, &mvPLXRecs::RecCancel, one("RecCancel"));
     QObject::connect(nav, &mvPLXRecs::SortChange, one("SortChange"));
     QObject::connect(nav, &mvPLXRecs::FilterChange, one("FilterChange"));
-    QObject::connect(nav, &mvPLXRecs::FilterEdit, [this] { record(QStringLiteral("FilterEdit"), QString()); });
+    QObject::connect(nav, &mvPLXRecs::FilterEdit,
+                     [this] { record(QStringLiteral("FilterEdit"), QString()); });
 }
 
 void EventRecorder::record(const QString &name, const QString &argument)
@@ -67,15 +70,15 @@ testing::TableDef facilityTable()
     };
     // File order differs from every sort order on purpose.
     const char *rows[][3] = {
-        { "PLE0000005", "SMYTHE", "BOSTON" },     { "PLE0000001", "JONES", "AUSTIN" },
-        { "PLE0000009", "SMITH", "DENVER" },      { "PLE0000003", "O'BRIEN", "CHICAGO" },
-        { "PLE0000007", "SMITH", "ATLANTA" },     { "PLE0000002", "A|B PARTNERS", "ELGIN" },
-        { "PLE0000008", "BROWN", "BOSTON" },      { "PLE0000004", "SNOW", "FARGO" },
-        { "PLE0000006", "ADAMS", "GARY" },        { "PLE0000010", "SMALLWOOD", "HOUSTON" },
+        { "PLE0000005", "SMYTHE", "BOSTON" }, { "PLE0000001", "JONES", "AUSTIN" },
+        { "PLE0000009", "SMITH", "DENVER" },  { "PLE0000003", "O'BRIEN", "CHICAGO" },
+        { "PLE0000007", "SMITH", "ATLANTA" }, { "PLE0000002", "A|B PARTNERS", "ELGIN" },
+        { "PLE0000008", "BROWN", "BOSTON" },  { "PLE0000004", "SNOW", "FARGO" },
+        { "PLE0000006", "ADAMS", "GARY" },    { "PLE0000010", "SMALLWOOD", "HOUSTON" },
     };
     for (const auto &r : rows)
-        t.rows.append({ QString::fromLatin1(r[0]), QString::fromLatin1(r[1]), QString::fromLatin1(r[2]), QVariant(),
-                        QVariant() });
+        t.rows.append({ QString::fromLatin1(r[0]), QString::fromLatin1(r[1]),
+                        QString::fromLatin1(r[2]), QVariant(), QVariant() });
     return t;
 }
 
@@ -98,7 +101,8 @@ void NavigatorTest::TearDown()
 
 QString NavigatorTest::tablePath() const
 {
-    return isFoxPro() ? dir.filePath(QStringLiteral("T.DBF")) : dir.filePath(QStringLiteral("contract.sqlite"));
+    return isFoxPro() ? dir.filePath(QStringLiteral("T.DBF"))
+                      : dir.filePath(QStringLiteral("contract.sqlite"));
 }
 
 void NavigatorTest::attach()
@@ -110,7 +114,8 @@ void NavigatorTest::attach()
     Result<std::unique_ptr<Database>> db = backEnd->open(dir.path());
     ASSERT_TRUE(db.isOk()) << db.status().message().toStdString();
     std::shared_ptr<Database> shared(std::move(db.value()));
-    Result<std::unique_ptr<RecordSource>> rs = shared->OpenRecordset(QStringLiteral("SELECT * from T"));
+    Result<std::unique_ptr<RecordSource>> rs =
+        shared->OpenRecordset(QStringLiteral("SELECT * from T"));
     ASSERT_TRUE(rs.isOk());
     nav->setDatabase(shared, QStringLiteral("T"), tablePath());
     nav->setRs(std::shared_ptr<RecordSource>(std::move(rs.value())));

@@ -1,0 +1,223 @@
+// navigator/mvplxrecs_ids.cpp: record IDs for new records. The last key handed out for a
+// table lives in a one-line key file beside it; every navigator, in any process, reads,
+// advances and writes it under one lock, and checks each candidate against the table as
+// it is on disk, so no two records ever get the same ID.
+#include "navigator/mvplxrecs.h"
+
+#include "navigator/recordid_p.h"
+#include "services/activitylog.h"
+#include "services/paths.h"
+#include "services/recordsource/database.h"
+#include "services/recordsource/filelock.h"
+#include "services/texthelpers.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+namespace plx {
+
+namespace {
+
+const QString kCrLf = QStringLiteral("\r\n");
+// How long NewIDPLX waits for another navigator that is making an ID for the same table.
+constexpr int kKeyLockWaitMs = 10000;
+
+QString readKeyLine(const QString &diskPath)
+{
+    QFile file(diskPath);
+    if (!file.open(QIODevice::ReadOnly))
+        return QString();
+    return QString::fromLatin1(file.readLine()).remove(QLatin1Char('\r')).remove(QLatin1Char('\n'));
+}
+
+// Replaces the key file's line in one step: readers see the old line or the new one.
+bool writeKeyLine(const QString &diskPath, const QString &line)
+{
+    QSaveFile file(diskPath);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    file.write(line.toLatin1() + "\r\n");
+    return file.commit();
+}
+
+} // namespace
+
+QString mvPLXRecs::tableFilePath() const
+{
+    if (getLenTrim(m_sDBFPathFileName) >= 1)
+        return fromDiskPath(m_sDBFPathFileName);
+    // A table of a SQLite database: named after the table, in the database's folder.
+    if (getLenTrim(m_dataPath) >= 1 && getLenTrim(m_table) >= 1)
+        return setPathName(getFileDir(fromDiskPath(m_dataPath)), m_table, false);
+    return QString();
+}
+
+QString mvPLXRecs::keyFilePath() const
+{
+    const QString table = tableFilePath();
+    return table.isEmpty()
+        ? QString()
+        : toDiskPath(getPathNoExt(table) + QStringLiteral("_IDLast7") + QStringLiteral(".TXT"));
+}
+
+QString mvPLXRecs::holdersPath() const
+{
+    const QString table = tableFilePath();
+    return table.isEmpty() ? QString()
+                           : toDiskPath(getPathNoExt(table) + QStringLiteral("_Holders"));
+}
+
+void mvPLXRecs::logLines(const QStringList &lines)
+{
+    logEntry(m_sUser, lines.join(kCrLf), m_services);
+}
+
+QString mvPLXRecs::highestKeyInTable(const QString &query, bool *ok)
+{
+    *ok = false;
+    std::shared_ptr<Database> db = m_db;
+    if (getLenTrim(m_sDBFPathFileName) >= 1) {
+        // The table's folder opened afresh, so the highest ID is read from the file as it
+        // is now, whatever this navigator's own database has cached.
+        Result<std::unique_ptr<Database>> opened =
+            OpenDatabase(toDiskPath(getFileDir(getShortName(fromDiskPath(m_sDBFPathFileName)))),
+                         false, false, QStringLiteral("FoxPro 2.6"));
+        if (!opened.isOk())
+            return QString();
+        db = std::move(opened.value());
+    }
+    if (!db)
+        return QString();
+    Result<std::unique_ptr<RecordSource>> rs = db->OpenRecordset(query);
+    if (!rs.isOk())
+        return QString();
+    *ok = true;
+    if (rs.value()->isEOF())
+        return QString();
+    const Result<QVariant> id = rs.value()->value(m_sIDfield);
+    return id.isOk() ? rtrimSpaces(id.value().toString()).right(7) : QString();
+}
+
+bool mvPLXRecs::idTaken(const QString &criterion)
+{
+    // The navigator's own record source first, as it stands.
+    const qint32 position = m_rs ? m_rs->AbsolutePosition() : -1;
+    if (m_rs) {
+        const Status found = m_rs->FindFirst(criterion);
+        const bool match = found.isOk() && !m_rs->NoMatch();
+        if (match) {
+            const Result<QVariant> desc = m_rs->value(m_sDescfield);
+            m_takenDesc = desc.isOk() ? desc.value().toString() : QString();
+        }
+        if (position >= 0)
+            (void)m_rs->setAbsolutePosition(position);
+        if (match)
+            return true;
+    }
+    // Then the table as it is on disk: another user may have added the ID since this
+    // navigator's query ran.
+    if (m_db) {
+        Result<std::unique_ptr<RecordSource>> fresh = m_db->OpenRecordset(
+            QStringLiteral("SELECT * from ") + m_table + QStringLiteral(" WHERE ") + criterion);
+        if (fresh.isOk() && !fresh.value()->isEOF()) {
+            const Result<QVariant> desc = fresh.value()->value(m_sDescfield);
+            m_takenDesc = desc.isOk() ? desc.value().toString() : QString();
+            return true;
+        }
+    }
+    return false;
+}
+
+QString mvPLXRecs::NewIDPLX()
+{
+    const QString keyFile = keyFilePath();
+    if (keyFile.isEmpty() || getLenTrim(m_sIDfield) < 1)
+        return QString();
+    const QString query = QStringLiteral("Select * from ") + getFileTitle(tableFilePath())
+        + QStringLiteral(" WHERE  Left([") + m_sIDfield + QStringLiteral("],3) = 'PLE'")
+        + QStringLiteral(" Order By ") + m_sIDfield + QStringLiteral(" DESC");
+
+    // One navigator at a time makes an ID for this table, in every process.
+    Result<std::unique_ptr<LockFile>> lock = LockFile::open(keyFile + QStringLiteral(".lock"));
+    if (!lock.isOk() || !lock.value()->lock(0, 1, LockKind::Exclusive, kKeyLockWaitMs).isOk()) {
+        logLines(
+            { QStringLiteral("New ID for ") + m_sDesc + QStringLiteral(": the key file is in use"),
+              QStringLiteral("From ") + keyFile });
+        return QString();
+    }
+
+    auto rebuild = [&]() {
+        bool ok = false;
+        QString key = highestKeyInTable(query, &ok);
+        // An empty table starts its keys at zero, so the first ID ends in 0000001.
+        if (ok && key.size() != 7)
+            key = QStringLiteral("0000000");
+        const QString code = keyToASC(key);
+        writeKeyLine(keyFile, code);
+        logLines({ QStringLiteral("New Key Text File for ") + m_sDesc,
+                   QStringLiteral("SQL:  ") + query,
+                   QStringLiteral("Last ID Key (last 7):  ") + key,
+                   QStringLiteral("Last ID ASC (last 7):  ") + code });
+    };
+    if (!getFileExistLEN(keyFile, false))
+        rebuild();
+
+    const int lFlag = 0;
+    QString code = readKeyLine(keyFile);
+    if (getLenTrim(code) != 21) {
+        const QStringList lines{ QStringLiteral("Unexpected results for Last ID in ") + m_sDesc,
+                                 QStringLiteral("SQL: ") + query,
+                                 QStringLiteral("New ID KEY ") + ascToKey(code, 3),
+                                 QStringLiteral("New ID ASC ") + code,
+                                 QStringLiteral("FindFirst ") + QString(),
+                                 QStringLiteral("lFlag ") + QString::number(lFlag) };
+        showBox(lines.join(kCrLf), MsgStyle::Information, QStringLiteral("Record ID Error"));
+        logLines(QStringList(lines) << QStringLiteral("Len_Trim(sLastIDasc) <> 21"));
+        // The table itself knows its highest key: start again from there.
+        rebuild();
+        code = readKeyLine(keyFile);
+        if (getLenTrim(code) != 21)
+            return QString();
+    }
+
+    const QString lastID = m_sParentID + ascToKey(code, 3);
+    auto logStep = [this](const QString &line) { logLines({ line }); };
+    QString candidate = PLXIDIncrement(lastID, logStep);
+    QString candidateCode = keyToASC(candidate);
+    logLines({ QStringLiteral("ParentID ") + m_sParentID, QStringLiteral("LastID   ") + lastID,
+               QStringLiteral("New ID   ") + candidate, QStringLiteral("From ") + keyFile });
+
+    for (int attempts = 0;; ++attempts) {
+        const QString criterion = m_sIDfield + QStringLiteral(" = ") + strToASC(candidate);
+        if (!idTaken(criterion)) {
+            if (!writeKeyLine(keyFile, candidateCode.right(21))) {
+                logLines({ QStringLiteral("New ID for ") + m_sDesc
+                               + QStringLiteral(": cannot write the key file"),
+                           QStringLiteral("From ") + keyFile });
+                return QString();
+            }
+            return candidate;
+        }
+        if (attempts >= 10) {
+            const QStringList lines{ QStringLiteral("Duplicate ID Error in mvPLXRecs.NewIDPLX"),
+                                     QStringLiteral("Desc Field: ") + m_takenDesc,
+                                     QStringLiteral("Cannot create new record."),
+                                     QStringLiteral("SQL:  ") + query,
+                                     QStringLiteral("New ID KEY:  ") + candidate,
+                                     QStringLiteral("New ID ASC:  ") + candidateCode,
+                                     QStringLiteral("FindFirst:  ") + criterion,
+                                     QStringLiteral("lFlag:  ") + QString::number(lFlag),
+                                     QStringLiteral("Unsuccessful after ")
+                                         + QString::number(attempts)
+                                         + QStringLiteral(" attempts") };
+            logLines(lines);
+            showBox(lines.join(kCrLf), MsgStyle::Critical,
+                    QStringLiteral("Error on New Record ID"));
+            return QString();
+        }
+        candidate = PLXIDIncrement(candidate, logStep);
+        candidateCode = keyToASC(candidate);
+    }
+}
+
+} // namespace plx

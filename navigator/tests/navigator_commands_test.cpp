@@ -1,0 +1,415 @@
+// navigator/tests/navigator_commands_test.cpp: the record commands end to end through the
+// toolbar, with a real field stack, on SQLite and on a FoxPro table file; the table on
+// disk is read back through a database opened afresh.
+#include "navigator/tests/navigatorfixture.h"
+
+#include "fields/mvname.h"
+#include "navigator/recordid_p.h"
+#include "services/cp1252.h"
+#include "services/recordsource/recordsource.h"
+#include "services/texthelpers.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QFile>
+#include <QGroupBox>
+#include <QScrollBar>
+#include <QSysInfo>
+#include <QTest>
+#include <QToolBar>
+
+namespace plx::test {
+namespace {
+
+// A host form that validates saves.
+class HostForm : public QObject
+{
+    Q_OBJECT
+
+public:
+    bool allow = true;
+    QList<qint16> asked;
+    Q_INVOKABLE bool OKtoSave(qint16 level)
+    {
+        asked << level;
+        return allow;
+    }
+};
+
+// Answers OK to everything and keeps what it was shown, for texts that name this machine.
+class RecordingPrompter : public Prompter
+{
+public:
+    QStringList titles, texts;
+    MsgAnswer msgBox(const QString &prompt, int, const QString &title) override
+    {
+        titles << title;
+        texts << prompt;
+        return MsgAnswer::OK;
+    }
+    std::optional<QString> inputBox(const QString &, const QString &, const QString &) override
+    {
+        return std::nullopt;
+    }
+};
+
+class Commands : public NavigatorTest
+{
+protected:
+    void SetUp() override
+    {
+        NavigatorTest::SetUp();
+        qputenv("PLX_HARROWBY_DIR", dir.filePath(QStringLiteral("inst")).toUtf8());
+        QDir().mkpath(dir.filePath(QStringLiteral("inst")));
+        fields = std::make_unique<mvName>();
+        fields->setObjectName(QStringLiteral("mvNameMain"));
+        fields->setNUbound(2);
+        const char *names[] = { "NAME", "CITY", "ID" };
+        for (qint16 i = 0; i <= 2; ++i) {
+            fields->setSCaption(i, QString::fromLatin1(names[i]));
+            fields->setSFieldName(i, QString::fromLatin1(names[i]));
+        }
+        nav->setSUser(QStringLiteral("ANN"));
+        nav->setFParent(&host);
+        nav->setMyLevel(2);
+    }
+    void TearDown() override
+    {
+        fields.reset();
+        NavigatorTest::TearDown();
+        qunsetenv("PLX_HARROWBY_DIR");
+    }
+
+    // The host's part: field controls registered, and shown on every IDChange.
+    void configureWithFields()
+    {
+        configure();
+        nav->setCMervaneControls({ fields.get() });
+        QObject::connect(nav.get(), &mvPLXRecs::IDChange, fields.get(),
+                         [this] { fields->UpdateDBF(); });
+        fields->setLocked(true);
+        fields->UpdateDBF();
+    }
+
+    // One record of T read from the files through a database opened now.
+    QMap<QString, QString> onDisk(const QString &id)
+    {
+        Result<std::unique_ptr<Database>> db = backEnd->open(dir.path());
+        EXPECT_TRUE(db.isOk());
+        if (!db.isOk())
+            return {};
+        Result<std::unique_ptr<RecordSource>> rs =
+            db.value()->OpenRecordset(QStringLiteral("SELECT * from T WHERE ID = ") + strToASC(id));
+        EXPECT_TRUE(rs.isOk());
+        QMap<QString, QString> row;
+        if (!rs.isOk() || rs.value()->isEOF())
+            return row;
+        for (const FieldInfo &f : rs.value()->fieldInfos())
+            row[f.name] = rs.value()->value(f.name).value().toString().trimmed();
+        return row;
+    }
+
+    qint32 countOnDisk()
+    {
+        Result<std::unique_ptr<Database>> db = backEnd->open(dir.path());
+        Result<std::unique_ptr<RecordSource>> rs =
+            db.value()->OpenRecordset(QStringLiteral("SELECT * from T"));
+        (void)rs.value()->MoveLast();
+        return rs.value()->RecordCount();
+    }
+
+    void find(const QString &text)
+    {
+        auto *box = nav->findChild<QComboBox *>(QStringLiteral("cboFind"));
+        box->setEditText(text);
+        QTest::keyClick(box, Qt::Key_Return);
+        events->clear();
+    }
+
+    QString stamp() const { return QStringLiteral("01/05/2024 09:30:07 ANN"); }
+
+    HostForm host;
+    std::unique_ptr<mvName> fields;
+};
+
+TEST_P(Commands, ATypicalEditEndToEnd)
+{
+    configureWithFields();
+    find(QStringLiteral("SMI"));
+    EXPECT_EQ(fields->sValue(1), QStringLiteral("ATLANTA"));
+    EXPECT_TRUE(fields->Locked());
+
+    QStringList lockedAtEvent;
+    QObject::connect(nav.get(), &mvPLXRecs::RecEditStart,
+                     [&] { lockedAtEvent << QString::number(fields->Locked()); });
+    QObject::connect(nav.get(), &mvPLXRecs::RecEditEnd,
+                     [&] { lockedAtEvent << QString::number(fields->Locked()); });
+    nav->ClickButton(QStringLiteral("EDIT"));
+    EXPECT_EQ(events->texts(),
+              QStringList{ QStringLiteral("RecEditStart(PLE0000007) [ButtonClick: edit] -") });
+    EXPECT_FALSE(fields->Locked());
+    EXPECT_FALSE(nav->bButtonEnable(QStringLiteral("EDIT")));
+    EXPECT_FALSE(nav->bButtonEnable(QStringLiteral("NEW")));
+    EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("SAVE")));
+    EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("CANCEL")));
+    EXPECT_FALSE(nav->findChild<QComboBox *>(QStringLiteral("cboSort"))->isEnabled());
+    EXPECT_FALSE(nav->findChild<QComboBox *>(QStringLiteral("cboFind"))->isEnabled());
+
+    events->clear();
+    fields->setSValue(1, QStringLiteral("ATHENS"));
+    nav->ClickButton(QStringLiteral("SAVE"));
+    EXPECT_EQ(host.asked, QList<qint16>{ 2 });
+    EXPECT_EQ(
+        events->texts(),
+        (QStringList{ QStringLiteral("RecSave(PLE0000007) [ButtonClick: Save (RecSave)] -"),
+                      QStringLiteral("RecEditEnd(PLE0000007) [ButtonClick: Save (EditEnd)] -") }));
+    EXPECT_EQ(lockedAtEvent, (QStringList{ QStringLiteral("0"), QStringLiteral("1") }));
+    EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("EDIT")));
+    EXPECT_FALSE(nav->bButtonEnable(QStringLiteral("SAVE")));
+    EXPECT_TRUE(nav->findChild<QComboBox *>(QStringLiteral("cboSort"))->isEnabled());
+    const QMap<QString, QString> saved = onDisk(QStringLiteral("PLE0000007"));
+    EXPECT_EQ(saved.value(QStringLiteral("CITY")), QStringLiteral("ATHENS"));
+    EXPECT_EQ(saved.value(QStringLiteral("NAME")), QStringLiteral("SMITH"));
+    EXPECT_EQ(saved.value(QStringLiteral("PLLASTREV")), stamp());
+    // The navigator re-read the record: still current, showing what was saved.
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000007"));
+    EXPECT_EQ(nav->rs()->value(QStringLiteral("CITY")).value().toString().trimmed(),
+              QStringLiteral("ATHENS"));
+    EXPECT_EQ(env.prompter.shown().size(), 0);
+}
+
+TEST_P(Commands, SaveRefusedByTheParentOrWithoutParentSaysSo)
+{
+    configureWithFields();
+    find(QStringLiteral("JONES"));
+    nav->ClickButton(QStringLiteral("EDIT"));
+    host.allow = false;
+    env.prompter.expectMsgBox(QStringLiteral("Record Not Saved"),
+                              QStringLiteral("'Facilities' record has NOT been saved."), 16,
+                              MsgAnswer::OK);
+    events->clear();
+    nav->ClickButton(QStringLiteral("SAVE"));
+    EXPECT_TRUE(events->events().isEmpty());
+    EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("SAVE"))); // still editing
+
+    nav->setFParent(nullptr);
+    env.prompter.expectMsgBox(
+        QStringLiteral("Saving without Validation"),
+        QStringLiteral(
+            "Parent record for 'Facilities' has not been set, so validation cannot be performed."),
+        64, MsgAnswer::OK);
+    nav->ClickButton(QStringLiteral("SAVE"));
+    EXPECT_EQ(events->names(),
+              (QStringList{ QStringLiteral("RecSave"), QStringLiteral("RecEditEnd") }));
+    EXPECT_EQ(env.prompter.pending(), 0);
+}
+
+TEST_P(Commands, NewCreatesTheRecordFirstAndCancelOffersToDeleteIt)
+{
+    configureWithFields();
+    nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"))->setValue(3); // JONES
+    events->clear();
+    nav->ClickButton(QStringLiteral("New"));
+    EXPECT_EQ(events->texts(),
+              (QStringList{ QStringLiteral("RecNew() [ButtonClick: New (RecNew)] initiator"),
+                            QStringLiteral("RecEditStart(PLE0000011) [ButtonClick: edit] -") }));
+    // On disk before any typing, with its ID and both stamps.
+    QMap<QString, QString> created = onDisk(QStringLiteral("PLE0000011"));
+    EXPECT_EQ(created.value(QStringLiteral("PLSTART")), stamp());
+    EXPECT_EQ(created.value(QStringLiteral("PLLASTREV")), stamp());
+    // The key file beside the table was rebuilt from the table and now holds the new key.
+    QFile key(nav->keyFilePath());
+    ASSERT_TRUE(key.open(QIODevice::ReadOnly));
+    EXPECT_EQ(key.readAll(), QByteArray("048048048048048049049\r\n"));
+    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(),
+              QStringLiteral("11 records"));
+
+    events->clear();
+    env.prompter.expectMsgBox(QStringLiteral("Delete?"), QStringLiteral("Delete the New record?"),
+                              260, MsgAnswer::Yes);
+    nav->ClickButton(QStringLiteral("CANCEL"));
+    EXPECT_EQ(events->texts(),
+              (QStringList{
+                  QStringLiteral("RecCancel(PLE0000011) [ButtonClick: Cancel (RecCancel)] -"),
+                  QStringLiteral("RecEditEnd(PLE0000011) [ButtonClick: Cancel (RecEditEnd)] -"),
+                  QStringLiteral("RecDelete(PLE0000011) [ButtonClick: Cancel (RecDelete)] -") }));
+    EXPECT_TRUE(onDisk(QStringLiteral("PLE0000011")).isEmpty());
+    EXPECT_EQ(countOnDisk(), 10);
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000001")); // back where NEW was pressed
+    EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("NEW")));
+}
+
+TEST_P(Commands, ANewRecordKeptOnCancelIsStillAddedWhenSaved)
+{
+    configureWithFields();
+    nav->ClickButton(QStringLiteral("NEW"));
+    fields->setSValue(0, QStringLiteral("NEWCO"));
+    env.prompter.expectMsgBox(QStringLiteral("Delete?"), QStringLiteral("Delete the New record?"),
+                              260, MsgAnswer::No);
+    nav->ClickButton(QStringLiteral("CANCEL"));
+    EXPECT_EQ(onDisk(QStringLiteral("PLE0000011")).value(QStringLiteral("NAME")),
+              QString()); // cancelled typing
+    events->clear();
+    nav->ClickButton(QStringLiteral("EDIT"));
+    fields->setSValue(0, QStringLiteral("NEWCO"));
+    nav->ClickButton(QStringLiteral("SAVE"));
+    EXPECT_EQ(
+        events->texts(),
+        (QStringList{ QStringLiteral("RecEditStart(PLE0000011) [ButtonClick: edit] -"),
+                      QStringLiteral("RecSave(PLE0000011) [ButtonClick: Save (RecSave)] -"),
+                      QStringLiteral("RecEditEnd(PLE0000011) [ButtonClick: Save (EditEnd)] -"),
+                      QStringLiteral("RecAdded(PLE0000011) [ButtonClick: Save (RecAdded)] -"),
+                      QStringLiteral("IDChange(PLE0000011) [ButtonClick: Save (IDChange)] -") }));
+    EXPECT_EQ(onDisk(QStringLiteral("PLE0000011")).value(QStringLiteral("NAME")),
+              QStringLiteral("NEWCO"));
+    // Re-read in its place in the name order.
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000011"));
+    EXPECT_EQ(nav->rs()->AbsolutePosition(), 4);
+}
+
+TEST_P(Commands, CopyCopiesEveryFieldUnderANewIDAndStamps)
+{
+    configureWithFields();
+    find(QStringLiteral("O'B"));
+    nav->ClickButton(QStringLiteral("COPY"));
+    EXPECT_EQ(
+        events->texts(),
+        (QStringList{ QStringLiteral("RecCopy(PLE0000011) [ButtonClick: Copy (RecCopy)] initiator"),
+                      QStringLiteral("RecEditStart(PLE0000011) [ButtonClick: edit] -") }));
+    const QMap<QString, QString> copy = onDisk(QStringLiteral("PLE0000011"));
+    EXPECT_EQ(copy.value(QStringLiteral("NAME")), QStringLiteral("O'BRIEN"));
+    EXPECT_EQ(copy.value(QStringLiteral("CITY")), QStringLiteral("CHICAGO"));
+    EXPECT_EQ(copy.value(QStringLiteral("PLSTART")), stamp());
+    EXPECT_EQ(onDisk(QStringLiteral("PLE0000003")).value(QStringLiteral("NAME")),
+              QStringLiteral("O'BRIEN"));
+}
+
+TEST_P(Commands, DeleteAsksTwiceAndOnlyYesTwiceDeletes)
+{
+    configureWithFields();
+    find(QStringLiteral("SNOW"));
+    const QString first = QStringLiteral("Are you sure you want to delete this record?\r\nSNOW");
+    const QString second = QStringLiteral("Are you sure you want to delete this record?");
+    env.prompter.expectMsgBox(QStringLiteral("Delete Record?"), first, 260, MsgAnswer::Yes);
+    env.prompter.expectMsgBox(QStringLiteral("Are you sure?"), second, 260, MsgAnswer::No);
+    nav->ClickButton(QStringLiteral("DELETE"));
+    env.prompter.expectMsgBox(QStringLiteral("Delete Record?"), first, 260, MsgAnswer::No);
+    nav->ClickButton(QStringLiteral("DELETE"));
+    EXPECT_TRUE(events->events().isEmpty());
+    EXPECT_EQ(countOnDisk(), 10);
+
+    env.prompter.expectMsgBox(QStringLiteral("Delete Record?"), first, 260, MsgAnswer::Yes);
+    env.prompter.expectMsgBox(QStringLiteral("Are you sure?"), second, 260, MsgAnswer::Yes);
+    nav->ClickButton(QStringLiteral("DELETE"));
+    EXPECT_EQ(events->texts(),
+              QStringList{ QStringLiteral(
+                  "RecDelete(PLE0000004) [ButtonClick: Delete (RecDelete)] initiator") });
+    EXPECT_EQ(countOnDisk(), 9);
+    EXPECT_TRUE(onDisk(QStringLiteral("PLE0000004")).isEmpty());
+}
+
+TEST_P(Commands, NoCurrentRecordAndBlankIDAreRefusedWithTheirBoxes)
+{
+    configureWithFields();
+    nav->SetSQLFilterAndWhere(QStringLiteral("none"), QStringLiteral("WHERE T.CITY = 'NOWHERE'"),
+                              true);
+    env.prompter.expectMsgBox(
+        QStringLiteral("No Current Record"),
+        QStringLiteral("This Edit function is only valid for an existing record\r\n\r\n"
+                       "You can create a record with the 'New' button\r\n"
+                       "or you can use the pulldown list to find an existing record."),
+        64, MsgAnswer::OK);
+    nav->ClickButton(QStringLiteral("edit"));
+    EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("NEW")));
+
+    nav->SetSQLFilterAndWhere(QString(), QString(), true);
+    find(QStringLiteral("ADAMS"));
+    nav->ClickButton(QStringLiteral("EDIT"));
+    fields->setSValue(2, QString()); // the ID row emptied
+    env.prompter.expectMsgBox(QStringLiteral("Blank ID"),
+                              QStringLiteral("The ID field for this record is blank.\r\n\r\n"
+                                             "Blank ID records cannot be saved.\r\n"
+                                             "Parent ID is: PLE (080076069)\r\n\r\n"
+                                             "'Facilities' record has NOT been saved."),
+                              16, MsgAnswer::OK);
+    fields->EditUpdate();
+    QAction *save = nullptr;
+    for (QAction *a : nav->findChild<QToolBar *>(QStringLiteral("tbrBtm"))->actions())
+        if (a->objectName() == QLatin1String("SAVE"))
+            save = a;
+    ASSERT_NE(save, nullptr);
+    events->clear();
+    save->trigger();
+    EXPECT_TRUE(events->events().isEmpty());
+    EXPECT_EQ(env.prompter.pending(), 0);
+    QFile log(dir.filePath(QStringLiteral("inst/PLXLogFile.TXT")));
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    EXPECT_EQ(QString::fromLatin1(log.readAll())
+                  .count(QStringLiteral("Blank ID records cannot be saved.")),
+              1);
+}
+
+TEST_P(Commands, ASecondNavigatorOnTheRecordIsDeniedAndToldWhoHoldsIt)
+{
+    configureWithFields();
+    find(QStringLiteral("BROWN"));
+    nav->ClickButton(QStringLiteral("EDIT"));
+
+    RecordingPrompter boxes;
+    FakeClock clock;
+    Services otherServices{ &boxes, &clock, nullptr };
+    mvPLXRecs other;
+    other.setServices(&otherServices);
+    other.setSIDfield(QStringLiteral("ID"));
+    other.AddSort(QStringLiteral("ID"), QStringLiteral("ID"));
+    if (isFoxPro()) {
+        other.setSDBFPathFileName(tablePath());
+    } else {
+        Result<std::unique_ptr<Database>> db = backEnd->open(dir.path());
+        std::shared_ptr<Database> shared(std::move(db.value()));
+        other.setDatabase(shared, QStringLiteral("T"), tablePath());
+        other.setRs(std::shared_ptr<RecordSource>(
+            shared->OpenRecordset(QStringLiteral("SELECT * from T")).value().release()));
+    }
+    ASSERT_EQ(other.InitControl(), QString());
+    other.SetFindFromID(QStringLiteral("PLE0000008"));
+    other.ClickButton(QStringLiteral("EDIT"));
+    ASSERT_EQ(boxes.titles, QStringList{ QStringLiteral("Access Denied") });
+    const QString text = boxes.texts.first();
+    EXPECT_TRUE(text.startsWith(
+        QStringLiteral("This record is locked.  \r\nPlease try again later\r\n\r\n")))
+        << text.toStdString();
+    EXPECT_TRUE(text.endsWith(QStringLiteral(" since 01/05/2024 09:30:07"))) << text.toStdString();
+    EXPECT_TRUE(text.contains(QStringLiteral("\r\nHeld by ANN on ") + QSysInfo::machineHostName()))
+        << text.toStdString();
+    EXPECT_TRUE(other.bButtonEnable(QStringLiteral("EDIT"))); // nothing changed
+
+    // Once the first navigator saves, the record is free again.
+    nav->ClickButton(QStringLiteral("SAVE"));
+    other.ClickButton(QStringLiteral("EDIT"));
+    EXPECT_EQ(boxes.titles.size(), 1);
+    EXPECT_TRUE(other.bButtonEnable(QStringLiteral("SAVE")));
+}
+
+INSTANTIATE_TEST_SUITE_P(BackEnds, Commands, ::testing::Values("SQLite", "FoxPro"), backEndName);
+
+TEST(RecordIDs, TheOdometerWrapsPast255SkipsTheBlankAndReportsACarryIntoThePrefix)
+{
+    QStringList logged;
+    auto log = [&logged](const QString &line) { logged << line; };
+    const QChar c255 = cp1252::toUnicode(255);
+    EXPECT_EQ(PLXIDIncrement(QStringLiteral("PLE0000009"), log), QStringLiteral("PLE000000:"));
+    EXPECT_EQ(PLXIDIncrement(QStringLiteral("PLE000000") + c255, log),
+              QStringLiteral("PLE000001") + QChar(1));
+    EXPECT_EQ(PLXIDIncrement(QStringLiteral("PLE000000") + QChar(31), log),
+              QStringLiteral("PLE000000!"));
+    EXPECT_TRUE(logged.isEmpty());
+    EXPECT_EQ(PLXIDIncrement(QStringLiteral("PLE") + QString(7, c255), log),
+              QStringLiteral("PLF") + QString(7, cp1252::toUnicode(1)));
+    EXPECT_EQ(logged, QStringList{ QStringLiteral("Error in PLXIDIncrement; k=3") });
+}
+
+} // namespace
+} // namespace plx::test
+
+#include "navigator_commands_test.moc"
