@@ -11,6 +11,7 @@
 // "Error:" on stderr and exit with status 1 (a wrong command line too); without any
 // argument the usage goes to stderr with status 2.
 #include "apps/plxsql/commands.h"
+#include "apps/plxsql/textoutput.h"
 
 #include <QCoreApplication>
 #include <QTextStream>
@@ -45,7 +46,7 @@ int main(int argc, char **argv)
     plx::Status s = plx::plxsql::run(args, out);
     out.flush();
     if (!s.isOk()) {
-        err << "Error: " << s.toString() << '\n';
+        err << "Error: " << plx::plxsql::oneLine(s.toString()) << '\n';
         return 1;
     }
     return 0;

@@ -77,6 +77,10 @@ TEST_F(PlxsqlTest, ErrorsPrintOneErrorLineAndExitOne)
            QStringList{ QStringLiteral("--sqlite"), m_file,
                         QStringLiteral("SELECT NOSUCH FROM T") },
            QStringList{ QStringLiteral("--sqlite"), m_file },
+           // Line breaks the input brings into the message are shown escaped.
+           QStringList{ QStringLiteral("--sqlite"), m_file,
+                        QStringLiteral("SELECT [NO\r\nSUCH\u2028FIELD] FROM T") },
+           QStringList{ QStringLiteral("--eval"), QStringLiteral("1 'two\nlines'") },
            QStringList{ QStringLiteral("--bogus"), QStringLiteral("x") } }) {
         const Outcome r = plxsql(args);
         EXPECT_EQ(r.exitCode, 1) << args.join(QLatin1Char(' ')).toStdString();
@@ -84,6 +88,10 @@ TEST_F(PlxsqlTest, ErrorsPrintOneErrorLineAndExitOne)
         EXPECT_EQ(r.err.count(QLatin1Char('\n')), 1);
         EXPECT_TRUE(r.out.isEmpty());
     }
+    const Outcome echoed = plxsql({ QStringLiteral("--eval"), QStringLiteral("1 'a\nb'") });
+    EXPECT_EQ(echoed.err,
+              QStringLiteral("Error: Syntax error: an operator expected but 'a\\nb' found at "
+                             "position 3\n"));
     const Outcome usage = plxsql({});
     EXPECT_EQ(usage.exitCode, 2);
     EXPECT_TRUE(usage.err.startsWith(QLatin1String("usage:")));
@@ -98,6 +106,11 @@ TEST(PlxsqlEvalTest, EvalPrintsTypedValues)
         { QStringLiteral("Null"), QStringLiteral("Null") },
         { QStringLiteral("#12/31/2025#"), QStringLiteral("#12/31/2025#") },
         { QStringLiteral("CHR(80) & CHR(76)"), QStringLiteral("\"PL\"") },
+        { QStringLiteral("Nz(Null, 'none')"), QStringLiteral("\"none\"") },
+        { QStringLiteral("Format(#1/27/1993#, 'Long Date')"),
+          QStringLiteral("\"Wednesday, January 27, 1993\"") },
+        { QStringLiteral("DateAdd('m', 1, #1/31/1995#)"), QStringLiteral("#02/28/1995#") },
+        { QStringLiteral("TimeSerial(16, 35, 17)"), QStringLiteral("#16:35:17#") },
     };
     for (const auto &[expression, printed] : cases) {
         const Outcome r = plxsql({ QStringLiteral("--eval"), expression });
@@ -107,6 +120,12 @@ TEST(PlxsqlEvalTest, EvalPrintsTypedValues)
     const Outcome bad = plxsql({ QStringLiteral("--eval"), QStringLiteral("1 +") });
     EXPECT_EQ(bad.exitCode, 1);
     EXPECT_TRUE(bad.err.startsWith(QLatin1String("Error:")));
+    // A function's error names it and where its call stands.
+    const Outcome interval =
+        plxsql({ QStringLiteral("--eval"), QStringLiteral("DateAdd('x', 1, Now())") });
+    EXPECT_EQ(interval.exitCode, 1);
+    EXPECT_TRUE(interval.err.contains(QLatin1String("in DateAdd at position 1")))
+        << interval.err.toStdString();
 }
 
 } // namespace

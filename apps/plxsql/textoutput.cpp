@@ -53,4 +53,25 @@ Status writeRows(RecordSource &source, QTextStream &out)
     return Status::ok();
 }
 
+QString oneLine(const QString &text)
+{
+    QString out;
+    out.reserve(text.size());
+    for (QChar c : text) {
+        switch (c.unicode()) {
+        case '\n': out += QStringLiteral("\\n"); break;
+        case '\r': out += QStringLiteral("\\r"); break;
+        case '\v': out += QStringLiteral("\\v"); break;
+        case '\f': out += QStringLiteral("\\f"); break;
+        case 0x85:
+        case 0x2028:
+        case 0x2029:
+            out += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
+            break;
+        default: out += c;
+        }
+    }
+    return out;
+}
+
 } // namespace plx::plxsql

@@ -13,6 +13,10 @@ namespace plx::plxsql {
 // one record stays one line).
 QString plainText(const QVariant &value, const FieldInfo &field);
 
+// The text with every line break (CR, LF, VT, FF, NEL, U+2028, U+2029) written as an escape
+// (\n, \r, \u2028, ...), so that a message echoing a user's text stays one line.
+QString oneLine(const QString &text);
+
 // Writes the header line of field names and one tab-separated line per record, from the
 // current record to the end. Returns the first error met.
 Status writeRows(RecordSource &source, QTextStream &out);
