@@ -16,6 +16,10 @@
 #include <optional>
 #include <span>
 
+struct sqlite3;
+struct sqlite3_context;
+struct sqlite3_value;
+
 namespace plx::jet {
 
 // The library's functions, by upper-case name ('$' kept); nullptr when not one of them.
@@ -33,6 +37,12 @@ Result<QVariant> callFunction(const FunctionDef &def, const QVariant *args, int 
 // translates an argument.
 Result<QString> translateNz(const Node &call,
                             const std::function<Result<QString>(const Node &)> &sub);
+
+// The generic SQLite binding of a function (its FunctionDef is the user data), and the
+// direct bindings that replace it where a filter would pay for the conversions on every
+// row (DatePart). An SQLite result code.
+void callGenericJetFunction(sqlite3_context *ctx, int argc, sqlite3_value **argv);
+int registerFastLibraryFunctions(sqlite3 *db);
 
 // "DATEADD" -> "DateAdd": the spelling the dialect's documentation uses.
 QString functionDisplayName(const QString &upperName);

@@ -76,7 +76,9 @@ Result<Interval> intervalArg(const char *fn, const QVariant &v, int pos)
 {
     if (isNull(v))
         return invalidNull(fn, pos);
-    const QString s = toText(v).trimmed().toLower();
+    // Compared in place, without a lower-cased copy: a filter reads the interval per row.
+    const QString text = toText(v);
+    const QStringView s = QStringView(text).trimmed();
     static const struct
     {
         const char *code;
@@ -87,7 +89,7 @@ Result<Interval> intervalArg(const char *fn, const QVariant &v, int pos)
                   { "ww", Interval::Week },   { "h", Interval::Hour },
                   { "n", Interval::Minute },  { "s", Interval::Second } };
     for (const auto &c : codes) {
-        if (s == QLatin1String(c.code))
+        if (s.compare(QLatin1String(c.code), Qt::CaseInsensitive) == 0)
             return c.interval;
     }
     return badArgument(fn, pos, QStringLiteral("unknown interval '%1'").arg(toText(v)));

@@ -341,6 +341,11 @@ const char *const kFunctionNames[] = { "UCASE", "UCASE$", "LCASE", "LCASE$", "LE
 
 } // namespace
 
+void callGenericJetFunction(sqlite3_context *ctx, int argc, sqlite3_value **argv)
+{
+    jetFunction(ctx, argc, argv);
+}
+
 Status registerJetFunctions(sqlite3 *db)
 {
     const int det = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
@@ -371,6 +376,8 @@ Status registerJetFunctions(sqlite3 *db)
             db, sqlName.constData(), -1, isClockFunction(name) ? SQLITE_UTF8 : det,
             const_cast<FunctionDef *>(def), jetFunction, nullptr, nullptr, nullptr);
     }
+    if (rc == SQLITE_OK)
+        rc = registerFastLibraryFunctions(db);
     if (rc == SQLITE_OK)
         rc = sqlite3_create_collation_v2(db, "JETNOCASE", SQLITE_UTF8, nullptr, jetNoCase, nullptr);
     if (rc == SQLITE_OK)
