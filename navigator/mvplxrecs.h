@@ -289,7 +289,8 @@ private:
     QString tableFilePath() const;
     QString holdersPath() const;
     QString highestKeyInTable(const QString &query, bool *ok);
-    bool idTaken(const QString &criterion);
+    enum class IdUse { Free, Taken, Twin };
+    IdUse idTaken(const QString &candidate, const QString &criterion);
     void logLines(const QStringList &lines);
 
     // Filters (mvplxrecs_filters.cpp).

@@ -21,6 +21,8 @@ namespace {
 const QString kCrLf = QStringLiteral("\r\n");
 // How long NewIDPLX waits for another navigator that is making an ID for the same table.
 constexpr int kKeyLockWaitMs = 10000;
+// Candidates skipped as case twins before giving up: more than one wrap of a key character.
+constexpr int kMaxTwins = 1000;
 
 QString readKeyLine(const QString &diskPath)
 {
@@ -98,34 +100,40 @@ QString mvPLXRecs::highestKeyInTable(const QString &query, bool *ok)
     return id.isOk() ? rtrimSpaces(id.value().toString()).right(7) : QString();
 }
 
-bool mvPLXRecs::idTaken(const QString &criterion)
+mvPLXRecs::IdUse mvPLXRecs::idTaken(const QString &candidate, const QString &criterion)
 {
+    // Which record holds the candidate decides: the very same ID, or only one that the
+    // engine's text comparison takes for it (a case-insensitive engine sees "PLE000000a" in
+    // "PLE000000A"). Such a twin could never be found apart from its record, so the
+    // candidate is skipped, but it is no sign of a key file gone wrong.
+    auto useOf = [&](RecordSource &source) {
+        const Result<QVariant> desc = source.value(m_sDescfield);
+        m_takenDesc = desc.isOk() ? desc.value().toString() : QString();
+        const Result<QVariant> id = source.value(m_sIDfield);
+        return id.isOk() && rtrimSpaces(id.value().toString()) == rtrimSpaces(candidate)
+            ? IdUse::Taken
+            : IdUse::Twin;
+    };
     // The navigator's own record source first, as it stands.
-    const qint32 position = m_rs ? m_rs->AbsolutePosition() : -1;
     if (m_rs) {
+        const qint32 position = m_rs->AbsolutePosition();
         const Status found = m_rs->FindFirst(criterion);
         const bool match = found.isOk() && !m_rs->NoMatch();
-        if (match) {
-            const Result<QVariant> desc = m_rs->value(m_sDescfield);
-            m_takenDesc = desc.isOk() ? desc.value().toString() : QString();
-        }
+        const IdUse use = match ? useOf(*m_rs) : IdUse::Free;
         if (position >= 0)
             (void)m_rs->setAbsolutePosition(position);
         if (match)
-            return true;
+            return use;
     }
     // Then the table as it is on disk: another user may have added the ID since this
     // navigator's query ran.
     if (m_db) {
         Result<std::unique_ptr<RecordSource>> fresh = m_db->OpenRecordset(
             QStringLiteral("SELECT * from ") + m_table + QStringLiteral(" WHERE ") + criterion);
-        if (fresh.isOk() && !fresh.value()->isEOF()) {
-            const Result<QVariant> desc = fresh.value()->value(m_sDescfield);
-            m_takenDesc = desc.isOk() ? desc.value().toString() : QString();
-            return true;
-        }
+        if (fresh.isOk() && !fresh.value()->isEOF())
+            return useOf(*fresh.value());
     }
-    return false;
+    return IdUse::Free;
 }
 
 QString mvPLXRecs::NewIDPLX()
@@ -187,9 +195,17 @@ QString mvPLXRecs::NewIDPLX()
     logLines({ QStringLiteral("ParentID ") + m_sParentID, QStringLiteral("LastID   ") + lastID,
                QStringLiteral("New ID   ") + candidate, QStringLiteral("From ") + keyFile });
 
-    for (int attempts = 0;; ++attempts) {
+    // Case twins are skipped without counting as attempts; the key space bounds them.
+    int twins = 0;
+    for (int attempts = 0;;) {
         const QString criterion = m_sIDfield + QStringLiteral(" = ") + strToASC(candidate);
-        if (!idTaken(criterion)) {
+        const IdUse use = idTaken(candidate, criterion);
+        if (use == IdUse::Twin && ++twins < kMaxTwins) {
+            candidate = PLXIDIncrement(candidate, logStep);
+            candidateCode = keyToASC(candidate);
+            continue;
+        }
+        if (use == IdUse::Free) {
             if (!writeKeyLine(keyFile, candidateCode.right(21))) {
                 logLines({ QStringLiteral("New ID for ") + m_sDesc
                                + QStringLiteral(": cannot write the key file"),
@@ -215,6 +231,7 @@ QString mvPLXRecs::NewIDPLX()
                     QStringLiteral("Error on New Record ID"));
             return QString();
         }
+        ++attempts;
         candidate = PLXIDIncrement(candidate, logStep);
         candidateCode = keyToASC(candidate);
     }

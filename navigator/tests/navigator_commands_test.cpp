@@ -36,23 +36,6 @@ public:
     }
 };
 
-// Answers OK to everything and keeps what it was shown, for texts that name this machine.
-class RecordingPrompter : public Prompter
-{
-public:
-    QStringList titles, texts;
-    MsgAnswer msgBox(const QString &prompt, int, const QString &title) override
-    {
-        titles << title;
-        texts << prompt;
-        return MsgAnswer::OK;
-    }
-    std::optional<QString> inputBox(const QString &, const QString &, const QString &) override
-    {
-        return std::nullopt;
-    }
-};
-
 class Commands : public NavigatorTest
 {
 protected:

@@ -49,6 +49,23 @@ private:
     QList<SeenEvent> m_events;
 };
 
+// Answers OK to everything and keeps what it was shown, for texts that name this machine.
+class RecordingPrompter : public Prompter
+{
+public:
+    QStringList titles, texts;
+    MsgAnswer msgBox(const QString &prompt, int, const QString &title) override
+    {
+        titles << title;
+        texts << prompt;
+        return MsgAnswer::OK;
+    }
+    std::optional<QString> inputBox(const QString &, const QString &, const QString &) override
+    {
+        return std::nullopt;
+    }
+};
+
 // The table every navigator test uses: ID, NAME, CITY and the audit fields, with names
 // chosen to exercise the find (prefixes shared, a quote, a pipe).
 testing::TableDef facilityTable();

@@ -1,0 +1,128 @@
+// navigator/tests/navigator_process_test.cpp: two users in two processes on one table:
+// a record one of them edits is denied to the other, naming the holder, until the holder
+// is gone; and records both create at the same moment never share an ID.
+#include "navigator/tests/navigatorfixture.h"
+
+#include "services/recordsource/recordsource.h"
+#include "services/texthelpers.h"
+
+#include <QProcess>
+#include <QSet>
+#include <QSysInfo>
+
+namespace plx::test {
+namespace {
+
+using TwoUsers = NavigatorTest;
+
+QString kindOf(bool foxPro)
+{
+    return foxPro ? QStringLiteral("foxpro") : QStringLiteral("sqlite");
+}
+
+TEST_P(TwoUsers, ARecordHeldElsewhereIsDeniedUntilItsHolderDies)
+{
+    configure();
+    QProcess holder;
+    holder.start(QStringLiteral(PLX_NAVIGATOR_CHILD),
+                 { QStringLiteral("hold"), kindOf(isFoxPro()), tablePath(),
+                   QStringLiteral("PLE0000008"), QStringLiteral("BOB") });
+    ASSERT_TRUE(holder.waitForReadyRead(20000)) << holder.readAllStandardError().toStdString();
+    ASSERT_EQ(holder.readLine().trimmed(), QByteArray("HELD"));
+
+    RecordingPrompter boxes;
+    Services recording{ &boxes, &env.clock, &env.pump };
+    nav->setServices(&recording);
+    nav->SetFindFromID(QStringLiteral("PLE0000008"));
+    events->clear();
+    nav->ClickButton(QStringLiteral("EDIT"));
+    ASSERT_EQ(boxes.titles, QStringList{ QStringLiteral("Access Denied") });
+    const QString text = boxes.texts.first();
+    EXPECT_TRUE(text.startsWith(
+        QStringLiteral("This record is locked.  \r\nPlease try again later\r\n\r\n")));
+    EXPECT_TRUE(text.contains(QStringLiteral("\r\nHeld by BOB on ") + QSysInfo::machineHostName()
+                              + QStringLiteral(" since ")))
+        << text.toStdString();
+    EXPECT_TRUE(events->events().isEmpty());
+    EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("EDIT")));
+    EXPECT_FALSE(nav->bButtonEnable(QStringLiteral("SAVE")));
+
+    // A holder that dies takes its lock with it; its note is then ignored.
+    holder.kill();
+    holder.waitForFinished();
+    nav->ClickButton(QStringLiteral("EDIT"));
+    EXPECT_EQ(boxes.titles.size(), 1);
+    EXPECT_EQ(events->names(), QStringList{ QStringLiteral("RecEditStart") });
+}
+
+TEST_P(TwoUsers, RecordsCreatedAtOnceNeverShareAnID)
+{
+    configure();
+    constexpr int perUser = 500;
+    QProcess users[2];
+    for (QProcess &user : users)
+        user.start(QStringLiteral(PLX_NAVIGATOR_CHILD),
+                   { QStringLiteral("create"), kindOf(isFoxPro()), tablePath(),
+                     QString::number(perUser), QStringLiteral("USER") });
+    QStringList handedOut;
+    for (QProcess &user : users) {
+        ASSERT_TRUE(user.waitForFinished(240000));
+        EXPECT_EQ(user.exitCode(), 0);
+        // The child has no parent form: each save says it saves without validation, and
+        // nothing else may be said (no failed ID, no refused save).
+        const QStringList said = QString::fromUtf8(user.readAllStandardError())
+                                     .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        for (const QString &line : said)
+            EXPECT_TRUE(line.startsWith(QLatin1String("box: Saving without Validation"))
+                        || line.startsWith(QLatin1String("QStandardPaths")))
+                << line.toStdString();
+        handedOut += QString::fromLatin1(user.readAllStandardOutput())
+                         .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    }
+    EXPECT_EQ(handedOut.size(), 2 * perUser);
+    EXPECT_EQ(QSet<QString>(handedOut.begin(), handedOut.end()).size(), 2 * perUser);
+
+    // The table holds them all, once each, read by a database opened afterwards.
+    Result<std::unique_ptr<Database>> db = backEnd->open(dir.path());
+    ASSERT_TRUE(db.isOk());
+    Result<std::unique_ptr<RecordSource>> rs =
+        db.value()->OpenRecordset(QStringLiteral("SELECT * from T"));
+    ASSERT_TRUE(rs.isOk());
+    QMap<QString, int> ids;
+    qint32 records = 0;
+    for (; !rs.value()->isEOF(); (void)rs.value()->MoveNext(), ++records)
+        ++ids[keyToASC(rtrimSpaces(rs.value()->value(QStringLiteral("ID")).value().toString()))];
+    EXPECT_EQ(records, 10 + 2 * perUser);
+    for (const QString &id : handedOut)
+        EXPECT_EQ(ids.value(id), 1) << "handed out but not in the table once: " << id.toStdString();
+    EXPECT_EQ(ids.size(), 10 + 2 * perUser);
+    for (auto it = ids.cbegin(); it != ids.cend(); ++it)
+        EXPECT_EQ(it.value(), 1) << "ID " << it.key().toStdString() << " is on " << it.value()
+                                 << " records";
+
+    if (isFoxPro()) {
+        // A third program reading the files sees every record too. Keys may hold bytes
+        // that Windows-1252 leaves undefined, so the IDs are read as code page 437 bytes.
+        QProcess probe;
+        probe.start(QStringLiteral("/usr/bin/python3"),
+                    { QStringLiteral("-c"), QStringLiteral("import dbf") });
+        if (!probe.waitForFinished(30000) || probe.exitCode() != 0)
+            GTEST_SKIP() << "python3-dbf is not installed";
+        QProcess python;
+        python.start(
+            QStringLiteral("/usr/bin/python3"),
+            { QStringLiteral("-c"),
+              QStringLiteral("import dbf,sys\nt=dbf.Table(sys.argv[1],codepage='cp437');t.open()\n"
+                             "ids=[r['id'].rstrip(' ') for r in t if not dbf.is_deleted(r)]\n"
+                             "print(len(ids),len(set(ids)))"),
+              tablePath() });
+        ASSERT_TRUE(python.waitForFinished(60000));
+        EXPECT_EQ(python.exitCode(), 0) << python.readAllStandardError().toStdString();
+        EXPECT_EQ(python.readAllStandardOutput().trimmed(), QByteArray("1010 1010"));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(BackEnds, TwoUsers, ::testing::Values("SQLite", "FoxPro"), backEndName);
+
+} // namespace
+} // namespace plx::test
