@@ -39,16 +39,16 @@ const Library &library()
 
 // The documented spellings; anything missing falls back to the upper-case name.
 const char *const kDisplayNames[] = {
-    "Abs",     "Asc",     "CBool",       "CByte",     "CCur",       "CDate",      "CDbl",
-    "Chr",     "Choose",  "CInt",        "CLng",      "CSng",       "CStr",       "CVar",
-    "Date",    "DateAdd", "DateDiff",    "DatePart",  "DateSerial", "DateValue",  "Day",
-    "Exp",     "Fix",     "Format",      "Hex",       "Hour",       "InStr",      "InStrRev",
-    "Int",     "IsDate",  "IsEmpty",     "IsNumeric", "LCase",      "Left",       "Len",
-    "Log",     "LTrim",   "Mid",         "Minute",    "Month",      "MonthName",  "Now",
-    "Nz",      "Oct",     "Replace",     "Right",     "Round",      "RTrim",      "Second",
-    "Sgn",     "Space",   "Sqr",         "Str",       "StrComp",    "StrReverse", "String",
-    "Switch",  "Time",    "TimeSerial",  "TimeValue", "Trim",       "UCase",      "Val",
-    "VarType", "Weekday", "WeekdayName", "Year",
+    "Abs",      "Asc",     "CBool",   "CByte",       "CCur",      "CDate",      "CDbl",
+    "Chr",      "ChrW",    "Choose",  "CInt",        "CLng",      "CSng",       "CStr",
+    "CVar",     "Date",    "DateAdd", "DateDiff",    "DatePart",  "DateSerial", "DateValue",
+    "Day",      "Exp",     "Fix",     "Format",      "Hex",       "Hour",       "InStr",
+    "InStrRev", "Int",     "IsDate",  "IsEmpty",     "IsNumeric", "LCase",      "Left",
+    "Len",      "Log",     "LTrim",   "Mid",         "Minute",    "Month",      "MonthName",
+    "Now",      "Nz",      "Oct",     "Replace",     "Right",     "Round",      "RTrim",
+    "Second",   "Sgn",     "Space",   "Sqr",         "Str",       "StrComp",    "StrReverse",
+    "String",   "Switch",  "Time",    "TimeSerial",  "TimeValue", "Trim",       "UCase",
+    "Val",      "VarType", "Weekday", "WeekdayName", "Year",
 };
 
 } // namespace

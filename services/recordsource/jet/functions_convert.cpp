@@ -174,7 +174,6 @@ const FunctionDef kConvert[] = {
     { "CBOOL", 1, 1, cbool },
     { "CBYTE", 1, 1, cbyte },
     { "CDATE", 1, 1, cdate },
-    { "CVDATE", 1, 1, cdate },
     { "CSNG", 1, 1, csng },
     { "CCUR", 1, 1, ccur },
     { "CVAR", 1, 1, cvar },
