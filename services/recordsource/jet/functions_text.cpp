@@ -11,6 +11,10 @@ namespace plx::jet::fn {
 
 namespace {
 
+// The longest text Space and String build: a filter runs them per row, so a mistyped
+// count must fail rather than take gigabytes.
+constexpr qint64 kMaxBuiltText = 1 << 20;
+
 // Nz(value [, valueIfNull]): in a query expression a Null without the second argument
 // becomes the zero-length string.
 R nz(const QVariant *a, int n, TextCompare, int)
@@ -96,7 +100,7 @@ R space(const QVariant *a, int, TextCompare, int pos)
     Result<qint64> len = wholeArg("Space", a[0], 1, pos);
     if (!len.isOk())
         return len.status();
-    if (len.value() < 0 || len.value() > 65535 * 1024)
+    if (len.value() < 0 || len.value() > kMaxBuiltText)
         return badArgument("Space", pos);
     return QVariant(QString(qsizetype(len.value()), QLatin1Char(' ')));
 }
@@ -110,7 +114,7 @@ R string(const QVariant *a, int, TextCompare, int pos)
     Result<qint64> len = wholeArg("String", a[0], 1, pos);
     if (!len.isOk())
         return len.status();
-    if (len.value() < 0 || len.value() > 65535 * 1024)
+    if (len.value() < 0 || len.value() > kMaxBuiltText)
         return badArgument("String", pos);
     QChar c;
     if (isText(a[1])) {

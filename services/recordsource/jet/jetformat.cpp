@@ -366,6 +366,8 @@ std::optional<QString> customNumber(const QVariant &value, const QStringList &se
         return std::nullopt;
     }
     const double x = toNumber(value, 0).value();
+    if (!std::isfinite(x))
+        return toText(value);
     if (x < 0) {
         if (std::optional<QString> s = section(1))
             return formatNumber(-x, *s, false);

@@ -408,6 +408,7 @@ TEST(JetFunctionsContract, ErrorsNameTheFunctionAndThePosition)
         { "Mid(S, 0)", Status::Code::InvalidArgument, "Mid at position 1" },
         { "Left(S, 'x')", Status::Code::TypeMismatch, "in Left at position 1" },
         { "Space(N - 20)", Status::Code::InvalidArgument, "Space at position 1" },
+        { "String(N * 1E6, 'x')", Status::Code::InvalidArgument, "String at position 1" },
         { "StrReverse(Z)", Status::Code::TypeMismatch,
           "invalid use of Null in StrReverse at position 1" },
         { "Hex(N * 1E10)", Status::Code::InvalidArgument, "overflow in Hex at position 1" },
