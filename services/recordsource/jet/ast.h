@@ -50,6 +50,15 @@ enum class Op {
     Imp,
 };
 
+// How deeply an expression may nest: an operand inside an operand, a function argument, a
+// parenthesis, an In list each take a level. The parser refuses deeper text (naming the
+// limit and the position) and every walk of a tree stops there, so no input can exhaust the
+// stack: 100 levels take well under 1 MB of it, the main-thread stack on Windows. Chains of
+// operators leaning left (a & b & c ..., And, Or, + and -, comparisons) and runs of Not or
+// unary minus do not nest: they are built, bound, evaluated and translated in loops, so
+// 100,000 terms work.
+inline constexpr int kMaxExpressionDepth = 100;
+
 struct Node;
 using NodePtr = std::shared_ptr<Node>;
 
@@ -65,6 +74,30 @@ struct Node
     bool negated = false;
     std::vector<NodePtr> args;
     mutable int column = -1; // Column: index filled in by binding
+    // Levels of evaluation below and including this node, a chain's links not counted: set
+    // by the parser, which keeps it within kMaxExpressionDepth.
+    int height = 1;
+
+    Node() = default;
+    Node(const Node &) = default;
+    Node(Node &&) = default;
+    Node &operator=(const Node &) = default;
+    Node &operator=(Node &&) = default;
+    // A chain of 100,000 operators is a tree 100,000 nodes deep: its nodes are taken apart
+    // one at a time here, where nested destructor calls would overflow the stack.
+    ~Node()
+    {
+        std::vector<NodePtr> pending = std::move(args);
+        while (!pending.empty()) {
+            NodePtr n = std::move(pending.back());
+            pending.pop_back();
+            if (n && n.use_count() == 1) {
+                for (NodePtr &a : n->args)
+                    pending.push_back(std::move(a));
+                n->args.clear();
+            }
+        }
+    }
 };
 
 struct TableRef

@@ -130,52 +130,106 @@ R comparison(Op op, const QVariant &a, const QVariant &b, TextCompare mode, int 
     return QVariant();
 }
 
-R binary(const Node &node, const Row *row, TextCompare mode)
+// Text joined onto the text before it in place: a chain of 100,000 pieces costs their total
+// length, not that length for every piece. `a` is left empty.
+QVariant appendText(QVariant &a, const QVariant &b)
 {
-    R a = evaluate(*node.args[0], row, mode);
-    if (!a.isOk())
-        return a;
-    // And/Or look at the right side even when the left decides, as Jet evaluates both.
-    R b = evaluate(*node.args[1], row, mode);
-    if (!b.isOk())
-        return b;
+    QString s = isNull(a) ? QString() : toText(a);
+    a = QVariant(); // `s` now holds the only reference, so the append below does not copy
+    s += toText(b);
+    return QVariant(s);
+}
+
+// One operator over its operands' values. `a` may be consumed.
+R combine(const Node &node, QVariant &a, const QVariant &b, TextCompare mode)
+{
     switch (node.op) {
     case Op::Concat:
-        if (isNull(a.value()) && isNull(b.value()))
+        if (isNull(a) && isNull(b))
             return QVariant();
-        return QVariant(toText(a.value()) + toText(b.value()));
+        return appendText(a, b);
     case Op::Eq:
     case Op::Ne:
     case Op::Lt:
     case Op::Gt:
     case Op::Le:
-    case Op::Ge: return comparison(node.op, a.value(), b.value(), mode, node.pos);
+    case Op::Ge: return comparison(node.op, a, b, mode, node.pos);
     case Op::And:
     case Op::Or:
     case Op::Xor:
     case Op::Eqv:
-    case Op::Imp: return logical(node.op, a.value(), b.value(), node.pos);
-    default: return arithmetic(node.op, a.value(), b.value(), node.pos);
+    case Op::Imp: return logical(node.op, a, b, node.pos);
+    case Op::Add:
+        if (!isNull(a) && !isNull(b) && isText(a) && isText(b))
+            return appendText(a, b);
+        return arithmetic(node.op, a, b, node.pos);
+    default: return arithmetic(node.op, a, b, node.pos);
     }
 }
 
-R unary(const Node &node, const Row *row, TextCompare mode)
+// a & b & c ... is a tree leaning left as deep as the chain is long: its left edge is walked
+// down in one loop and the values folded back up in another, so no length costs stack.
+R binary(const Node &top, const Row *row, TextCompare mode)
 {
-    R a = evaluate(*node.args[0], row, mode);
-    if (!a.isOk() || isNull(a.value()))
+    QVarLengthArray<const Node *, 16> spine;
+    const Node *leaf = &top;
+    while (leaf->kind == NodeKind::Binary) {
+        spine.append(leaf);
+        leaf = leaf->args[0].get();
+    }
+    R first = evaluate(*leaf, row, mode);
+    if (!first.isOk())
+        return first;
+    QVariant acc = std::move(first).value();
+    for (qsizetype i = spine.size() - 1; i >= 0; --i) {
+        const Node &node = *spine[i];
+        // And/Or look at the right side even when the left decides, as Jet evaluates both.
+        R b = evaluate(*node.args[1], row, mode);
+        if (!b.isOk())
+            return b;
+        R v = combine(node, acc, b.value(), mode);
+        if (!v.isOk())
+            return v;
+        acc = std::move(v).value();
+    }
+    return acc;
+}
+
+R unaryStep(const Node &node, const QVariant &a)
+{
+    if (isNull(a))
         return a;
     if (node.op == Op::Not) {
-        if (isBoolean(a.value()))
-            return QVariant(!a.value().toBool());
-        Result<double> d = toNumber(a.value(), node.pos);
+        if (isBoolean(a))
+            return QVariant(!a.toBool());
+        Result<double> d = toNumber(a, node.pos);
         if (!d.isOk())
             return d.status();
-        return QVariant(double(~qint64(roundHalfEven(d.value()))));
+        const double whole = roundHalfEven(d.value());
+        if (!(std::fabs(whole) < 9.2e18)) // no 64-bit integer holds it (or it is NaN)
+            return Status(Status::Code::InvalidArgument,
+                          QStringLiteral("overflow in Not at position %1").arg(node.pos));
+        return QVariant(double(~qint64(whole)));
     }
-    Result<double> d = toNumber(a.value(), node.pos);
+    Result<double> d = toNumber(a, node.pos);
     if (!d.isOk())
         return d.status();
     return QVariant(-d.value());
+}
+
+// Not Not ... and - - ... chains: down in one loop, back up in another.
+R unary(const Node &top, const Row *row, TextCompare mode)
+{
+    QVarLengthArray<const Node *, 8> chain;
+    const Node *inner = &top;
+    while (inner->kind == NodeKind::Unary) {
+        chain.append(inner);
+        inner = inner->args[0].get();
+    }
+    R v = evaluate(*inner, row, mode);
+    for (qsizetype i = chain.size() - 1; i >= 0 && v.isOk(); --i)
+        v = unaryStep(*chain[i], v.value());
+    return v;
 }
 
 // A find runs one pattern over every row: keep the last compiled one per thread so that
@@ -318,6 +372,18 @@ bool isKnownFunction(const QString &upperName)
 
 Result<QVariant> evaluate(const Node &node, const Row *row, TextCompare mode)
 {
+    // Trees from the parser stay within the depth; this bounds any other tree too.
+    thread_local int depth = 0;
+    if (depth >= kMaxExpressionDepth)
+        return Status(Status::Code::Syntax,
+                      QStringLiteral("expression nested deeper than %1 levels at position %2")
+                          .arg(kMaxExpressionDepth)
+                          .arg(node.pos));
+    struct Level
+    {
+        Level() { ++depth; }
+        ~Level() { --depth; }
+    } level;
     switch (node.kind) {
     case NodeKind::Literal: return node.value;
     case NodeKind::Column:

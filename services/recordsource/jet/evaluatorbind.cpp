@@ -7,6 +7,8 @@
 #include "services/recordsource/jet/parser.h"
 #include "services/recordsource/jet/values.h"
 
+#include <QVarLengthArray>
+
 namespace plx::jet {
 
 namespace {
@@ -37,6 +39,26 @@ void foldConstant(Node &node)
 {
     if (!foldable(node))
         return;
+    if (node.kind == NodeKind::Binary && (node.op == Op::Concat || node.op == Op::Add)) {
+        // Text joined in place: folding a chain of 100,000 pieces costs their total length,
+        // not that length for every piece. The left operand's text is taken over (its node
+        // goes with the fold), so the append below does not copy it.
+        QVariant &a = node.args[0]->value;
+        const QVariant &b = node.args[1]->value;
+        const bool bothNull = isNull(a) && isNull(b);
+        const bool joins =
+            node.op == Op::Concat || (!isNull(a) && !isNull(b) && isText(a) && isText(b));
+        if (joins) {
+            QString s = isNull(a) ? QString() : toText(a);
+            a = QVariant();
+            s += toText(b);
+            node.value = bothNull ? QVariant() : QVariant(s);
+            node.kind = NodeKind::Literal;
+            node.op = Op::None;
+            node.args.clear();
+            return;
+        }
+    }
     Result<QVariant> v = evaluate(node, nullptr, TextCompare::Binary);
     if (!v.isOk())
         return;
@@ -46,12 +68,15 @@ void foldConstant(Node &node)
     node.args.clear();
 }
 
-} // namespace
-
-Status bind(const NodePtr &root, const ColumnResolver &resolve)
+Status bindAt(const NodePtr &root, const ColumnResolver &resolve, int depth)
 {
     if (!root)
         return Status::ok();
+    if (depth >= kMaxExpressionDepth)
+        return Status(Status::Code::Syntax,
+                      QStringLiteral("expression nested deeper than %1 levels at position %2")
+                          .arg(kMaxExpressionDepth)
+                          .arg(root->pos));
     if (root->kind == NodeKind::Column) {
         Result<int> index = resolve(*root);
         if (!index.isOk())
@@ -59,12 +84,37 @@ Status bind(const NodePtr &root, const ColumnResolver &resolve)
         root->column = index.value();
         return Status::ok();
     }
+    if (root->kind == NodeKind::Binary || root->kind == NodeKind::Unary) {
+        // A chain (a & b & c ..., Not Not ...) is walked down its left edge in one loop and
+        // bound and folded back up in another: no length costs stack.
+        QVarLengthArray<Node *, 16> chain;
+        for (Node *n = root.get(); n->kind == root->kind; n = n->args[0].get())
+            chain.append(n);
+        if (Status s = bindAt(chain.back()->args[0], resolve, depth + 1); !s.isOk())
+            return s;
+        for (qsizetype i = chain.size() - 1; i >= 0; --i) {
+            Node &link = *chain[i];
+            for (size_t a = 1; a < link.args.size(); ++a) {
+                if (Status s = bindAt(link.args[a], resolve, depth + 1); !s.isOk())
+                    return s;
+            }
+            foldConstant(link); // drops the link below, already folded or bound
+        }
+        return Status::ok();
+    }
     for (const NodePtr &arg : root->args) {
-        if (Status s = jet::bind(arg, resolve); !s.isOk())
+        if (Status s = bindAt(arg, resolve, depth + 1); !s.isOk())
             return s;
     }
     foldConstant(*root);
     return Status::ok();
+}
+
+} // namespace
+
+Status bind(const NodePtr &root, const ColumnResolver &resolve)
+{
+    return bindAt(root, resolve, 0);
 }
 
 bool isTrue(const QVariant &value)

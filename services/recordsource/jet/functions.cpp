@@ -201,6 +201,19 @@ R chr(const QVariant *a, int, TextCompare, int pos)
         return badArgument("Chr", pos);
     return QVariant(QString(cp1252::toUnicode(static_cast<unsigned char>(code.value()))));
 }
+// ChrW(n): the character of UTF-16 code unit n (-32768..65535, negative n counting from
+// 65536 as in VBA). Keys holding characters Windows-1252 cannot hold are written with it.
+R chrw(const QVariant *a, int, TextCompare, int pos)
+{
+    if (isNull(a[0]))
+        return QVariant();
+    Result<qint64> code = wholeArg(a[0], pos);
+    if (!code.isOk())
+        return code.status();
+    if (code.value() < -32768 || code.value() > 65535)
+        return badArgument("ChrW", pos);
+    return QVariant(QString(QChar(char16_t(code.value() & 0xFFFF))));
+}
 R chrS(const QVariant *a, int n, TextCompare m, int pos)
 {
     return isNull(a[0]) ? R(invalidNull(pos)) : chr(a, n, m, pos);
@@ -364,12 +377,12 @@ const FunctionDef kFunctions[] = {
     { "RIGHT", 2, 2, right },   { "RIGHT$", 2, 2, rightS }, { "MID", 2, 3, mid },
     { "MID$", 2, 3, midS },     { "LEN", 1, 1, len },       { "TRIM", 1, 1, trim },
     { "TRIM$", 1, 1, trimS },   { "LTRIM", 1, 1, ltrim },   { "RTRIM", 1, 1, rtrim },
-    { "INSTR", 2, 4, instr },   { "CHR", 1, 1, chr },       { "CHR$", 1, 1, chrS },
-    { "ASC", 1, 1, asc },       { "VAL", 1, 1, val },       { "STR", 1, 1, str },
-    { "STR$", 1, 1, strS },     { "CSTR", 1, 1, cstr },     { "CLNG", 1, 1, clng },
-    { "CINT", 1, 1, cint },     { "CDBL", 1, 1, cdbl },     { "DATE", 0, 0, today },
-    { "NOW", 0, 0, now },       { "YEAR", 1, 1, year },     { "MONTH", 1, 1, month },
-    { "DAY", 1, 1, day },
+    { "INSTR", 2, 4, instr },   { "CHR", 1, 1, chr },       { "CHRW", 1, 1, chrw },
+    { "CHR$", 1, 1, chrS },     { "ASC", 1, 1, asc },       { "VAL", 1, 1, val },
+    { "STR", 1, 1, str },       { "STR$", 1, 1, strS },     { "CSTR", 1, 1, cstr },
+    { "CLNG", 1, 1, clng },     { "CINT", 1, 1, cint },     { "CDBL", 1, 1, cdbl },
+    { "DATE", 0, 0, today },    { "NOW", 0, 0, now },       { "YEAR", 1, 1, year },
+    { "MONTH", 1, 1, month },   { "DAY", 1, 1, day },
 };
 
 } // namespace

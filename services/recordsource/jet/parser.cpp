@@ -11,6 +11,21 @@ using detail::Parser;
 
 namespace {
 
+// The node's height from its operands': the left operand of a binary operator that is
+// itself one, and the operand of Not or minus that is itself one, continue a chain that the
+// walks follow in a loop, so they add no level.
+void setHeight(Node &n)
+{
+    int h = 0;
+    for (size_t i = 0; i < n.args.size(); ++i) {
+        const Node &a = *n.args[i];
+        const bool chained =
+            i == 0 && a.kind == n.kind && (n.kind == NodeKind::Binary || n.kind == NodeKind::Unary);
+        h = std::max(h, chained ? a.height - 1 : a.height);
+    }
+    n.height = h + 1;
+}
+
 NodePtr makeBinary(Op op, NodePtr l, NodePtr r, int pos)
 {
     auto n = std::make_shared<Node>();
@@ -18,6 +33,7 @@ NodePtr makeBinary(Op op, NodePtr l, NodePtr r, int pos)
     n->op = op;
     n->pos = pos;
     n->args = { std::move(l), std::move(r) };
+    setHeight(*n);
     return n;
 }
 
@@ -39,6 +55,16 @@ bool Parser::isReserved(const Token &t) const
             return true;
     }
     return false;
+}
+
+Result<NodePtr> Parser::expression()
+{
+    if (m_depth >= kMaxExpressionDepth)
+        return tooDeep(peek().pos);
+    ++m_depth;
+    Result<NodePtr> e = binaryLevel(0);
+    --m_depth;
+    return e;
 }
 
 // Levels 0..5: Imp, Eqv, Xor, Or, And, then Not.
@@ -65,25 +91,34 @@ Result<NodePtr> Parser::binaryLevel(int level)
         if (!right.isOk())
             return right;
         node = makeBinary(levels[level].op, node, right.value(), pos);
+        if (node->height > kMaxExpressionDepth)
+            return tooDeep(pos);
     }
     return node;
 }
 
 Result<NodePtr> Parser::notLevel()
 {
-    if (peek().isWord(QLatin1String("NOT"))) {
-        const int pos = take().pos;
-        Result<NodePtr> inner = notLevel();
-        if (!inner.isOk())
-            return inner;
+    // Not Not Not ... is a chain, read in a loop: any number of them costs no stack.
+    std::vector<int> nots;
+    while (peek().isWord(QLatin1String("NOT")))
+        nots.push_back(take().pos);
+    Result<NodePtr> inner = comparison();
+    if (!inner.isOk())
+        return inner;
+    NodePtr node = inner.value();
+    for (auto pos = nots.rbegin(); pos != nots.rend(); ++pos) {
         auto n = std::make_shared<Node>();
         n->kind = NodeKind::Unary;
         n->op = Op::Not;
-        n->pos = pos;
-        n->args = { inner.value() };
-        return n;
+        n->pos = *pos;
+        n->args = { std::move(node) };
+        setHeight(*n);
+        node = std::move(n);
     }
-    return comparison();
+    if (node->height > kMaxExpressionDepth)
+        return tooDeep(node->pos);
+    return node;
 }
 
 Result<NodePtr> Parser::comparison()
@@ -109,6 +144,8 @@ Result<NodePtr> Parser::comparison()
                 if (!right.isOk())
                     return right;
                 node = makeBinary(c.op, node, right.value(), pos);
+                if (node->height > kMaxExpressionDepth)
+                    return tooDeep(pos);
                 matched = true;
                 break;
             }
@@ -164,6 +201,10 @@ Result<NodePtr> Parser::comparison()
         } else {
             return node;
         }
+        // x Like a Like b ... nests each test in the next.
+        setHeight(*n);
+        if (n->height > kMaxExpressionDepth)
+            return tooDeep(pos);
         node = n;
     }
 }
@@ -202,26 +243,36 @@ Result<NodePtr> Parser::arithmetic(int level)
         if (!right.isOk())
             return right;
         node = makeBinary(op, node, right.value(), pos);
+        if (node->height > kMaxExpressionDepth)
+            return tooDeep(pos);
     }
 }
 
 Result<NodePtr> Parser::unary()
 {
-    if (peek().isSymbol(QLatin1String("-")) || peek().isSymbol(QLatin1String("+"))) {
+    // Signs are read in a loop (- - - x): a chain of them costs no stack. '+' is dropped.
+    std::vector<int> minus;
+    while (peek().isSymbol(QLatin1String("-")) || peek().isSymbol(QLatin1String("+"))) {
         const Token &t = take();
-        const bool minus = t.text == QLatin1String("-");
-        const int pos = t.pos;
-        Result<NodePtr> inner = unary();
-        if (!inner.isOk() || !minus)
-            return inner;
+        if (t.text == QLatin1String("-"))
+            minus.push_back(t.pos);
+    }
+    Result<NodePtr> inner = power();
+    if (!inner.isOk())
+        return inner;
+    NodePtr node = inner.value();
+    for (auto pos = minus.rbegin(); pos != minus.rend(); ++pos) {
         auto n = std::make_shared<Node>();
         n->kind = NodeKind::Unary;
         n->op = Op::Neg;
-        n->pos = pos;
-        n->args = { inner.value() };
-        return n;
+        n->pos = *pos;
+        n->args = { std::move(node) };
+        setHeight(*n);
+        node = std::move(n);
     }
-    return power();
+    if (node->height > kMaxExpressionDepth)
+        return tooDeep(node->pos);
+    return node;
 }
 
 Result<NodePtr> Parser::power()
@@ -232,11 +283,18 @@ Result<NodePtr> Parser::power()
     NodePtr node = left.value();
     while (peek().isSymbol(QLatin1String("^"))) {
         const int pos = take().pos;
-        // The exponent may carry its own sign: 2 ^ -1.
-        Result<NodePtr> right = peek().isSymbol(QLatin1String("-")) ? unary() : primary();
+        // The exponent may carry its own sign: 2 ^ -1. Its own exponent nests in it.
+        const bool signed_ = peek().isSymbol(QLatin1String("-"));
+        if (signed_ && m_depth >= kMaxExpressionDepth)
+            return tooDeep(peek().pos);
+        m_depth += signed_ ? 1 : 0;
+        Result<NodePtr> right = signed_ ? unary() : primary();
+        m_depth -= signed_ ? 1 : 0;
         if (!right.isOk())
             return right;
         node = makeBinary(Op::Pow, node, right.value(), pos);
+        if (node->height > kMaxExpressionDepth)
+            return tooDeep(pos);
     }
     return node;
 }
@@ -315,6 +373,9 @@ Result<NodePtr> Parser::nameOrCall()
             if (!acceptSymbol(QLatin1String(")")))
                 return error(QStringLiteral("')' closing %1(").arg(first.text));
         }
+        setHeight(*n);
+        if (n->height > kMaxExpressionDepth)
+            return tooDeep(n->pos);
         return n;
     }
     n->kind = NodeKind::Column;

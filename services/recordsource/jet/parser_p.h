@@ -49,8 +49,17 @@ private:
                           .arg(t.pos));
     }
     bool isReserved(const Token &t) const;
+    Status tooDeep(int pos) const
+    {
+        return Status(Status::Code::Syntax,
+                      QStringLiteral("expression nested deeper than %1 levels at position %2")
+                          .arg(kMaxExpressionDepth)
+                          .arg(pos));
+    }
 
-    Result<NodePtr> expression() { return binaryLevel(0); }
+    // Every recursion of the grammar passes here or through an exponent's sign, both of
+    // which count the depth.
+    Result<NodePtr> expression();
     Result<NodePtr> binaryLevel(int level);
     Result<NodePtr> notLevel();
     Result<NodePtr> comparison();
@@ -65,6 +74,7 @@ private:
 
     std::vector<Token> m_tokens;
     size_t m_index = 0;
+    int m_depth = 0; // nested expressions being parsed
 };
 
 } // namespace plx::jet::detail

@@ -13,6 +13,10 @@
 #include "services/recordsource/jet/sqliteops_p.h"
 #include "services/recordsource/jet/values.h"
 
+#include <QVarLengthArray>
+
+#include <algorithm>
+
 namespace plx::jet {
 
 namespace {
@@ -46,8 +50,9 @@ QString literal(const QVariant &v)
 namespace detail {
 
 // The find query's shape, UCase(x) Like 'SM*': an ASCII prefix without lower-case letters
-// and one trailing '*'. x itself, compared case-insensitively, matches exactly then, and
-// that spares a converted copy of every value. UCase$ is left alone: it must still raise
+// and one trailing '*'. x itself, compared case-insensitively, matches exactly then (values
+// with other characters in the prefix's reach are upper-cased first), and that spares a
+// converted copy of every value. UCase$ is left alone: it must still raise
 // on Null.
 std::optional<QString> Translator::upperPrefixLike(const Node &node)
 {
@@ -67,7 +72,9 @@ std::optional<QString> Translator::upperPrefixLike(const Node &node)
     Result<QString> x = expr(*value.args[0]);
     if (!x.isOk())
         return std::nullopt;
-    return QStringLiteral("jet_like(%1, %2, 1, %3)")
+    // Mode 2: case-insensitive, with the value upper-cased as UCase does wherever a
+    // character outside ASCII could read differently once upper-cased.
+    return QStringLiteral("jet_like(%1, %2, 2, %3)")
         .arg(x.value(), quoteText(pattern.value.toString()))
         .arg(node.negated ? 1 : 0);
 }
@@ -142,22 +149,132 @@ Result<QString> Translator::args(const Node &node, size_t from, QString *out)
 }
 
 // True when a subtree has no field and no clock function: its value is the same for every
-// row, so it is computed once here ("CHR(80) & CHR(76) & ..." becomes 'PL...').
-bool isConstant(const Node &node)
+// row, so it is computed once here ("CHR(80) & CHR(76) & ..." becomes 'PL...'). Walked in a
+// loop: a chain of any length costs no stack.
+bool isConstant(const Node &root)
 {
-    if (node.kind == NodeKind::Column)
-        return false;
-    if (node.kind == NodeKind::Call && isClockFunction(node.name))
-        return false;
-    for (const NodePtr &arg : node.args) {
-        if (!isConstant(*arg))
+    QVarLengthArray<const Node *, 32> pending;
+    pending.append(&root);
+    while (!pending.isEmpty()) {
+        const Node &node = *pending.back();
+        pending.removeLast();
+        if (node.kind == NodeKind::Column)
             return false;
+        if (node.kind == NodeKind::Call && isClockFunction(node.name))
+            return false;
+        for (const NodePtr &arg : node.args)
+            pending.append(arg.get());
     }
     return true;
 }
 
 Result<QString> Translator::expr(const Node &node)
 {
+    if (m_depth >= kMaxExpressionDepth)
+        return Status(Status::Code::Syntax,
+                      QStringLiteral("expression nested deeper than %1 levels at position %2")
+                          .arg(kMaxExpressionDepth)
+                          .arg(node.pos));
+    ++m_depth;
+    Result<QString> text = exprAt(node);
+    --m_depth;
+    return text;
+}
+
+QString Translator::binaryText(const Node &node, const QString &l, const QString &r) const
+{
+    switch (node.op) {
+    case Op::Eq:
+    case Op::Ne:
+    case Op::Lt:
+    case Op::Gt:
+    case Op::Le:
+    case Op::Ge: {
+        static const char *const sym[] = { "=", "<>", "<", ">", "<=", ">=" };
+        const int i = int(node.op) - int(Op::Eq);
+        return QStringLiteral("(-((%1)%2 %3 (%4)))").arg(l, collate(), QLatin1String(sym[i]), r);
+    }
+    case Op::And: return QStringLiteral("(-((%1) AND (%2)))").arg(l, r);
+    case Op::Or: return QStringLiteral("(-((%1) OR (%2)))").arg(l, r);
+    default: return QStringLiteral("jet_op(%1, %2, %3)").arg(int(opCodeOf(node.op))).arg(l, r);
+    }
+}
+
+// A chain leaning left (a & b & c ...), walked in loops. Its constant bottom part becomes
+// one literal. SQLite refuses expressions nested more than 1,000 deep and its parser stack
+// holds about 100 open parentheses, so a run of &, And or Or, whose grouping does not change
+// the value, is emitted as groups of up to kGroup terms, groups of groups and so on (three
+// levels for 100,000 terms); other operators keep Jet's left-to-right nesting.
+Result<QString> Translator::chain(const Node &top)
+{
+    std::vector<const Node *> links; // bottom first
+    const Node *leaf = &top;
+    for (; leaf->kind == NodeKind::Binary; leaf = leaf->args[0].get())
+        links.push_back(leaf);
+    std::reverse(links.begin(), links.end());
+    size_t next = 0;
+    bool constant = isConstant(*leaf);
+    while (constant && next < links.size() && isConstant(*links[next]->args[1]))
+        ++next;
+    QString acc;
+    if (constant && next > 0) {
+        // A constant that cannot be computed (1/0, Chr(300)) fails now, before any row.
+        Result<QVariant> value = evaluate(*links[next - 1], nullptr, m_mode);
+        if (!value.isOk())
+            return value.status();
+        acc = literal(value.value());
+    } else {
+        Result<QString> first = expr(*leaf);
+        if (!first.isOk())
+            return first;
+        acc = first.value();
+    }
+    while (next < links.size()) {
+        const Op op = links[next]->op;
+        const bool regroup = op == Op::Concat || op == Op::And || op == Op::Or;
+        std::vector<QString> terms{ acc };
+        const Node *last = links[next];
+        do {
+            last = links[next];
+            Result<QString> right = expr(*last->args[1]);
+            if (!right.isOk())
+                return right;
+            terms.push_back(right.value());
+            ++next;
+        } while (regroup && next < links.size() && links[next]->op == op);
+        if (!regroup) {
+            terms = { binaryText(*last, terms[0], terms[1]) };
+        } else {
+            constexpr size_t kGroup = 64;
+            const QString separator = op == Op::Concat ? QStringLiteral(", ")
+                : op == Op::And                        ? QStringLiteral(") AND (")
+                                                       : QStringLiteral(") OR (");
+            while (terms.size() > 1) {
+                std::vector<QString> grouped;
+                for (size_t i = 0; i < terms.size(); i += kGroup) {
+                    const size_t end = std::min(terms.size(), i + kGroup);
+                    QString g =
+                        op == Op::Concat ? QStringLiteral("jet_concat(") : QStringLiteral("((");
+                    for (size_t k = i; k < end; ++k)
+                        g += (k > i ? separator : QString()) + terms[k];
+                    g += op == Op::Concat ? QStringLiteral(")") : QStringLiteral("))");
+                    grouped.push_back(end - i == 1 ? terms[i] : g);
+                }
+                terms.swap(grouped);
+            }
+            // SQL's AND and OR give 1 for true; Jet gives -1.
+            if (op != Op::Concat)
+                terms.front() = QStringLiteral("(-(%1))").arg(terms.front());
+        }
+        acc = terms.front();
+    }
+    return acc;
+}
+
+Result<QString> Translator::exprAt(const Node &node)
+{
+    if (node.kind == NodeKind::Binary)
+        return chain(node);
     if (node.kind != NodeKind::Literal && isConstant(node)) {
         // A constant that cannot be computed (1/0, Chr(300)) fails now, before any row is read.
         Result<QVariant> value = evaluate(node, nullptr, m_mode);
@@ -171,38 +288,29 @@ Result<QString> Translator::expr(const Node &node)
     case NodeKind::Literal: return literal(node.value);
     case NodeKind::Column: return column(node);
     case NodeKind::Unary: {
-        Result<QString> a = sub(*node.args[0]);
+        // Not Not Not x is Not x and Not Not x rounds x to a whole number (the same for
+        // minus), so a run of one operator keeps one or two of it: SQLite's depth limit is
+        // never reached by a run of any length.
+        QVarLengthArray<Op, 8> ops;
+        const Node *inner = &node;
+        for (; inner->kind == NodeKind::Unary; inner = inner->args[0].get()) {
+            const qsizetype n = ops.size();
+            if (n >= 2 && ops[n - 1] == inner->op && ops[n - 2] == inner->op)
+                ops.removeLast(); // three in a row act as one
+            else
+                ops.append(inner->op);
+        }
+        Result<QString> a = sub(*inner);
         if (!a.isOk())
             return a;
-        return node.op == Op::Not
-            ? QStringLiteral("jet_op(%1, %2, NULL)").arg(int(OpCode::Not)).arg(a.value())
-            : QStringLiteral("jet_op(%1, %2, NULL)").arg(int(OpCode::Neg)).arg(a.value());
+        QString text = a.value();
+        for (qsizetype i = ops.size() - 1; i >= 0; --i)
+            text = QStringLiteral("jet_op(%1, %2, NULL)")
+                       .arg(int(ops[i] == Op::Not ? OpCode::Not : OpCode::Neg))
+                       .arg(text);
+        return text;
     }
-    case NodeKind::Binary: {
-        Result<QString> a = sub(*node.args[0]);
-        if (!a.isOk())
-            return a;
-        Result<QString> b = sub(*node.args[1]);
-        if (!b.isOk())
-            return b;
-        const QString &l = a.value(), &r = b.value();
-        switch (node.op) {
-        case Op::Eq:
-        case Op::Ne:
-        case Op::Lt:
-        case Op::Gt:
-        case Op::Le:
-        case Op::Ge: {
-            static const char *const sym[] = { "=", "<>", "<", ">", "<=", ">=" };
-            const int i = int(node.op) - int(Op::Eq);
-            return QStringLiteral("(-((%1)%2 %3 (%4)))")
-                .arg(l, collate(), QLatin1String(sym[i]), r);
-        }
-        case Op::And: return QStringLiteral("(-((%1) AND (%2)))").arg(l, r);
-        case Op::Or: return QStringLiteral("(-((%1) OR (%2)))").arg(l, r);
-        default: return QStringLiteral("jet_op(%1, %2, %3)").arg(int(opCodeOf(node.op))).arg(l, r);
-        }
-    }
+    case NodeKind::Binary: return chain(node);
     case NodeKind::Like: {
         if (std::optional<QString> fast = upperPrefixLike(node))
             return *fast;
@@ -212,12 +320,18 @@ Result<QString> Translator::expr(const Node &node)
         Result<QString> p = sub(*node.args[1]);
         if (!p.isOk())
             return p;
-        // A literal pattern is checked now, so a bad one fails before anything runs.
-        if (node.args[1]->kind == NodeKind::Literal && isText(node.args[1]->value)) {
-            Result<LikePattern> ok =
-                LikePattern::compile(node.args[1]->value.toString(), m_mode, node.args[1]->pos);
-            if (!ok.isOk())
-                return ok.status();
+        // A constant pattern (a literal, or the find's 'A' & chr(124) & '*') is checked now,
+        // so a bad one fails as a syntax error before anything runs.
+        if (isConstant(*node.args[1])) {
+            Result<QVariant> pattern = node.args[1]->kind == NodeKind::Literal
+                ? Result<QVariant>(node.args[1]->value)
+                : evaluate(*node.args[1], nullptr, m_mode);
+            if (pattern.isOk() && isText(pattern.value())) {
+                Result<LikePattern> ok =
+                    LikePattern::compile(pattern.value().toString(), m_mode, node.args[1]->pos);
+                if (!ok.isOk())
+                    return ok.status();
+            }
         }
         return QStringLiteral("jet_like(%1, %2, %3, %4)")
             .arg(a.value(), p.value())

@@ -2,7 +2,8 @@
 // translated Jet texts call on a SQLite connection.
 //
 //   jet_op(code, a, b)             arithmetic, &, Not, Xor, Eqv, Imp with Jet's rules
-//   jet_like(value, pattern, mode, negated)
+//   jet_like(value, pattern, mode, negated)   mode 2: UCase(value) Like a prefix pattern
+//   jet_concat(a, b, ...)         a & b & ... (a long run of '&' in groups)
 //   jet_between(mode, x, a, b, negated)   bounds in either order
 //   jet_<name>(mode, args...)     UCase, Left, InStr, Chr, ... (see functions.h)
 //   COLLATE JETNOCASE             case-insensitive text order (Unicode case folding)
@@ -22,6 +23,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace plx::jet {
@@ -128,6 +130,21 @@ void jetOp(sqlite3_context *ctx, int argc, sqlite3_value **argv)
     }
 }
 
+// jet_concat(a, b, ...): a & b & ... in one call. The translation groups a long run of '&'
+// into calls of a few dozen operands, which keeps SQLite's expression depth and parser stack
+// small for any length ('&' gives the same whatever the grouping).
+void jetConcat(sqlite3_context *ctx, int argc, sqlite3_value **argv)
+{
+    try {
+        Result<QVariant> acc = argc > 0 ? fromSqlite(argv[0]) : QVariant();
+        for (int i = 1; i < argc && acc.isOk(); ++i)
+            acc = evaluateOp(Op::Concat, acc.value(), fromSqlite(argv[i]));
+        resultFrom(ctx, acc);
+    } catch (...) {
+        sqlite3_result_error(ctx, "internal error in jet_concat", -1);
+    }
+}
+
 // Case-insensitive prefix test on UTF-8 bytes for ASCII prefixes: the find query's shape.
 bool asciiPrefixMatch(const unsigned char *text, int len, const QByteArray &prefix, bool nocase)
 {
@@ -209,8 +226,17 @@ void jetLike(sqlite3_context *ctx, int argc, sqlite3_value **argv)
         }
         bool hit;
         if (compiled->useAsciiPrefix && sqlite3_value_type(argv[0]) == SQLITE_TEXT) {
-            hit = asciiPrefixMatch(sqlite3_value_text(argv[0]), sqlite3_value_bytes(argv[0]),
-                                   compiled->asciiPrefix, mode == TextCompare::NoCase);
+            const auto *text = sqlite3_value_text(argv[0]);
+            const int bytes = sqlite3_value_bytes(argv[0]);
+            hit = asciiPrefixMatch(text, bytes, compiled->asciiPrefix, mode == TextCompare::NoCase);
+            // Mode 2 stands for UCase(value) Like 'PREFIX*'. Within the prefix's length a
+            // character outside ASCII may upper-case to other letters (sharp s to SS, dotless
+            // i to I): that value is upper-cased as UCase does and compared whole.
+            if (!hit && sqlite3_value_int(argv[2]) == 2
+                && std::any_of(text,
+                               text + std::min<qsizetype>(bytes, compiled->asciiPrefix.size()),
+                               [](unsigned char c) { return c >= 0x80; }))
+                hit = compiled->pattern.matches(toText(fromSqlite(argv[0])).toUpper());
         } else {
             hit = compiled->pattern.matches(toText(fromSqlite(argv[0])));
         }
@@ -335,9 +361,9 @@ int jetBinary(void *, int n1, const void *p1, int n2, const void *p2)
 const char *const kFunctionNames[] = { "UCASE", "UCASE$", "LCASE", "LCASE$", "LEFT", "LEFT$",
                                        "RIGHT", "RIGHT$", "MID",   "MID$",   "LEN",  "TRIM",
                                        "TRIM$", "LTRIM",  "RTRIM", "INSTR",  "CHR",  "CHR$",
-                                       "ASC",   "VAL",    "STR",   "STR$",   "CSTR", "CLNG",
-                                       "CINT",  "CDBL",   "DATE",  "NOW",    "YEAR", "MONTH",
-                                       "DAY" };
+                                       "CHRW",  "ASC",    "VAL",   "STR",    "STR$", "CSTR",
+                                       "CLNG",  "CINT",   "CDBL",  "DATE",   "NOW",  "YEAR",
+                                       "MONTH", "DAY" };
 
 } // namespace
 
@@ -354,6 +380,9 @@ Status registerJetFunctions(sqlite3 *db)
     if (rc == SQLITE_OK)
         rc = sqlite3_create_function_v2(db, "jet_like", 4, det, nullptr, jetLike, nullptr, nullptr,
                                         nullptr);
+    if (rc == SQLITE_OK)
+        rc = sqlite3_create_function_v2(db, "jet_concat", -1, det, nullptr, jetConcat, nullptr,
+                                        nullptr, nullptr);
     if (rc == SQLITE_OK)
         rc = sqlite3_create_function_v2(db, "jet_between", 5, det, nullptr, jetBetween, nullptr,
                                         nullptr, nullptr);

@@ -44,6 +44,9 @@ public:
     const std::vector<Source> &sources() const { return m_sources; }
 
 private:
+    Result<QString> exprAt(const Node &node);
+    Result<QString> chain(const Node &top);
+    QString binaryText(const Node &node, const QString &l, const QString &r) const;
     Result<QString> args(const Node &node, size_t from, QString *out);
     Result<QString> call(const Node &node);
     std::optional<QString> upperPrefixLike(const Node &node);
@@ -56,6 +59,7 @@ private:
 
     std::vector<Source> m_sources;
     TextCompare m_mode;
+    int m_depth = 0; // nested expr() calls
 };
 
 } // namespace plx::jet::detail
