@@ -240,12 +240,11 @@ QString formatNumber(double x, const QString &section, bool negative)
     }
     x /= std::pow(1000.0, scaleCommas);
 
-    int intZeros = 0, intPlaces = 0, decimals = 0, expZeros = 0;
+    int intZeros = 0, decimals = 0, expZeros = 0;
     for (size_t i = 0; i < n; ++i) {
         if (!isDigitToken(t[i]))
             continue;
         if (i < intEnd) {
-            ++intPlaces;
             intZeros += t[i].type == NumToken::Zero;
         } else if (i < mantissaEnd) {
             ++decimals;
@@ -256,7 +255,8 @@ QString formatNumber(double x, const QString &section, bool negative)
 
     int exponent = 0;
     if (exp != n && x != 0) {
-        const int lead = std::max(1, intPlaces);
+        // As many integer digits as the mantissa has '0' placeholders, at least one.
+        const int lead = std::max(1, intZeros);
         exponent = int(std::floor(std::log10(x))) - (lead - 1);
         QString ip, fp;
         decimalParts(x / std::pow(10.0, exponent), decimals, &ip, &fp);
