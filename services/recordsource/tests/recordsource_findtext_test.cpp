@@ -112,6 +112,29 @@ TEST_P(FindTextTest, AnyTextUpToTheFindBoxLimitGivesAnAnswerOrAnError)
     }
 }
 
+TEST_P(FindTextTest, FindFirstTakesLongChainsAndRefusesDeepNesting)
+{
+    Result<std::unique_ptr<RecordSource>> rs =
+        m_db->OpenRecordset(QStringLiteral("SELECT * from F ORDER BY F.ID"));
+    ASSERT_TRUE(rs.isOk());
+    RecordSource &r = *rs.value();
+    // 100,000 alternatives, the last one an ID written as character codes.
+    const QString chain = QStringLiteral("F.ID = 'NONE' Or ").repeated(100000)
+        + QStringLiteral("F.ID = ") + strToASC(QStringLiteral("ID3"));
+    ASSERT_TRUE(r.FindFirst(chain).isOk());
+    ASSERT_FALSE(r.NoMatch());
+    EXPECT_EQ(textOf(r, QStringLiteral("ID")), QStringLiteral("ID3"));
+    const qint32 at = r.AbsolutePosition();
+    // Nesting past the limit is a syntax error that names it; nothing moves.
+    const Status deep =
+        r.FindFirst(QStringLiteral("UCase(").repeated(5000) + QStringLiteral("F.ID")
+                    + QStringLiteral(")").repeated(5000) + QStringLiteral(" = 'ID1'"));
+    EXPECT_EQ(deep.code(), Status::Code::Syntax);
+    EXPECT_TRUE(deep.message().contains(QStringLiteral("nested deeper than 100 levels")))
+        << deep.message().toStdString();
+    EXPECT_EQ(r.AbsolutePosition(), at);
+}
+
 TEST_P(FindTextTest, IdsOutsideWindows1252AreFoundByTheirCharacterCodeCriterion)
 {
     if (GetParam()->name() != QLatin1String("SQLite"))
