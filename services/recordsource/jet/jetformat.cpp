@@ -193,164 +193,204 @@ QString groupThousands(const QString &digits)
     return out;
 }
 
+// A number section read once: its tokens and where the integer part, the decimal point and
+// the exponent are.
+struct NumberLayout
+{
+    std::vector<NumToken> t;
+    size_t point = 0; // index of the decimal point, t.size() when none
+    size_t exp = 0; // index of E+/E-, t.size() when none; the mantissa is [0, exp)
+    size_t intEnd = 0; // the integer part is [0, intEnd)
+    size_t firstIntDigit = 0; // t.size() when the integer part has no placeholder
+    bool grouping = false;
+    int scaleCommas = 0;
+    int percents = 0;
+    int intZeros = 0, decimals = 0, expZeros = 0;
+};
+
+NumberLayout layoutOf(const QString &section)
+{
+    NumberLayout l;
+    l.t = numberTokens(section);
+    std::vector<NumToken> &t = l.t;
+    const size_t n = t.size();
+    l.point = l.exp = n;
+    for (size_t i = 0; i < n; ++i) {
+        if (t[i].type == NumToken::Point && l.point == n && l.exp == n)
+            l.point = i;
+        if (t[i].type == NumToken::Exp && l.exp == n)
+            l.exp = i;
+    }
+    l.intEnd = std::min(l.point, l.exp);
+    size_t lastIntDigit = n;
+    l.firstIntDigit = n;
+    for (size_t i = 0; i < l.intEnd; ++i) {
+        if (isDigitToken(t[i])) {
+            if (l.firstIntDigit == n)
+                l.firstIntDigit = i;
+            lastIntDigit = i;
+        }
+    }
+    // Commas: between two integer placeholders they group thousands; right after the last
+    // integer placeholder each one divides by 1,000; anywhere else they are literal.
+    if (lastIntDigit != n) {
+        for (size_t i = l.firstIntDigit + 1; i < lastIntDigit; ++i) {
+            if (t[i].type == NumToken::Comma) {
+                l.grouping = true;
+                t[i] = { NumToken::Literal, {} };
+            }
+        }
+        for (size_t i = lastIntDigit + 1; i < l.intEnd && t[i].type == NumToken::Comma; ++i) {
+            ++l.scaleCommas;
+            t[i] = { NumToken::Literal, {} };
+        }
+    }
+    for (size_t i = 0; i < n; ++i) {
+        if (t[i].type == NumToken::Comma)
+            t[i] = { NumToken::Literal, QStringLiteral(",") };
+        l.percents += t[i].type == NumToken::Percent;
+        if (!isDigitToken(t[i]))
+            continue;
+        if (i < l.intEnd)
+            l.intZeros += t[i].type == NumToken::Zero;
+        else if (i < l.exp)
+            ++l.decimals;
+        else
+            l.expZeros += t[i].type == NumToken::Zero;
+    }
+    return l;
+}
+
+// The integer digits each placeholder shows: padded to the '0' placeholders and dealt out
+// right to left, the leftmost placeholder taking any digits left over; with grouping the
+// whole grouped number stands at the first placeholder.
+std::vector<QString> integerTexts(const NumberLayout &l, QString ip)
+{
+    std::vector<QString> out(l.t.size());
+    while (ip.size() < l.intZeros)
+        ip.prepend(QLatin1Char('0'));
+    if (l.firstIntDigit == l.t.size())
+        return out;
+    if (l.grouping) {
+        out[l.firstIntDigit] = groupThousands(ip);
+        return out;
+    }
+    qsizetype left = ip.size();
+    for (size_t i = l.intEnd; i-- > 0;) {
+        if (!isDigitToken(l.t[i]))
+            continue;
+        if (i == l.firstIntDigit) {
+            out[i] = ip.left(left);
+            left = 0;
+        } else if (left > 0) {
+            out[i] = ip.mid(left - 1, 1);
+            --left;
+        }
+    }
+    return out;
+}
+
+// Fraction digits left to right; a '#' shows its digit only when a later one is not 0.
+std::vector<QString> fractionTexts(const NumberLayout &l, const QString &fp)
+{
+    std::vector<QString> out(l.t.size());
+    int k = 0;
+    for (size_t i = l.point + 1; i < l.exp && l.point < l.t.size(); ++i) {
+        if (!isDigitToken(l.t[i]))
+            continue;
+        bool laterNonZero = false;
+        for (int j = k; j < fp.size(); ++j)
+            laterNonZero = laterNonZero || fp.at(j) != QLatin1Char('0');
+        if (l.t[i].type == NumToken::Zero || laterNonZero)
+            out[i] = fp.mid(k, 1);
+        ++k;
+    }
+    return out;
+}
+
+// "E+03", "e-4", "E05": the sign as the token asks, the digits padded to its '0's.
+QString exponentText(const NumToken &tok, int exponent, int zeros)
+{
+    QString digits = QString::number(std::abs(exponent));
+    while (digits.size() < zeros)
+        digits.prepend(QLatin1Char('0'));
+    QString out = tok.text.left(1);
+    if (exponent < 0)
+        out += QLatin1Char('-');
+    else if (tok.text.at(1) == QLatin1Char('+'))
+        out += QLatin1Char('+');
+    return out + digits;
+}
+
 // One number section applied to |x|; `negative` puts a minus sign in front when the value
 // does not round to zero.
 QString formatNumber(double x, const QString &section, bool negative)
 {
-    std::vector<NumToken> t = numberTokens(section);
-    const size_t n = t.size();
-    size_t point = n, exp = n;
-    for (size_t i = 0; i < n; ++i) {
-        if (t[i].type == NumToken::Point && point == n && exp == n)
-            point = i;
-        if (t[i].type == NumToken::Exp && exp == n)
-            exp = i;
-    }
-    const size_t mantissaEnd = exp; // tokens of the mantissa: [0, mantissaEnd)
-    const size_t intEnd = std::min(point, mantissaEnd);
-    // Commas: between two integer placeholders they group thousands; right after the last
-    // integer placeholder each one divides by 1,000.
-    size_t firstIntDigit = n, lastIntDigit = n;
-    for (size_t i = 0; i < intEnd; ++i) {
-        if (isDigitToken(t[i])) {
-            if (firstIntDigit == n)
-                firstIntDigit = i;
-            lastIntDigit = i;
-        }
-    }
-    bool grouping = false;
-    int scaleCommas = 0;
-    if (lastIntDigit != n) {
-        for (size_t i = firstIntDigit + 1; i < lastIntDigit; ++i) {
-            if (t[i].type == NumToken::Comma) {
-                grouping = true;
-                t[i] = { NumToken::Literal, {} };
-            }
-        }
-        for (size_t i = lastIntDigit + 1; i < intEnd && t[i].type == NumToken::Comma; ++i) {
-            ++scaleCommas;
-            t[i] = { NumToken::Literal, {} };
-        }
-    }
-    for (NumToken &tok : t) {
-        if (tok.type == NumToken::Comma)
-            tok = { NumToken::Literal, QStringLiteral(",") };
-        if (tok.type == NumToken::Percent)
-            x *= 100;
-    }
-    x /= std::pow(1000.0, scaleCommas);
-
-    int intZeros = 0, decimals = 0, expZeros = 0;
-    for (size_t i = 0; i < n; ++i) {
-        if (!isDigitToken(t[i]))
-            continue;
-        if (i < intEnd) {
-            intZeros += t[i].type == NumToken::Zero;
-        } else if (i < mantissaEnd) {
-            ++decimals;
-        } else {
-            expZeros += t[i].type == NumToken::Zero;
-        }
-    }
-
+    const NumberLayout l = layoutOf(section);
+    const size_t n = l.t.size();
+    x *= std::pow(100.0, l.percents);
+    x /= std::pow(1000.0, l.scaleCommas);
     int exponent = 0;
-    if (exp != n && x != 0) {
+    if (l.exp != n && x != 0) {
         // As many integer digits as the mantissa has '0' placeholders, at least one.
-        const int lead = std::max(1, intZeros);
+        const int lead = std::max(1, l.intZeros);
         exponent = int(std::floor(std::log10(x))) - (lead - 1);
         QString ip, fp;
-        decimalParts(x / std::pow(10.0, exponent), decimals, &ip, &fp);
+        decimalParts(x / std::pow(10.0, exponent), l.decimals, &ip, &fp);
         if (ip.size() > lead) // rounding carried into a new digit
             ++exponent;
         x /= std::pow(10.0, exponent);
     }
     QString ip, fp;
-    decimalParts(x, decimals, &ip, &fp);
-    const bool allZero = ip.isEmpty() && !fp.contains(QRegularExpression(QStringLiteral("[1-9]")))
-        && (exp == n || x == 0);
-
-    // Integer digits, padded to the '0' placeholders, are dealt out right to left; the
-    // leftmost placeholder takes any digits left over.
-    while (ip.size() < intZeros)
-        ip.prepend(QLatin1Char('0'));
-    std::vector<QString> intText(n);
-    if (grouping) {
-        if (firstIntDigit != n)
-            intText[firstIntDigit] = groupThousands(ip);
-    } else {
-        qsizetype left = ip.size();
-        for (size_t i = intEnd; i-- > 0;) {
-            if (!isDigitToken(t[i]))
-                continue;
-            if (i == firstIntDigit) {
-                intText[i] = ip.left(left);
-                left = 0;
-            } else if (left > 0) {
-                intText[i] = ip.mid(left - 1, 1);
-                --left;
-            }
-        }
-    }
-    // Fraction digits left to right; a '#' shows its digit only when a later one is not 0.
-    std::vector<QString> fracText(n);
-    {
-        int k = 0;
-        for (size_t i = point + 1; i < mantissaEnd && point < n; ++i) {
-            if (!isDigitToken(t[i]))
-                continue;
-            bool laterNonZero = false;
-            for (int j = k; j < fp.size(); ++j)
-                laterNonZero = laterNonZero || fp.at(j) != QLatin1Char('0');
-            if (t[i].type == NumToken::Zero || laterNonZero)
-                fracText[i] = fp.mid(k, 1);
-            ++k;
-        }
-    }
+    decimalParts(x, l.decimals, &ip, &fp);
+    const bool allZero = ip.isEmpty() && !fp.contains(QRegularExpression(QStringLiteral("[1-9]")));
+    const std::vector<QString> intText = integerTexts(l, ip);
+    const std::vector<QString> fracText = fractionTexts(l, fp);
 
     QString out;
-    bool intWritten = false;
     for (size_t i = 0; i < n; ++i) {
-        const NumToken &tok = t[i];
+        const NumToken &tok = l.t[i];
         switch (tok.type) {
         case NumToken::Zero:
         case NumToken::Hash:
-            if (i < intEnd) {
+            if (i < l.intEnd)
                 out += intText[i];
-                intWritten = true;
-            } else if (i < mantissaEnd) {
+            else if (i < l.exp)
                 out += fracText[i];
-            }
             break;
         case NumToken::Point:
-            if (i == point) {
-                if (!intWritten && firstIntDigit == n)
+            if (i == l.point) {
+                if (l.firstIntDigit == n)
                     out += ip; // ".00" still shows the integer digits
                 out += QLatin1Char('.');
             }
             break;
         case NumToken::Percent: out += QLatin1Char('%'); break;
-        case NumToken::Exp: {
-            QString digits = QString::number(std::abs(exponent));
-            while (digits.size() < expZeros)
-                digits.prepend(QLatin1Char('0'));
-            out += tok.text.at(0);
-            if (exponent < 0)
-                out += QLatin1Char('-');
-            else if (tok.text.at(1) == QLatin1Char('+'))
-                out += QLatin1Char('+');
-            out += digits;
-            i = n; // the exponent's placeholders are written here
-            for (size_t k = exp + 1; k < t.size(); ++k) {
-                if (!isDigitToken(t[k]))
-                    out += t[k].text;
+        case NumToken::Exp:
+            // The exponent's placeholders are written here; literals after them follow.
+            out += exponentText(tok, exponent, l.expZeros);
+            for (size_t k = l.exp + 1; k < n; ++k) {
+                if (!isDigitToken(l.t[k]))
+                    out += l.t[k].text;
             }
+            i = n;
             break;
-        }
         case NumToken::Literal:
         case NumToken::Comma: out += tok.text; break;
         }
     }
     return (negative && !allZero) ? QLatin1Char('-') + out : out;
+}
+
+// The Null section: only its literal text.
+QString literalsOf(const QString &section)
+{
+    QString out;
+    for (const NumToken &tok : numberTokens(section)) {
+        if (tok.type == NumToken::Literal || tok.type == NumToken::Comma)
+            out += tok.type == NumToken::Comma ? QStringLiteral(",") : tok.text;
+    }
+    return out;
 }
 
 // Applies the right section of a custom number format; nullopt for Null without a section.
@@ -362,7 +402,7 @@ std::optional<QString> customNumber(const QVariant &value, const QStringList &se
     };
     if (isNull(value)) {
         if (std::optional<QString> s = section(3))
-            return formatNumber(0, *s, false).remove(QRegularExpression(QStringLiteral("\\d")));
+            return literalsOf(*s);
         return std::nullopt;
     }
     const double x = toNumber(value, 0).value();
@@ -403,29 +443,103 @@ int weekOfYear(const QDate &d, const FormatOptions &o)
     return int(start.daysTo(d) / 7) + 1;
 }
 
-QString customDate(const QDateTime &dt, const QString &f, const FormatOptions &o)
+QString customDate(const QDateTime &dt, const QString &f, const FormatOptions &o);
+
+QString twoDigits(int v)
+{
+    return QStringLiteral("%1").arg(v, 2, 10, QLatin1Char('0'));
+}
+
+// One run of a date letter (d, dd, ..., yyyy, h, nn, ...) as text; `run` is the run's
+// length and comes back as the number of letters used. Nullopt for a letter that is no
+// date token (it is shown as it is).
+std::optional<QString> dateToken(QChar letter, qsizetype *run, const QDateTime &dt,
+                                 const FormatOptions &o, bool twelve, bool afterHour)
 {
     const QDate d = dt.date();
     const QTime t = dt.time();
-    bool twelve = false;
-    for (const char *ampm : { "AM/PM", "A/P", "AMPM" })
-        twelve = twelve || f.contains(QLatin1String(ampm), Qt::CaseInsensitive);
-    auto hour = [&](bool two) {
+    const char l = char(letter.toLower().unicode());
+    qsizetype &r = *run;
+    switch (l) {
+    case 'd':
+        switch (r = std::min<qsizetype>(r, 6)) {
+        case 1: return QString::number(d.day());
+        case 2: return twoDigits(d.day());
+        case 3: return QLatin1String(kDayNames[d.dayOfWeek() % 7]).left(3);
+        case 4: return QLatin1String(kDayNames[d.dayOfWeek() % 7]);
+        case 5: return customDate(dt, QStringLiteral("m/d/yyyy"), o);
+        default: return customDate(dt, QStringLiteral("dddd, mmmm d, yyyy"), o);
+        }
+    case 'm':
+        if (afterHour && r <= 2) // right after h or hh, m is the minute
+            return r == 1 ? QString::number(t.minute()) : twoDigits(t.minute());
+        switch (r = std::min<qsizetype>(r, 4)) {
+        case 1: return QString::number(d.month());
+        case 2: return twoDigits(d.month());
+        case 3: return QLatin1String(kMonthNames[d.month() - 1]).left(3);
+        default: return QLatin1String(kMonthNames[d.month() - 1]);
+        }
+    case 'y':
+        if (r == 1)
+            return QString::number(d.dayOfYear());
+        return r == 2 ? twoDigits(d.year() % 100) : QString::number(d.year());
+    case 'w':
+        r = std::min<qsizetype>(r, 2);
+        return QString::number(r == 1 ? weekdayFrom(d, o.firstDayOfWeek) : weekOfYear(d, o));
+    case 'q': r = 1; return QString::number((d.month() - 1) / 3 + 1);
+    case 'h': {
+        r = std::min<qsizetype>(r, 2);
         int h = t.hour();
         if (twelve)
             h = h % 12 == 0 ? 12 : h % 12;
-        return two ? QStringLiteral("%1").arg(h, 2, 10, QLatin1Char('0')) : QString::number(h);
-    };
-    auto two = [](int v) { return QStringLiteral("%1").arg(v, 2, 10, QLatin1Char('0')); };
+        return r == 2 ? twoDigits(h) : QString::number(h);
+    }
+    case 'n':
+        r = std::min<qsizetype>(r, 2);
+        return r == 1 ? QString::number(t.minute()) : twoDigits(t.minute());
+    case 's':
+        r = std::min<qsizetype>(r, 2);
+        return r == 1 ? QString::number(t.second()) : twoDigits(t.second());
+    case 'c': r = 1; return generalDateText(dt);
+    case 't':
+        if (r < 5)
+            break;
+        r = 5;
+        return customDate(dt, QStringLiteral("h:nn:ss AM/PM"), o);
+    default: break;
+    }
+    r = 1;
+    return std::nullopt;
+}
 
+// The AM/PM markers at `i` (AM/PM, am/pm, A/P, a/p, AMPM); its length, 0 when none.
+qsizetype amPmMarker(const QString &f, qsizetype i, const QTime &t, QString *out)
+{
+    const bool am = t.hour() < 12;
+    if (f.mid(i, 5).compare(QLatin1String("AM/PM"), Qt::CaseInsensitive) == 0) {
+        *out += am ? f.mid(i, 2) : f.mid(i + 3, 2);
+        return 5;
+    }
+    if (f.mid(i, 4).compare(QLatin1String("AMPM"), Qt::CaseInsensitive) == 0) {
+        *out += am ? QStringLiteral("AM") : QStringLiteral("PM");
+        return 4;
+    }
+    if (f.mid(i, 3).compare(QLatin1String("A/P"), Qt::CaseInsensitive) == 0) {
+        *out += am ? f.at(i) : f.at(i + 2);
+        return 3;
+    }
+    return 0;
+}
+
+QString customDate(const QDateTime &dt, const QString &f, const FormatOptions &o)
+{
+    bool twelve = false;
+    for (const char *ampm : { "AM/PM", "A/P", "AMPM" })
+        twelve = twelve || f.contains(QLatin1String(ampm), Qt::CaseInsensitive);
     QString out;
     bool afterHour = false; // an 'm' right after h or hh is the minute
     for (qsizetype i = 0; i < f.size();) {
         const QChar c = f.at(i);
-        const QChar l = c.toLower();
-        qsizetype run = 1;
-        while (i + run < f.size() && f.at(i + run).toLower() == l)
-            ++run;
         if (c == QLatin1Char('"')) {
             const qsizetype end = f.indexOf(QLatin1Char('"'), i + 1);
             const qsizetype stop = end < 0 ? f.size() : end;
@@ -438,78 +552,19 @@ QString customDate(const QDateTime &dt, const QString &f, const FormatOptions &o
             i += 2;
             continue;
         }
-        if (f.mid(i, 5).compare(QLatin1String("AM/PM"), Qt::CaseInsensitive) == 0) {
-            const QString s = t.hour() < 12 ? f.mid(i, 2) : f.mid(i + 3, 2);
-            out += s;
-            i += 5;
+        if (const qsizetype marker = amPmMarker(f, i, dt.time(), &out)) {
+            i += marker;
             continue;
         }
-        if (f.mid(i, 4).compare(QLatin1String("AMPM"), Qt::CaseInsensitive) == 0) {
-            out += t.hour() < 12 ? QStringLiteral("AM") : QStringLiteral("PM");
-            i += 4;
-            continue;
-        }
-        if (f.mid(i, 3).compare(QLatin1String("A/P"), Qt::CaseInsensitive) == 0) {
-            out += t.hour() < 12 ? f.at(i) : f.at(i + 2);
-            i += 3;
-            continue;
-        }
-        bool token = true;
-        if (l == QLatin1Char('d')) {
-            switch (std::min<qsizetype>(run, 6)) {
-            case 1: out += QString::number(d.day()); break;
-            case 2: out += two(d.day()); break;
-            case 3: out += QLatin1String(kDayNames[d.dayOfWeek() % 7]).left(3); break;
-            case 4: out += QLatin1String(kDayNames[d.dayOfWeek() % 7]); break;
-            case 5: out += customDate(dt, QStringLiteral("m/d/yyyy"), o); break;
-            default: out += customDate(dt, QStringLiteral("dddd, mmmm d, yyyy"), o); break;
-            }
-        } else if (l == QLatin1Char('m')) {
-            if (afterHour && run <= 2) {
-                out += run == 1 ? QString::number(t.minute()) : two(t.minute());
-            } else {
-                switch (std::min<qsizetype>(run, 4)) {
-                case 1: out += QString::number(d.month()); break;
-                case 2: out += two(d.month()); break;
-                case 3: out += QLatin1String(kMonthNames[d.month() - 1]).left(3); break;
-                default: out += QLatin1String(kMonthNames[d.month() - 1]); break;
-                }
-            }
-        } else if (l == QLatin1Char('y')) {
-            if (run == 1)
-                out += QString::number(d.dayOfYear());
-            else if (run == 2)
-                out += two(d.year() % 100);
-            else
-                out += QString::number(d.year());
-        } else if (l == QLatin1Char('w')) {
-            out += QString::number(run == 1 ? weekdayFrom(d, o.firstDayOfWeek) : weekOfYear(d, o));
-            run = std::min<qsizetype>(run, 2);
-        } else if (l == QLatin1Char('q')) {
-            out += QString::number((d.month() - 1) / 3 + 1);
-            run = 1;
-        } else if (l == QLatin1Char('h')) {
-            run = std::min<qsizetype>(run, 2);
-            out += hour(run == 2);
-        } else if (l == QLatin1Char('n')) {
-            run = std::min<qsizetype>(run, 2);
-            out += run == 1 ? QString::number(t.minute()) : two(t.minute());
-        } else if (l == QLatin1Char('s')) {
-            run = std::min<qsizetype>(run, 2);
-            out += run == 1 ? QString::number(t.second()) : two(t.second());
-        } else if (l == QLatin1Char('c')) {
-            out += generalDateText(dt);
-            run = 1;
-        } else if (l == QLatin1Char('t') && run >= 5) {
-            out += customDate(dt, QStringLiteral("h:nn:ss AM/PM"), o);
-            run = 5;
+        qsizetype run = 1;
+        while (i + run < f.size() && f.at(i + run).toLower() == c.toLower())
+            ++run;
+        if (std::optional<QString> text = dateToken(c, &run, dt, o, twelve, afterHour)) {
+            out += *text;
+            afterHour = c.toLower() == QLatin1Char('h');
         } else {
-            token = false;
             out += c;
-            run = 1;
         }
-        if (token)
-            afterHour = l == QLatin1Char('h');
         i += run;
     }
     return out;

@@ -94,38 +94,42 @@ void deleteInterval(void *p)
 // which gives the same values and the same errors.
 void jetDatePart(sqlite3_context *ctx, int argc, sqlite3_value **argv)
 {
-    if (argc == 3 && sqlite3_value_type(argv[1]) == SQLITE_TEXT
-        && sqlite3_value_type(argv[2]) == SQLITE_TEXT) {
-        int interval = Other;
-        if (const auto *cached = static_cast<int *>(sqlite3_get_auxdata(ctx, 1))) {
-            interval = *cached;
-        } else {
-            interval = intervalCode(sqlite3_value_text(argv[1]), sqlite3_value_bytes(argv[1]));
-            sqlite3_set_auxdata(ctx, 1, new int(interval), deleteInterval);
-        }
-        int v[6];
-        if (interval != Other && interval != Week
-            && storedDate(sqlite3_value_text(argv[2]), sqlite3_value_bytes(argv[2]), v)) {
-            const QDate d(v[0], v[1], v[2]);
-            if (d.isValid()) {
-                int r = 0;
-                switch (interval) {
-                case Year: r = v[0]; break;
-                case Quarter: r = (v[1] - 1) / 3 + 1; break;
-                case Month: r = v[1]; break;
-                case DayOfYear: r = d.dayOfYear(); break;
-                case Day: r = v[2]; break;
-                case Weekday: r = d.dayOfWeek() % 7 + 1; break; // Sunday first, the default
-                case Hour: r = v[3]; break;
-                case Minute: r = v[4]; break;
-                case Second: r = v[5]; break;
-                default: break;
+    try {
+        if (argc == 3 && sqlite3_value_type(argv[1]) == SQLITE_TEXT
+            && sqlite3_value_type(argv[2]) == SQLITE_TEXT) {
+            int interval = Other;
+            if (const auto *cached = static_cast<int *>(sqlite3_get_auxdata(ctx, 1))) {
+                interval = *cached;
+            } else {
+                interval = intervalCode(sqlite3_value_text(argv[1]), sqlite3_value_bytes(argv[1]));
+                sqlite3_set_auxdata(ctx, 1, new int(interval), deleteInterval);
+            }
+            int v[6];
+            if (interval != Other && interval != Week
+                && storedDate(sqlite3_value_text(argv[2]), sqlite3_value_bytes(argv[2]), v)) {
+                const QDate d(v[0], v[1], v[2]);
+                if (d.isValid()) {
+                    int r = 0;
+                    switch (interval) {
+                    case Year: r = v[0]; break;
+                    case Quarter: r = (v[1] - 1) / 3 + 1; break;
+                    case Month: r = v[1]; break;
+                    case DayOfYear: r = d.dayOfYear(); break;
+                    case Day: r = v[2]; break;
+                    case Weekday: r = d.dayOfWeek() % 7 + 1; break; // Sunday first, the default
+                    case Hour: r = v[3]; break;
+                    case Minute: r = v[4]; break;
+                    case Second: r = v[5]; break;
+                    default: break;
+                    }
+                    return sqlite3_result_int(ctx, r);
                 }
-                return sqlite3_result_int(ctx, r);
             }
         }
+        callGenericJetFunction(ctx, argc, argv);
+    } catch (...) {
+        sqlite3_result_error(ctx, "internal error in DatePart", -1);
     }
-    callGenericJetFunction(ctx, argc, argv);
 }
 
 } // namespace

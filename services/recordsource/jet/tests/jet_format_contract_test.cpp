@@ -109,6 +109,7 @@ TEST(JetFormatContract, SectionsForPositiveNegativeZeroAndNull)
         { "Format(-1234, '$#,##0;;\\Z\\e\\r\\o')", "\"-$1,234\"" },
         { "Format(Null, '0;-0;\\Z;\\N\\o\\n\\e')", "\"None\"" },
         { "Format(Null, '0.00')", "Null" },
+        { "Format(Null, '0;-0;0;\"n/a 1\"')", "\"n/a 1\"" },
         { "Format(-0.001, '0.00')", "\"0.00\"" },
     });
 }
