@@ -1,0 +1,352 @@
+// Saved form positions and sizes through real settings files, and the rule that keeps a
+// restored form reachable, on simulated desks: one monitor, two side by side, one above the
+// other, different sizes and resolutions, a monitor unplugged since the last save.
+//
+// All forms here are 400 x 300 pixels, at 96 dpi 6000 x 4500 twips, so a tenth of the form
+// is 600 twips wide and 450 high. The primary monitor is 1920 x 1080 (28800 x 16200 twips).
+#include "services/formplacement.h"
+
+#include "services/ini.h"
+#include "services/monitors.h"
+#include "services/tests/envguard.h"
+#include "services/tests/simulateddesks.h"
+
+#include <QFile>
+#include <QMainWindow>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace plx;
+using namespace plx::test;
+
+namespace {
+
+// Where setFormCenter puts a 400 x 300 form on the primary monitor.
+const QPoint CentredOnPrimary((1920 - 400) / 2, (1080 - 300) / 2);
+
+QByteArray readBytes(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+void writeBytes(const QString &path, const QByteArray &bytes)
+{
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write(bytes);
+}
+
+class FormPlacementTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(dir.isValid());
+        env.installAt(dir.path());
+        form.setObjectName(QStringLiteral("frmVIValues"));
+        form.setGeometry(200, 100, 400, 300);
+    }
+
+    QString formsIni() const { return dir.filePath(QStringLiteral("forms.ini")); }
+    QString defaultsIni() const { return dir.filePath(QStringLiteral("HBDEFAULTS.INI")); }
+
+    // "MultipleMonitors" as the machine's defaults file says.
+    void setMultipleMonitors(const char *value)
+    {
+        writeBytes(defaultsIni(), QByteArray("[CONFIG]\r\nMultipleMonitors=") + value + "\r\n");
+    }
+    // A settings file holding one saved position of the form (twips).
+    void savedPosition(const char *x, const char *y)
+    {
+        writeBytes(formsIni(),
+                   QByteArray("[CONFIG]\r\nfrmVIValues-X=") + x + "\r\nfrmVIValues-Y=" + y
+                       + "\r\n");
+    }
+    // Restores the saved position onto the desk `monitors`; returns where the form went.
+    QPoint restoreOn(const QList<MonitorInfo> &monitors)
+    {
+        desk.setMonitors(monitors);
+        restoreFormPosition(&form, QString(), 0, 0, formsIni(), &desk);
+        return form.pos();
+    }
+
+    EnvGuard env;
+    QTemporaryDir dir;
+    FixedMonitorList desk{ oneMonitor() };
+    QMainWindow form;
+};
+
+} // namespace
+
+TEST_F(FormPlacementTest, KeyBaseIsTheNameAndSuffixJoinedByOneBlank)
+{
+    EXPECT_EQ(formKeyBase(&form, QString()), QStringLiteral("frmVIValues"));
+    EXPECT_EQ(formKeyBase(&form, QStringLiteral("Grid")), QStringLiteral("frmVIValues Grid"));
+    EXPECT_EQ(formKeyBase(&form, QStringLiteral(" Grid ")), QStringLiteral("frmVIValues  Grid"));
+    QMainWindow unnamed;
+    EXPECT_EQ(formKeyBase(&unnamed, QStringLiteral("Grid")), QStringLiteral("QMainWindow Grid"));
+
+    // An empty suffix gives keys such as frmVIValues-X.
+    ASSERT_TRUE(saveFormPlacement(&form, QString(), formsIni(), &desk));
+    ASSERT_TRUE(saveFormPlacement(&form, QStringLiteral("Grid"), formsIni(), &desk));
+    EXPECT_EQ(readBytes(formsIni()),
+              "[CONFIG]\r\nfrmVIValues-X=3000\r\nfrmVIValues-Y=1500\r\n"
+              "frmVIValues-H=4500\r\nfrmVIValues-W=6000\r\n"
+              "frmVIValues Grid-X=3000\r\nfrmVIValues Grid-Y=1500\r\n"
+              "frmVIValues Grid-H=4500\r\nfrmVIValues Grid-W=6000\r\n");
+}
+
+TEST_F(FormPlacementTest, SavesTwipsAtTheScreensResolution)
+{
+    desk.setMonitors(oneMonitor(144)); // 10 twips a pixel
+    form.setGeometry(-37, 100, 640, 481);
+    ASSERT_TRUE(saveFormPosition(&form, QString(), formsIni(), &desk));
+    ASSERT_TRUE(saveFormSize(&form, QString(), formsIni(), &desk));
+    EXPECT_EQ(readBytes(formsIni()),
+              "[CONFIG]\r\nfrmVIValues-X=-370\r\nfrmVIValues-Y=1000\r\n"
+              "frmVIValues-H=4810\r\nfrmVIValues-W=6400\r\n");
+
+    // ... and reads them back at that resolution.
+    QMainWindow again;
+    again.setObjectName(QStringLiteral("frmVIValues"));
+    desk.setMonitors({ monitorAt(0, 0, 1920, 1080, 1, 144), monitorAt(-1280, 0, 1280, 1024, 2) });
+    restoreFormPlacement(&again, QString(), formsIni(), &desk);
+    EXPECT_EQ(again.pos(), QPoint(-37, 100));
+    EXPECT_EQ(again.size(), QSize(640, 481));
+}
+
+TEST_F(FormPlacementTest, NothingIsSavedOutsideTheNormalState)
+{
+    const QByteArray before = "[CONFIG]\r\nfrmVIValues-X=15\r\nfrmVIValues-Y=30\r\n"
+                              "frmVIValues-H=45\r\nfrmVIValues-W=60\r\n";
+    writeBytes(formsIni(), before);
+    for (Qt::WindowState state :
+         { Qt::WindowMinimized, Qt::WindowMaximized, Qt::WindowFullScreen }) {
+        form.setWindowState(state);
+        EXPECT_FALSE(saveFormPosition(&form, QString(), formsIni(), &desk)) << state;
+        EXPECT_FALSE(saveFormSize(&form, QString(), formsIni(), &desk)) << state;
+        EXPECT_FALSE(saveFormPlacement(&form, QString(), formsIni(), &desk)) << state;
+        EXPECT_EQ(readBytes(formsIni()), before) << "the normal-state geometry survives";
+    }
+    form.setWindowState(Qt::WindowNoState);
+    form.setGeometry(200, 100, 400, 300);
+    EXPECT_TRUE(saveFormPlacement(&form, QString(), formsIni(), &desk));
+    EXPECT_NE(readBytes(formsIni()), before);
+    EXPECT_FALSE(saveFormPlacement(nullptr, QString(), formsIni(), &desk));
+}
+
+TEST_F(FormPlacementTest, ABlankFileMeansTheDefaultsFile)
+{
+    ASSERT_TRUE(saveFormPlacement(&form, QString(), QStringLiteral("  "), &desk));
+    EXPECT_EQ(readBytes(defaultsIni()),
+              "[CONFIG]\r\nfrmVIValues-X=3000\r\nfrmVIValues-Y=1500\r\n"
+              "frmVIValues-H=4500\r\nfrmVIValues-W=6000\r\n");
+    EXPECT_FALSE(QFile::exists(formsIni()));
+
+    QMainWindow again;
+    again.setObjectName(QStringLiteral("frmVIValues"));
+    again.setGeometry(0, 0, 100, 100);
+    restoreFormPlacement(&again, QString(), QString(), &desk);
+    EXPECT_EQ(again.geometry(), QRect(200, 100, 400, 300));
+}
+
+TEST_F(FormPlacementTest, RestoreSizeTakesOnlyPositiveNumbers)
+{
+    const auto restoreFrom = [this](const QByteArray &lines, qint32 defH, qint32 defW) {
+        writeBytes(formsIni(), "[CONFIG]\r\n" + lines);
+        form.resize(400, 300);
+        restoreFormSize(&form, QString(), defH, defW, formsIni(), &desk);
+        return form.size();
+    };
+    EXPECT_EQ(restoreFrom("frmVIValues-H=7500\r\nfrmVIValues-W=9000\r\n", 0, 0), QSize(600, 500));
+    // A stored 0 or negative value leaves that side alone.
+    EXPECT_EQ(restoreFrom("frmVIValues-H=0\r\nfrmVIValues-W=9000\r\n", 0, 0), QSize(600, 300));
+    EXPECT_EQ(restoreFrom("frmVIValues-H=7500\r\nfrmVIValues-W=-9000\r\n", 0, 0), QSize(400, 500));
+    // Not a number: converted as numbers in the hosts' files always were.
+    EXPECT_EQ(restoreFrom("frmVIValues-H=abc\r\nfrmVIValues-W=9,000 twips\r\n", 0, 0),
+              QSize(600, 300));
+    // Missing keys: the given defaults, or the current size for a default below 1.
+    EXPECT_EQ(restoreFrom("", 3000, 4500), QSize(300, 200));
+    EXPECT_EQ(restoreFrom("", 0, -5), QSize(400, 300));
+    EXPECT_EQ(restoreFrom("frmVIValues-W=1500\r\n", 3000, 0), QSize(100, 200));
+}
+
+TEST_F(FormPlacementTest, RestorePositionDefaultsToTheGivenOrCurrentPosition)
+{
+    writeBytes(formsIni(), "[CONFIG]\r\nOther-X=1\r\n");
+    restoreFormPosition(&form, QString(), 0, 0, formsIni(), &desk);
+    EXPECT_EQ(form.pos(), QPoint(200, 100)) << "a first opening keeps the designed position";
+    restoreFormPosition(&form, QString(), 1500, 750, formsIni(), &desk);
+    EXPECT_EQ(form.pos(), QPoint(100, 50));
+    restoreFormPosition(&form, QString(), 4500, -1, formsIni(), &desk);
+    EXPECT_EQ(form.pos(), QPoint(300, 50));
+}
+
+TEST_F(FormPlacementTest, AMainWindowComesBackWhereItWasLeft)
+{
+    setMultipleMonitors("1");
+    desk.setMonitors(secondOnTheRight());
+    form.setGeometry(2100, 333, 777, 555); // on the second monitor
+    ASSERT_TRUE(saveFormPlacement(&form, QStringLiteral("Main"), formsIni(), &desk));
+
+    QMainWindow next;
+    next.setObjectName(QStringLiteral("frmVIValues"));
+    next.setGeometry(10, 10, 400, 300);
+    restoreFormPlacement(&next, QStringLiteral("Main"), formsIni(), &desk);
+    EXPECT_EQ(next.geometry(), QRect(2100, 333, 777, 555));
+}
+
+// --- Keeping a restored form reachable: the primary monitor alone ---
+
+TEST_F(FormPlacementTest, PrimaryOnlyPullsBackOffTheLeftOrTopByATenthOfTheScreen)
+{
+    setMultipleMonitors("0");
+    // A negative stored left puts the form at a tenth of the screen width (2880 twips).
+    savedPosition("-15", "750");
+    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(192, 50));
+    savedPosition("1500", "-1");
+    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(100, 108)) << "a tenth of the height: 1620";
+    // Exactly on the edge is on the screen.
+    savedPosition("0", "0");
+    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(0, 0));
+    savedPosition("-1", "-1");
+    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(192, 108));
+}
+
+TEST_F(FormPlacementTest, PrimaryOnlyCentresWhenLessThanATenthWouldShow)
+{
+    setMultipleMonitors("0");
+    // Right edge: 28200 + 600 = 28800 still shows a tenth; one twip more does not.
+    savedPosition("28200", "750");
+    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(1880, 50));
+    savedPosition("28201", "750");
+    EXPECT_EQ(restoreOn(oneMonitor()), CentredOnPrimary);
+    // Bottom edge: 15750 + 450 = 16200.
+    savedPosition("1500", "15750");
+    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(100, 1050));
+    savedPosition("1500", "15751");
+    EXPECT_EQ(restoreOn(oneMonitor()), CentredOnPrimary);
+}
+
+TEST_F(FormPlacementTest, PrimaryOnlyTreatsTheEdgesDifferently)
+{
+    setMultipleMonitors("0");
+    // One pixel off the left edge: pulled back, although nine tenths would show.
+    savedPosition("-15", "0");
+    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(192, 0));
+    // Half the form off the right edge: left alone, the title bar is still there.
+    savedPosition("25800", "0");
+    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(1720, 0));
+    // Half off the bottom: left alone too.
+    savedPosition("0", "13950");
+    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(0, 930));
+}
+
+TEST_F(FormPlacementTest, PrimaryOnlyIgnoresTheOtherMonitors)
+{
+    setMultipleMonitors("0");
+    savedPosition("30000", "1500"); // on the second monitor
+    EXPECT_EQ(restoreOn(secondOnTheRight()), CentredOnPrimary);
+    savedPosition("-15000", "1500"); // on a monitor left of the primary
+    EXPECT_EQ(restoreOn(secondOnTheLeft()), QPoint(192, 100));
+}
+
+// --- Keeping a restored form reachable: the whole multi-monitor desktop ---
+
+TEST_F(FormPlacementTest, MultiMonitorKeepsFormsOnAnyMonitor)
+{
+    // No "MultipleMonitors" at all: the default is true.
+    savedPosition("30000", "1500");
+    EXPECT_EQ(restoreOn(secondOnTheRight()), QPoint(2000, 100));
+    savedPosition("-15000", "1500");
+    EXPECT_EQ(restoreOn(secondOnTheLeft()), QPoint(-1000, 100));
+    savedPosition("1500", "-15000");
+    EXPECT_EQ(restoreOn(secondAbove()), QPoint(100, -1000));
+}
+
+TEST_F(FormPlacementTest, MultiMonitorCentresAFormLeftOnAnUnpluggedMonitor)
+{
+    setMultipleMonitors("TRUE");
+    savedPosition("30000", "1500"); // saved on the second monitor, right of the primary
+    EXPECT_EQ(restoreOn(oneMonitor()), CentredOnPrimary);
+}
+
+TEST_F(FormPlacementTest, MultiMonitorEdgesAreTheDesktopsEdges)
+{
+    setMultipleMonitors("-1");
+    // Right: the desktop ends at 3200 pixels, 48000 twips.
+    savedPosition("47400", "0");
+    EXPECT_EQ(restoreOn(secondOnTheRight()), QPoint(3160, 0));
+    savedPosition("47401", "0");
+    EXPECT_EQ(restoreOn(secondOnTheRight()), CentredOnPrimary) << "centred on the primary";
+    // Bottom: the monitor above adds nothing below; 15750 + 450 = 16200 still fits.
+    savedPosition("0", "15750");
+    EXPECT_EQ(restoreOn(secondAbove()), QPoint(0, 1050));
+    savedPosition("0", "15751");
+    EXPECT_EQ(restoreOn(secondAbove()), CentredOnPrimary);
+    // Left: the desktop starts at -19200 twips; beyond it the form comes back a tenth of
+    // the desktop's width (4800 twips) from the origin, not from the desktop's edge.
+    savedPosition("-19200", "0");
+    EXPECT_EQ(restoreOn(secondOnTheLeft()), QPoint(-1280, 0));
+    savedPosition("-19201", "0");
+    EXPECT_EQ(restoreOn(secondOnTheLeft()), QPoint(320, 0));
+    // Top: the desktop starts at -18000; a tenth of its 34200-twip height is 3420.
+    savedPosition("0", "-18000");
+    EXPECT_EQ(restoreOn(secondAbove()), QPoint(0, -1200));
+    savedPosition("0", "-18001");
+    EXPECT_EQ(restoreOn(secondAbove()), QPoint(0, 228));
+}
+
+TEST_F(FormPlacementTest, MultipleMonitorsIsReadFromTheDefaultsFileOnly)
+{
+    // The form's own settings file says 0; the machine's defaults file does not: multi.
+    writeBytes(formsIni(),
+               "[CONFIG]\r\nMultipleMonitors=0\r\nfrmVIValues-X=30000\r\nfrmVIValues-Y=1500\r\n");
+    EXPECT_EQ(restoreOn(secondOnTheRight()), QPoint(2000, 100));
+    for (const char *value : { " true ", "1", "-1" }) {
+        setMultipleMonitors(value);
+        EXPECT_EQ(restoreOn(secondOnTheRight()), QPoint(2000, 100)) << value;
+    }
+    for (const char *value : { "0", "Yes", "" }) {
+        setMultipleMonitors(value);
+        EXPECT_EQ(restoreOn(secondOnTheRight()), CentredOnPrimary) << value;
+    }
+}
+
+TEST(ReachableFormPositionTest, DividesExactlyByTen)
+{
+    // Sizes that are not multiples of ten catch a rule that rounds its tenths.
+    const FixedMonitorList wide({ monitorAt(0, 0, 1921, 1081, 1) }); // 28815 x 16215 twips
+    const clsMonitors m(&wide);
+    const QRectF frame(0, 0, 6005, 4505); // tenths 600.5 and 450.5
+    EXPECT_EQ(reachableFormPosition(frame.translated(28214.5, 0), false, m), QPointF(28214.5, 0));
+    EXPECT_EQ(reachableFormPosition(frame.translated(28214.6, 0), false, m),
+              QPointF((28815 - 6005) / 2.0, (16215 - 4505) / 2.0));
+    EXPECT_EQ(reachableFormPosition(frame.translated(0, 15764.5), true, m), QPointF(0, 15764.5));
+    EXPECT_EQ(reachableFormPosition(frame.translated(0, 15764.6), true, m), QPointF(11405, 5855));
+    EXPECT_EQ(reachableFormPosition(frame.translated(-0.5, -0.5), true, m),
+              QPointF(2881.5, 1621.5));
+    EXPECT_EQ(reachableFormPosition(frame.translated(-0.5, -0.5), false, m),
+              QPointF(2881.5, 1621.5));
+    // Without monitors there is nothing to be reachable on: the position stays.
+    const FixedMonitorList none;
+    EXPECT_EQ(reachableFormPosition(frame.translated(-5000, 99999), true, clsMonitors(&none)),
+              QPointF(-5000, 99999));
+}
+
+TEST_F(FormPlacementTest, SetFormCenterUsesThePrimaryMonitor)
+{
+    desk.setMonitors(secondOnTheRight());
+    setFormCenter(&form, &desk);
+    EXPECT_EQ(form.pos(), CentredOnPrimary) << "not the middle of the whole desktop";
+    desk.setMonitors(oneMonitor(144));
+    form.move(0, 0);
+    setFormCenter(&form, &desk);
+    EXPECT_EQ(form.pos(), CentredOnPrimary) << "the same place at any resolution";
+    // A primary that does not sit at the desktop's origin.
+    desk.setMonitors({ monitorAt(1280, 0, 1920, 1080, 1), monitorAt(0, 0, 1280, 1024, 2) });
+    setFormCenter(&form, &desk);
+    EXPECT_EQ(form.pos(), CentredOnPrimary + QPoint(1280, 0));
+}
