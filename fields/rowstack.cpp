@@ -31,7 +31,10 @@ QString fileNameOf(const QString &path)
 
 } // namespace
 
-RowStack::RowStack(QWidget *parent) : QWidget(parent) { }
+RowStack::RowStack(QWidget *parent) : QWidget(parent)
+{
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
 
 RowStack::~RowStack() = default;
 
@@ -109,7 +112,20 @@ void RowStack::fitHeight()
 {
     const mvRow *last = m_rows.last();
     const int twips = last->topTwips() + last->iHeight() + m_vspacing;
-    resize(width(), plx::twipsToPixelsY(this, twips));
+    m_fittedHeight = plx::twipsToPixelsY(this, twips);
+    // In a layout the stack keeps the height of its rows and takes the width it is given.
+    updateGeometry();
+    resize(width(), m_fittedHeight);
+}
+
+QSize RowStack::sizeHint() const
+{
+    return QSize(qMax(width(), 360), m_fittedHeight);
+}
+
+QSize RowStack::minimumSizeHint() const
+{
+    return QSize(240, m_fittedHeight);
 }
 
 void RowStack::layoutWidths()

@@ -91,6 +91,9 @@ public:
     // Row n (nullptr outside 0..nUbound).
     mvRow *row(qint16 n) const { return inRange(n) ? m_rows.at(n) : nullptr; }
 
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
 protected:
     explicit RowStack(QWidget *parent);
 
@@ -129,6 +132,7 @@ private:
     QList<mvRow *> m_rows;
     plx::Services *m_services = nullptr;
     qint16 m_vspacing = 60;
+    int m_fittedHeight = 0; // pixels: the height the rows need
     mutable qint16 m_dbfType = 0;
     QString m_filter;
     qint32 m_backColor = -1; // -1: the palette's own

@@ -143,8 +143,8 @@ void mvPLXRecs::buildChildren()
     grid->addWidget(m_lblFind, 1, 0);
     grid->addWidget(m_cboFind, 1, 1, 1, 3);
     grid->addWidget(m_cmdFind, 1, 4);
-    grid->addWidget(m_lblBrowse, 0, 5);
-    grid->addWidget(m_cmdBrowse, 1, 5);
+    grid->addWidget(m_lblBrowse, 1, 5);
+    grid->addWidget(m_cmdBrowse, 1, 6);
     grid->setColumnStretch(1, 3);
     grid->setColumnStretch(3, 2);
 

@@ -1,0 +1,177 @@
+// apps/plxform/filtereditor.cpp
+#include "apps/plxform/filtereditor.h"
+
+#include "services/ini.h"
+#include "services/recordsource/database.h"
+
+#include <QDialogButtonBox>
+#include <QFile>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTextStream>
+#include <QVBoxLayout>
+
+namespace plx::form {
+
+FilterEditor::FilterEditor(QString filterFile, std::shared_ptr<Database> db, QString table,
+                           QWidget *parent)
+    : QDialog(parent), m_file(std::move(filterFile)), m_db(std::move(db)),
+      m_table(std::move(table)), m_list(new QListWidget(this)), m_name(new QLineEdit(this)),
+      m_where(new QPlainTextEdit(this)), m_problem(new QLabel(this))
+{
+    setObjectName(QStringLiteral("frmFilterEditor"));
+    setWindowTitle(tr("Filters"));
+    m_list->setObjectName(QStringLiteral("lstFilters"));
+    m_name->setObjectName(QStringLiteral("txtName"));
+    m_where->setObjectName(QStringLiteral("txtWhere"));
+    m_problem->setObjectName(QStringLiteral("lblProblem"));
+    m_problem->setWordWrap(true);
+    m_problem->setStyleSheet(QStringLiteral("color: palette(link)"));
+    m_where->setPlaceholderText(tr("STATE = 'TX' And BEDS >= 100"));
+    m_where->setTabChangesFocus(true);
+
+    auto *form = new QFormLayout;
+    form->addRow(tr("&Name"), m_name);
+    form->addRow(tr("&Where"), m_where);
+    auto *save = new QPushButton(tr("&Save Filter"), this);
+    save->setObjectName(QStringLiteral("cmdSaveFilter"));
+    auto *add = new QPushButton(tr("&New"), this);
+    add->setObjectName(QStringLiteral("cmdNewFilter"));
+    auto *remove = new QPushButton(tr("&Delete"), this);
+    remove->setObjectName(QStringLiteral("cmdDeleteFilter"));
+    auto *buttons = new QHBoxLayout;
+    buttons->addWidget(add);
+    buttons->addWidget(remove);
+    buttons->addStretch();
+    buttons->addWidget(save);
+    auto *close = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    auto *right = new QVBoxLayout;
+    right->addLayout(form);
+    right->addWidget(m_problem);
+    right->addLayout(buttons);
+    auto *top = new QHBoxLayout;
+    top->addWidget(m_list, 1);
+    top->addLayout(right, 2);
+    auto *outer = new QVBoxLayout(this);
+    outer->addLayout(top);
+    outer->addWidget(close);
+    resize(640, 320);
+
+    connect(close, &QDialogButtonBox::rejected, this, &QDialog::accept);
+    connect(m_list, &QListWidget::currentRowChanged, this, &FilterEditor::showSelected);
+    connect(add, &QPushButton::clicked, this, [this] {
+        m_list->setCurrentRow(-1);
+        m_name->clear();
+        m_where->clear();
+        m_problem->clear();
+        m_name->setFocus();
+    });
+    connect(remove, &QPushButton::clicked, this, [this] {
+        if (QListWidgetItem *item = m_list->currentItem())
+            deleteFilter(item->text());
+    });
+    connect(save, &QPushButton::clicked, this, [this] {
+        const QListWidgetItem *item = m_list->currentItem();
+        saveFilter(item ? item->text() : QString(), m_name->text().trimmed(),
+                   m_where->toPlainText().trimmed());
+    });
+    reload();
+}
+
+QStringList FilterEditor::filterNames() const
+{
+    QStringList names = getINISections(m_file);
+    names.removeFirst(); // element 0 is a placeholder
+    return names;
+}
+
+void FilterEditor::reload()
+{
+    m_list->clear();
+    m_list->addItems(filterNames());
+}
+
+void FilterEditor::showSelected()
+{
+    const QListWidgetItem *item = m_list->currentItem();
+    m_problem->clear();
+    if (!item)
+        return;
+    QString where;
+    readINI(item->text(), QStringLiteral("Where"), m_file, where, QString());
+    m_name->setText(item->text());
+    m_where->setPlainText(where);
+}
+
+QString FilterEditor::checkCondition(const QString &where) const
+{
+    if (!m_db)
+        return tr("No table is open.");
+    if (where.contains(QLatin1Char('\n')) || where.contains(QLatin1Char('\r')))
+        return tr("A condition is one line.");
+    Result<std::unique_ptr<RecordSource>> tried = m_db->OpenRecordset(
+        QStringLiteral("SELECT * from ") + m_table + QStringLiteral(" WHERE ") + where);
+    return tried.isOk() ? QString() : tried.status().message();
+}
+
+bool FilterEditor::saveFilter(const QString &oldName, const QString &name, const QString &where)
+{
+    if (name.isEmpty() || name.contains(QLatin1Char('[')) || name.contains(QLatin1Char(']'))) {
+        m_problem->setText(tr("A filter needs a name without brackets."));
+        return false;
+    }
+    if (where.isEmpty()) {
+        m_problem->setText(tr("A filter needs a condition."));
+        return false;
+    }
+    const QString problem = checkCondition(where);
+    if (!problem.isEmpty()) {
+        m_problem->setText(tr("This condition cannot run: %1").arg(problem));
+        return false;
+    }
+    if (!oldName.isEmpty() && oldName != name)
+        deleteFilter(oldName);
+    if (!writeINI(name, QStringLiteral("Where"), m_file, where)) {
+        m_problem->setText(tr("The filter file %1 cannot be written.").arg(m_file));
+        return false;
+    }
+    m_problem->setText(tr("Saved."));
+    reload();
+    const QList<QListWidgetItem *> saved = m_list->findItems(name, Qt::MatchExactly);
+    if (!saved.isEmpty())
+        m_list->setCurrentItem(saved.first());
+    return true;
+}
+
+bool FilterEditor::deleteFilter(const QString &name)
+{
+    // The settings writer keeps other lines as they are; a section is removed by writing
+    // the file again without it.
+    QFile file(m_file);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QStringList lines = QString::fromLatin1(file.readAll()).split(QStringLiteral("\r\n"));
+    file.close();
+    QStringList kept;
+    bool skipping = false;
+    for (const QString &line : lines) {
+        const QString t = line.trimmed();
+        if (t.startsWith(QLatin1Char('[')) && t.endsWith(QLatin1Char(']')))
+            skipping = t.mid(1, t.size() - 2).trimmed().compare(name, Qt::CaseInsensitive) == 0;
+        if (!skipping)
+            kept << line;
+    }
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    file.write(kept.join(QStringLiteral("\r\n")).toLatin1());
+    file.close();
+    reload();
+    return true;
+}
+
+} // namespace plx::form

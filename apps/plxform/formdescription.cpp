@@ -1,0 +1,266 @@
+// apps/plxform/formdescription.cpp
+#include "apps/plxform/formdescription.h"
+
+#include "services/ini.h"
+#include "services/texthelpers.h"
+
+#include <QFile>
+#include <QSet>
+
+namespace plx::form {
+
+namespace {
+
+const QSet<QString> kFormKeys{ QStringLiteral("FILE"),     QStringLiteral("DATABASE"),
+                               QStringLiteral("TABLE"),    QStringLiteral("DESC"),
+                               QStringLiteral("IDFIELD"),  QStringLiteral("DESCFIELD"),
+                               QStringLiteral("PARENTID"), QStringLiteral("SORTS"),
+                               QStringLiteral("REQUIRED") };
+const QSet<QString> kRowKeys{ QStringLiteral("CAPTION"),   QStringLiteral("FIELD"),
+                              QStringLiteral("FORMAT"),    QStringLiteral("MODE"),
+                              QStringLiteral("MAXLENGTH"), QStringLiteral("LABELWIDTH") };
+const QSet<QString> kCheckKeys{ QStringLiteral("CAPTION"), QStringLiteral("FIELD") };
+
+// Every section and its keys as written, for the checks the profile reader cannot make.
+QList<QPair<QString, QStringList>> scanKeys(const QByteArray &text)
+{
+    QList<QPair<QString, QStringList>> sections;
+    for (QByteArray line : text.split('\n')) {
+        line = line.trimmed();
+        if (line.isEmpty() || line.startsWith(';'))
+            continue;
+        if (line.startsWith('[') && line.endsWith(']')) {
+            sections.append({ QString::fromLatin1(line.mid(1, line.size() - 2)).trimmed(), {} });
+            continue;
+        }
+        const qsizetype eq = line.indexOf('=');
+        if (!sections.isEmpty())
+            sections.last().second << (eq < 0 ? QString::fromLatin1(line)
+                                              : QString::fromLatin1(line.left(eq)).trimmed());
+    }
+    return sections;
+}
+
+QString value(const QString &path, const QString &section, const char *key)
+{
+    QString v;
+    readINI(section, QString::fromLatin1(key), path, v, QString());
+    return v;
+}
+
+bool isNamelike(const FieldInfo &f)
+{
+    const QString n = f.name.toUpper();
+    return f.type == FieldType::Text
+        && (n.contains(QLatin1String("NAME")) || n == QLatin1String("CITY")
+            || n == QLatin1String("COMPANY") || n == QLatin1String("TITLE")
+            || n == QLatin1String("DESC"));
+}
+
+} // namespace
+
+Result<FormDescription> loadFormDescription(const QString &path, QStringList *warnings)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return Status(Status::Code::NotFound,
+                      QStringLiteral("cannot read the form description %1").arg(path));
+    const QByteArray text = file.read(4 * 1024 * 1024);
+    if (text.contains('\0'))
+        return Status(Status::Code::Corrupt, QStringLiteral("%1 is not a settings file").arg(path));
+    const QList<QPair<QString, QStringList>> sections = scanKeys(text);
+    bool hasForm = false;
+    for (const auto &[section, keys] : sections) {
+        const QString upper = section.toUpper();
+        const QSet<QString> *known = upper == QLatin1String("FORM") ? &kFormKeys
+            : upper.startsWith(QLatin1String("ROW"))                ? &kRowKeys
+            : upper.startsWith(QLatin1String("CHECK"))              ? &kCheckKeys
+                                                                    : nullptr;
+        hasForm = hasForm || upper == QLatin1String("FORM");
+        if (!known) {
+            warnings->append(QStringLiteral("Unknown section [%1] ignored").arg(section));
+            continue;
+        }
+        for (const QString &key : keys)
+            if (!known->contains(key.toUpper()))
+                warnings->append(
+                    QStringLiteral("Unknown key \"%1\" in [%2] ignored").arg(key, section));
+    }
+    if (!hasForm)
+        return Status(Status::Code::Corrupt, QStringLiteral("%1 has no [FORM] section").arg(path));
+
+    FormDescription form;
+    const QString f = QStringLiteral("FORM");
+    form.file = value(path, f, "File");
+    form.database = value(path, f, "Database");
+    form.table = value(path, f, "Table");
+    form.desc = value(path, f, "Desc");
+    form.idField = value(path, f, "IDField");
+    form.descField = value(path, f, "DescField");
+    const QString parent = value(path, f, "ParentID");
+    if (!parent.isEmpty())
+        form.parentID = parent;
+    for (const QString &sort :
+         value(path, f, "Sorts").split(QLatin1Char('|'), Qt::SkipEmptyParts)) {
+        const qsizetype colon = sort.indexOf(QLatin1Char(':'));
+        if (colon < 1 || getLenTrim(sort.mid(colon + 1)) < 1) {
+            warnings->append(QStringLiteral("Sort \"%1\" ignored: write it as Name:FIELD, FIELD")
+                                 .arg(sort.trimmed()));
+            continue;
+        }
+        form.sorts.append({ sort.left(colon).trimmed(), sort.mid(colon + 1).trimmed() });
+    }
+    for (const QString &field :
+         value(path, f, "Required").split(QLatin1Char(','), Qt::SkipEmptyParts))
+        form.required << field.trimmed();
+    if (form.file.isEmpty() == form.database.isEmpty())
+        return Status(
+            Status::Code::InvalidArgument,
+            QStringLiteral("%1 must name either File= (a FoxPro table) or Database= (SQLite)")
+                .arg(path));
+    if (!form.database.isEmpty() && form.table.isEmpty())
+        return Status(Status::Code::InvalidArgument,
+                      QStringLiteral("%1 names a database but no Table=").arg(path));
+
+    for (const auto &[section, keys] : sections) {
+        const QString upper = section.toUpper();
+        if (upper.startsWith(QLatin1String("ROW"))) {
+            RowDescription row{ value(path, section, "Caption"), value(path, section, "Field"),
+                                value(path, section, "Format"), value(path, section, "Mode") };
+            bool ok = true;
+            const QString max = value(path, section, "MaxLength");
+            row.maxLength = max.isEmpty() ? 0 : max.toInt(&ok);
+            if (!ok || row.maxLength < 0) {
+                warnings->append(
+                    QStringLiteral(
+                        "MaxLength \"%1\" in [%2] is not a length; the field's size is used")
+                        .arg(max, section));
+                row.maxLength = 0;
+            }
+            const QString width = value(path, section, "LabelWidth");
+            ok = true;
+            row.labelWidth = width.isEmpty() ? 0 : width.toInt(&ok);
+            if (!ok || row.labelWidth < 0) {
+                warnings->append(QStringLiteral("LabelWidth \"%1\" in [%2] is not a width in twips")
+                                     .arg(width, section));
+                row.labelWidth = 0;
+            }
+            if (row.field.isEmpty())
+                warnings->append(
+                    QStringLiteral("[%1] names no Field; the row is left out").arg(section));
+            else
+                form.rows.append(row);
+        } else if (upper.startsWith(QLatin1String("CHECK"))) {
+            CheckDescription check{ value(path, section, "Caption"),
+                                    value(path, section, "Field") };
+            if (check.field.isEmpty())
+                warnings->append(
+                    QStringLiteral("[%1] names no Field; the check box is left out").arg(section));
+            else
+                form.checks.append(check);
+        }
+    }
+    return form;
+}
+
+Status saveFormDescription(const FormDescription &form, const QString &path)
+{
+    QFile::remove(path);
+    const QString f = QStringLiteral("FORM");
+    bool ok = true;
+    auto set = [&](const QString &section, const char *key, const QString &v) {
+        if (!v.isEmpty())
+            ok = writeINI(section, QString::fromLatin1(key), path, v) && ok;
+    };
+    set(f, "File", form.file);
+    set(f, "Database", form.database);
+    set(f, "Table", form.table);
+    set(f, "Desc", form.desc);
+    set(f, "IDField", form.idField);
+    set(f, "DescField", form.descField);
+    set(f, "ParentID", form.parentID);
+    QStringList sorts;
+    for (const auto &[name, fields] : form.sorts)
+        sorts << name + QLatin1Char(':') + fields;
+    set(f, "Sorts", sorts.join(QLatin1Char('|')));
+    set(f, "Required", form.required.join(QStringLiteral(", ")));
+    for (qsizetype i = 0; i < form.rows.size(); ++i) {
+        const RowDescription &r = form.rows[i];
+        const QString section = QStringLiteral("ROW%1").arg(i + 1);
+        set(section, "Caption", r.caption);
+        set(section, "Field", r.field);
+        set(section, "Format", r.format);
+        set(section, "Mode", r.mode);
+        set(section, "MaxLength", r.maxLength > 0 ? QString::number(r.maxLength) : QString());
+        set(section, "LabelWidth", r.labelWidth > 0 ? QString::number(r.labelWidth) : QString());
+    }
+    for (qsizetype i = 0; i < form.checks.size(); ++i) {
+        const QString section = QStringLiteral("CHECK%1").arg(i + 1);
+        set(section, "Caption", form.checks[i].caption);
+        set(section, "Field", form.checks[i].field);
+    }
+    return ok ? Status::ok()
+              : Status(Status::Code::IoError, QStringLiteral("cannot write %1").arg(path));
+}
+
+FormDescription describeTable(const QList<FieldInfo> &fields, const QString &desc)
+{
+    FormDescription form;
+    form.desc = desc;
+    for (const FieldInfo &f : fields)
+        if (f.name.compare(QLatin1String("ID"), Qt::CaseInsensitive) == 0)
+            form.idField = f.name;
+    for (const FieldInfo &f : fields) {
+        if (form.idField.isEmpty() && f.type == FieldType::Text)
+            form.idField = f.name;
+        if (form.descField.isEmpty() && isNamelike(f))
+            form.descField = f.name;
+    }
+    if (!form.idField.isEmpty())
+        form.sorts.append({ QStringLiteral("ID"), form.idField });
+    for (const FieldInfo &f : fields)
+        if (isNamelike(f) && f.name != form.idField)
+            form.sorts.append({ f.name.left(1) + f.name.mid(1).toLower(), f.name });
+    for (const FieldInfo &f : fields) {
+        const QString upper = f.name.toUpper();
+        if (upper == QLatin1String("PLSTART") || upper == QLatin1String("PLLASTREV"))
+            continue; // stamped by the navigator, not typed
+        const QString caption = f.name.left(1) + f.name.mid(1).toLower();
+        if (f.type == FieldType::Boolean)
+            form.checks.append({ caption, f.name });
+        else if (f.type != FieldType::Binary)
+            form.rows.append({ caption, f.name,
+                               f.type == FieldType::Date ? QStringLiteral("mm/dd/yyyy") : QString(),
+                               f.type == FieldType::Date ? QStringLiteral("Date") : QString() });
+    }
+    return form;
+}
+
+QStringList checkFieldNames(const FormDescription &form, const QList<FieldInfo> &fields)
+{
+    QSet<QString> names;
+    for (const FieldInfo &f : fields)
+        names.insert(f.name.toUpper());
+    QStringList problems;
+    auto check = [&](const QString &field, const QString &where) {
+        if (!field.isEmpty() && !names.contains(field.trimmed().toUpper()))
+            problems << QStringLiteral("%1 names the field \"%2\", which the table does not have")
+                            .arg(where, field);
+    };
+    check(form.idField, QStringLiteral("IDField"));
+    check(form.descField, QStringLiteral("DescField"));
+    for (const auto &[name, list] : form.sorts)
+        for (const QString &field : list.split(QLatin1Char(','), Qt::SkipEmptyParts))
+            check(field.trimmed(), QStringLiteral("Sort \"%1\"").arg(name));
+    for (const QString &field : form.required)
+        check(field, QStringLiteral("Required"));
+    for (qsizetype i = 0; i < form.rows.size(); ++i)
+        check(form.rows[i].field,
+              QStringLiteral("Row %1 (%2)").arg(i + 1).arg(form.rows[i].caption));
+    for (qsizetype i = 0; i < form.checks.size(); ++i)
+        check(form.checks[i].field,
+              QStringLiteral("Check box %1 (%2)").arg(i + 1).arg(form.checks[i].caption));
+    return problems;
+}
+
+} // namespace plx::form

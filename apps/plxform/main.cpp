@@ -1,0 +1,185 @@
+// apps/plxform/main.cpp: plxform, a complete data-entry form for a FoxPro table file or a
+// table of a SQLite database.
+//
+//   plxform                              the sample facility table (made on first run)
+//   plxform TABLE.DBF                    a FoxPro table file
+//   plxform --sqlite FILE --table T      a table of a SQLite database
+//   plxform FORM.INI                     a saved form description
+//   plxform --save-form FORM.INI [...]   writes the description of what it would show
+//   plxform --screenshot FILE.png [...]  draws the form into a PNG and exits
+#include "apps/plxform/hostform.h"
+#include "apps/plxform/sampledata.h"
+
+#include "services/ini.h"
+#include "services/paths.h"
+#include "services/recordsource/database.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QTimer>
+
+#include <cstdio>
+
+namespace {
+
+using namespace plx;
+using namespace plx::form;
+
+void say(const QString &line)
+{
+    std::fprintf(stderr, "plxform: %s\n", qPrintable(line));
+}
+
+// The product's folders: the installation directory given by PLX_HARROWBY_DIR, else one
+// of the user's own, with its work directory made up front so nobody is asked about it.
+void prepareInstallationDirectory()
+{
+    if (qEnvironmentVariableIsEmpty("PLX_HARROWBY_DIR")) {
+        const QString own = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
+            + QStringLiteral("/PLX");
+        qputenv("PLX_HARROWBY_DIR", own.toUtf8());
+    }
+    QDir().mkpath(qEnvironmentVariable("PLX_HARROWBY_DIR") + QStringLiteral("/WORK-PLX"));
+}
+
+// A form description file, a FoxPro table file, or a SQLite database (its first table).
+Result<FormDescription> describePath(const QString &path, QStringList *warnings)
+{
+    if (path.endsWith(QLatin1String(".ini"), Qt::CaseInsensitive))
+        return loadFormDescription(path, warnings);
+    FormDescription form;
+    if (path.endsWith(QLatin1String(".dbf"), Qt::CaseInsensitive)) {
+        form.file = QFileInfo(path).absoluteFilePath();
+        return form;
+    }
+    Result<std::unique_ptr<Database>> db = OpenDatabase(path, false, true, QString());
+    if (!db.isOk())
+        return db.status();
+    const QStringList tables = db.value()->tableNames();
+    if (tables.isEmpty())
+        return Status(Status::Code::NotFound, QStringLiteral("%1 holds no table").arg(path));
+    form.database = QFileInfo(path).absoluteFilePath();
+    form.table = tables.first();
+    return form;
+}
+
+// The description of what `arguments` ask for; the sample when they name nothing.
+Result<FormDescription> describeRequest(const QCommandLineParser &args, QStringList *warnings)
+{
+    if (args.isSet(QStringLiteral("sqlite"))) {
+        FormDescription form;
+        form.database = args.value(QStringLiteral("sqlite"));
+        form.table = args.value(QStringLiteral("table"));
+        if (form.table.isEmpty())
+            return Status(Status::Code::InvalidArgument,
+                          QStringLiteral("--sqlite needs --table T"));
+        return form;
+    }
+    QString target = args.positionalArguments().value(0);
+    if (target.isEmpty()) {
+        Result<SamplePaths> sample =
+            ensureSample(fromDiskPath(getWorkDir()).replace(QLatin1Char('\\'), QLatin1Char('/')));
+        if (!sample.isOk())
+            return sample.status();
+        target = sample.value().formFile;
+    }
+    return describePath(target, warnings);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("plxform"));
+    QApplication::setApplicationVersion(QStringLiteral(PLX_VERSION));
+    QCommandLineParser args;
+    args.setApplicationDescription(
+        QStringLiteral("A data-entry form for a FoxPro table file or a SQLite table."));
+    args.addHelpOption();
+    args.addVersionOption();
+    args.addPositionalArgument(
+        QStringLiteral("table"),
+        QStringLiteral("A FoxPro table file (.DBF) or a form description (.ini)."),
+        QStringLiteral("[TABLE.DBF | FORM.INI]"));
+    args.addOption({ QStringLiteral("sqlite"), QStringLiteral("A SQLite database file."),
+                     QStringLiteral("FILE") });
+    args.addOption({ QStringLiteral("table"), QStringLiteral("The table of the SQLite database."),
+                     QStringLiteral("T") });
+    args.addOption({ QStringLiteral("save-form"),
+                     QStringLiteral("Write the form description and exit."),
+                     QStringLiteral("FORM.INI") });
+    args.addOption({ QStringLiteral("screenshot"),
+                     QStringLiteral("Draw the form into a PNG file and exit."),
+                     QStringLiteral("FILE.png") });
+    args.process(app);
+
+    prepareInstallationDirectory();
+    QStringList warnings;
+    Result<FormDescription> request = describeRequest(args, &warnings);
+    for (const QString &w : warnings)
+        say(w);
+    if (!request.isOk()) {
+        say(request.status().message());
+        return 1;
+    }
+    HostForm form(nullptr);
+    QString error;
+    warnings.clear();
+    if (!form.openForm(request.value(), &warnings, &error)) {
+        say(error);
+        return 1;
+    }
+    for (const QString &w : warnings)
+        say(w);
+    if (args.isSet(QStringLiteral("save-form"))) {
+        const QString path = args.value(QStringLiteral("save-form"));
+        if (Status s = saveFormDescription(form.currentDescription(), path); !s.isOk()) {
+            say(s.message());
+            return 1;
+        }
+        std::printf("%s\n", qPrintable(path));
+        return 0;
+    }
+    form.resize(920, 660);
+    if (args.isSet(QStringLiteral("screenshot"))) {
+        const QString path = args.value(QStringLiteral("screenshot"));
+        form.show();
+        for (int i = 0; i < 5; ++i)
+            QApplication::processEvents();
+        if (!form.grab().save(path)) {
+            say(QStringLiteral("cannot write %1").arg(path));
+            return 1;
+        }
+        std::printf("%s\n", qPrintable(QFileInfo(path).absoluteFilePath()));
+        return 0;
+    }
+    if (!warnings.isEmpty())
+        QTimer::singleShot(0, &form, [&form, warnings] {
+            prompterOf(nullptr).msgBox(warnings.join(QStringLiteral("\r\n")), MsgStyle::Information,
+                                       QStringLiteral("plxform"));
+            Q_UNUSED(form);
+        });
+    QObject::connect(&form, &HostForm::openRequested, &form, [&form](const QString &path) {
+        QStringList problems;
+        Result<FormDescription> next = describePath(path, &problems);
+        QString why;
+        if (!next.isOk())
+            why = next.status().message();
+        else if (!form.openForm(next.value(), &problems, &why))
+            problems.prepend(why);
+        if (!why.isEmpty() || !problems.isEmpty())
+            prompterOf(nullptr).msgBox((why.isEmpty() ? problems : QStringList(why) + problems)
+                                           .join(QStringLiteral("\r\n")),
+                                       MsgStyle::Information, QStringLiteral("plxform"));
+    });
+    QObject::connect(&form, &HostForm::saveFormRequested, &form, [&form](const QString &path) {
+        if (Status s = saveFormDescription(form.currentDescription(), path); !s.isOk())
+            prompterOf(nullptr).msgBox(s.message(), MsgStyle::Critical, QStringLiteral("plxform"));
+    });
+    form.show();
+    return app.exec();
+}

@@ -1,0 +1,249 @@
+// apps/plxform/sampledata.cpp
+#include "apps/plxform/sampledata.h"
+
+#include "services/ini.h"
+#include "services/recordsource/dbf/dbftable.h"
+#include "services/recordsource/foxpro/fieldmapping.h"
+#include "services/recordsource/sqlite/sqlitevalues.h"
+
+#include <QDate>
+#include <QDir>
+#include <QFile>
+
+#include <sqlite3.h>
+
+#include <random>
+
+namespace plx::form {
+
+namespace {
+
+QList<FieldInfo> sampleFields()
+{
+    return {
+        { QStringLiteral("ID"), FieldType::Text, 10, 0 },
+        { QStringLiteral("NAME"), FieldType::Text, 40, 0 },
+        { QStringLiteral("CITY"), FieldType::Text, 24, 0 },
+        { QStringLiteral("STATE"), FieldType::Text, 2, 0 },
+        { QStringLiteral("PHONE"), FieldType::Text, 14, 0 },
+        { QStringLiteral("BEDS"), FieldType::Numeric, 5, 0 },
+        { QStringLiteral("RATE"), FieldType::Numeric, 8, 2 },
+        { QStringLiteral("OPENED"), FieldType::Date, 8, 0 },
+        { QStringLiteral("ACTIVE"), FieldType::Boolean, 1, 0 },
+        { QStringLiteral("MEDICARE"), FieldType::Boolean, 1, 0 },
+        { QStringLiteral("NOTES"), FieldType::Memo, 10, 0 },
+        { QStringLiteral("PLSTART"), FieldType::Text, 30, 0 },
+        { QStringLiteral("PLLASTREV"), FieldType::Text, 30, 0 },
+    };
+}
+
+// Deterministic records that look like a care-facility register.
+QList<QVariantList> sampleRows()
+{
+    static const char *const kinds[] = { "Care Center",   "Nursing Home",  "Rehab Center",
+                                         "Senior Living", "Health Center", "Manor",
+                                         "Gardens",       "Residence" };
+    static const char *const names[] = { "Maple",      "Oak",       "Riverside",  "Lakeview",
+                                         "Sunrise",    "Hillcrest", "Pine",       "Cedar",
+                                         "Willow",     "Brookside", "Meadow",     "Harbor",
+                                         "Valley",     "Summit",    "Fairview",   "Green Acres",
+                                         "St. Mary's", "Smith",     "Smithfield", "Saint Luke's",
+                                         "Evergreen",  "Heritage",  "Liberty",    "Magnolia" };
+    static const char *const cities[][2] = {
+        { "Springfield", "IL" }, { "Madison", "WI" }, { "Columbus", "OH" }, { "Salem", "OR" },
+        { "Austin", "TX" },      { "Boston", "MA" },  { "Denver", "CO" },   { "Albany", "NY" },
+        { "Raleigh", "NC" },     { "Dover", "DE" },   { "Helena", "MT" },   { "Boise", "ID" }
+    };
+    static const char *const notes[] = {
+        "Inspected without findings.", "Kitchen renovated; re-inspection due.",
+        "Accepts short-term rehabilitation stays.\r\nParking behind the east wing.",
+        "Memory-care unit on the second floor."
+    };
+    std::mt19937 random(20261123);
+    auto below = [&random](int n) { return int(random() % unsigned(n)); };
+    const QString digits = QStringLiteral("0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ");
+    QList<QVariantList> rows;
+    for (int i = 0; i < kSampleRecords; ++i) {
+        // IDs: "PLE" + a 7-character key, as the navigator makes them.
+        QString key;
+        for (int n = i * 7919 + 104729, d = 0; d < 7; ++d, n /= 36)
+            key.prepend(digits[n % 36]);
+        const auto &city = cities[below(12)];
+        const QString name = QString::fromLatin1(names[below(24)]) + QLatin1Char(' ')
+            + QString::fromLatin1(kinds[below(8)]);
+        const QDate opened = QDate(1960, 1, 1).addDays(below(23000));
+        const QString stamp = opened.addDays(below(300)).toString(QStringLiteral("MM/dd/yyyy"))
+            + QStringLiteral(" 09:15:00 ADMIN");
+        rows.append({ QStringLiteral("PLE") + key, name, QString::fromLatin1(city[0]),
+                      QString::fromLatin1(city[1]),
+                      QStringLiteral("(%1) 555-%2")
+                          .arg(200 + below(700))
+                          .arg(below(10000), 4, 10, QLatin1Char('0')),
+                      20 + below(280), 150.0 + below(40000) / 100.0, opened, below(10) != 0,
+                      below(3) == 0,
+                      below(3) == 0 ? QVariant(QString::fromLatin1(notes[below(4)])) : QVariant(),
+                      stamp, stamp });
+    }
+    return rows;
+}
+
+Status writeFoxPro(const QString &path, const QList<QVariantList> &rows)
+{
+    QList<DbfField> fields;
+    for (const FieldInfo &f : sampleFields())
+        fields << foxpro::dbfFieldFor(f);
+    Result<std::unique_ptr<DbfTable>> table = DbfTable::create(path, fields);
+    if (!table.isOk())
+        return table.status();
+    table.value()->setDurable(false); // one sync at the end is enough for a sample
+    for (const QVariantList &row : rows) {
+        Result<quint32> added = table.value()->appendRecord(row);
+        if (!added.isOk())
+            return added.status();
+    }
+    return Status::ok();
+}
+
+Status writeSqlite(const QString &path, const QList<QVariantList> &rows)
+{
+    sqlite3 *db = nullptr;
+    if (sqlite3_open(path.toUtf8().constData(), &db) != SQLITE_OK) {
+        sqlite3_close(db);
+        return Status(Status::Code::IoError, QStringLiteral("cannot create %1").arg(path));
+    }
+    const QList<FieldInfo> fields = sampleFields();
+    QStringList columns, marks;
+    for (const FieldInfo &f : fields) {
+        columns << QStringLiteral("\"%1\" %2").arg(f.name, sqlite::declaredTypeFor(f));
+        marks << QStringLiteral("?");
+    }
+    auto exec = [db](const QString &sql) {
+        return sqlite3_exec(db, sql.toUtf8().constData(), nullptr, nullptr, nullptr);
+    };
+    int rc = exec(QStringLiteral("BEGIN"));
+    rc = rc
+        ? rc
+        : exec(QStringLiteral("CREATE TABLE FACILITY (%1)").arg(columns.join(QLatin1Char(','))));
+    rc = rc ? rc : exec(QStringLiteral("CREATE INDEX FACILITY_ID ON FACILITY (ID COLLATE NOCASE)"));
+    rc = rc
+        ? rc
+        : exec(QStringLiteral(
+            "CREATE INDEX FACILITY_NAME ON FACILITY (NAME COLLATE NOCASE, CITY COLLATE NOCASE)"));
+    sqlite3_stmt *insert = nullptr;
+    if (!rc)
+        rc = sqlite3_prepare_v2(db,
+                                QStringLiteral("INSERT INTO FACILITY VALUES (%1)")
+                                    .arg(marks.join(QLatin1Char(',')))
+                                    .toUtf8()
+                                    .constData(),
+                                -1, &insert, nullptr);
+    for (qsizetype r = 0; !rc && r < rows.size(); ++r) {
+        for (int i = 0; i < fields.size(); ++i)
+            sqlite::bindValue(insert, i + 1, rows[r].value(i), fields[i]);
+        rc = sqlite3_step(insert) == SQLITE_DONE ? SQLITE_OK : SQLITE_ERROR;
+        sqlite3_reset(insert);
+    }
+    sqlite3_finalize(insert);
+    const QString message = QString::fromUtf8(sqlite3_errmsg(db));
+    exec(rc ? QStringLiteral("ROLLBACK") : QStringLiteral("COMMIT"));
+    sqlite3_close(db);
+    return rc
+        ? Status(Status::Code::Engine, QStringLiteral("cannot write %1: %2").arg(path, message))
+        : Status::ok();
+}
+
+void writeFilters(const QString &directory)
+{
+    // Each saved filter keeps its condition under "Where" (the text after WHERE).
+    const QString file = directory + QStringLiteral("/HBFiltersPLX.INI");
+    const struct
+    {
+        const char *name, *where;
+    } filters[] = {
+        { "Active facilities", "ACTIVE = True" },
+        { "Medicare, 100 beds or more", "MEDICARE = True And BEDS >= 100" },
+        { "Texas and Ohio", "STATE In ('TX', 'OH')" },
+        { "Opened since 2000", "OPENED >= #01/01/2000#" },
+    };
+    for (const auto &f : filters)
+        writeINI(QString::fromLatin1(f.name), QStringLiteral("Where"), file,
+                 QString::fromLatin1(f.where));
+}
+
+void writeFormFile(const QString &path, const QString &table)
+{
+    auto set = [&path](const char *section, const char *key, const QString &value) {
+        writeINI(QString::fromLatin1(section), QString::fromLatin1(key), path, value);
+    };
+    set("FORM", "File", table);
+    set("FORM", "Desc", QStringLiteral("Facilities"));
+    set("FORM", "IDField", QStringLiteral("ID"));
+    set("FORM", "DescField", QStringLiteral("NAME"));
+    set("FORM", "Sorts", QStringLiteral("Name:NAME, CITY|City:CITY, NAME|State:STATE, CITY|ID:ID"));
+    set("FORM", "Required", QStringLiteral("NAME, CITY"));
+    const struct
+    {
+        const char *caption, *field, *format, *mode, *max;
+    } rows[] = {
+        { "ID", "ID", "", "Upper", "" },
+        { "Name", "NAME", "", "", "" },
+        { "City", "CITY", "", "", "" },
+        { "State", "STATE", "", "Upper", "2" },
+        { "Phone", "PHONE", "", "", "" },
+        { "Beds", "BEDS", "#,##0", "Digits", "" },
+        { "Daily rate", "RATE", "0.00", "Number", "" },
+        { "Opened", "OPENED", "mm/dd/yyyy", "Date", "" },
+        { "Notes", "NOTES", "", "", "" },
+    };
+    int n = 0;
+    for (const auto &r : rows) {
+        const QString section = QStringLiteral("ROW%1").arg(++n);
+        writeINI(section, QStringLiteral("Caption"), path, QString::fromLatin1(r.caption));
+        writeINI(section, QStringLiteral("Field"), path, QString::fromLatin1(r.field));
+        if (*r.format)
+            writeINI(section, QStringLiteral("Format"), path, QString::fromLatin1(r.format));
+        if (*r.mode)
+            writeINI(section, QStringLiteral("Mode"), path, QString::fromLatin1(r.mode));
+        if (*r.max)
+            writeINI(section, QStringLiteral("MaxLength"), path, QString::fromLatin1(r.max));
+    }
+    writeINI(QStringLiteral("CHECK1"), QStringLiteral("Caption"), path, QStringLiteral("Active"));
+    writeINI(QStringLiteral("CHECK1"), QStringLiteral("Field"), path, QStringLiteral("ACTIVE"));
+    writeINI(QStringLiteral("CHECK2"), QStringLiteral("Caption"), path,
+             QStringLiteral("Medicare certified"));
+    writeINI(QStringLiteral("CHECK2"), QStringLiteral("Field"), path, QStringLiteral("MEDICARE"));
+}
+
+} // namespace
+
+Result<SamplePaths> ensureSample(const QString &directory)
+{
+    SamplePaths paths;
+    const QString root = directory + QStringLiteral("/sample");
+    paths.foxProTable = root + QStringLiteral("/foxpro/FACILITY.DBF");
+    paths.sqliteFile = root + QStringLiteral("/facility.sqlite");
+    paths.formFile = root + QStringLiteral("/facility.ini");
+    if (QFile::exists(paths.foxProTable) && QFile::exists(paths.sqliteFile)
+        && QFile::exists(paths.formFile))
+        return paths;
+
+    const QList<QVariantList> rows = sampleRows();
+    const QString partial = root + QStringLiteral(".part");
+    QDir(partial).removeRecursively();
+    if (!QDir().mkpath(partial + QStringLiteral("/foxpro")))
+        return Status(Status::Code::IoError, QStringLiteral("cannot create %1").arg(partial));
+    if (Status s = writeFoxPro(partial + QStringLiteral("/foxpro/FACILITY.DBF"), rows); !s.isOk())
+        return s;
+    if (Status s = writeSqlite(partial + QStringLiteral("/facility.sqlite"), rows); !s.isOk())
+        return s;
+    writeFilters(partial + QStringLiteral("/foxpro"));
+    writeFilters(partial);
+    writeFormFile(partial + QStringLiteral("/facility.ini"), paths.foxProTable);
+    QDir(root).removeRecursively();
+    if (!QDir().rename(partial, root))
+        return Status(Status::Code::IoError,
+                      QStringLiteral("cannot rename %1 to %2").arg(partial, root));
+    return paths;
+}
+
+} // namespace plx::form

@@ -1,0 +1,210 @@
+// apps/plxform/tests/plxform_endtoend_test.cpp: the sample form used as a person uses it,
+// through its menus and widgets (open, sort, find, filter, new, edit, save, cancel,
+// delete), on the FoxPro sample table and on the SQLite sample table; the files are then
+// read by other programs (python3-dbf, the sqlite3 tool).
+#include "apps/plxform/hostform.h"
+#include "apps/plxform/sampledata.h"
+
+#include "fields/mvname.h"
+#include "navigator/mvplxrecs.h"
+#include "services/recordsource/recordsource.h"
+#include "tests/support/fakeenv.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QToolBar>
+
+#include <gtest/gtest.h>
+
+namespace plx::form {
+namespace {
+
+class SampleForm : public ::testing::TestWithParam<std::string>
+{
+protected:
+    void SetUp() override
+    {
+        qputenv("PLX_HARROWBY_DIR", dir.path().toUtf8());
+        QDir().mkpath(dir.filePath(QStringLiteral("WORK-PLX")));
+        Result<SamplePaths> sample = ensureSample(dir.path());
+        ASSERT_TRUE(sample.isOk()) << sample.status().message().toStdString();
+        paths = sample.value();
+        QStringList warnings;
+        Result<FormDescription> form = loadFormDescription(paths.formFile, &warnings);
+        ASSERT_TRUE(form.isOk());
+        description = form.value();
+        if (GetParam() == "SQLite") {
+            description.file.clear();
+            description.database = paths.sqliteFile;
+            description.table = QStringLiteral("FACILITY");
+        }
+        window = std::make_unique<HostForm>(env.services());
+        QString error;
+        ASSERT_TRUE(window->openForm(description, &warnings, &error)) << error.toStdString();
+        EXPECT_TRUE(warnings.isEmpty()) << warnings.join(QLatin1Char('\n')).toStdString();
+        window->resize(920, 660);
+        window->show();
+        QApplication::processEvents();
+    }
+    void TearDown() override
+    {
+        window.reset();
+        qunsetenv("PLX_HARROWBY_DIR");
+    }
+
+    mvPLXRecs *nav() { return window->navigator(); }
+    void menu(const char *name)
+    {
+        window->findChild<QAction *>(QString::fromLatin1(name))->trigger();
+    }
+    qint16 row(const char *field)
+    {
+        for (qint16 n = 0; n <= window->textRows()->nUbound(); ++n)
+            if (window->textRows()->sFieldName(n) == QLatin1String(field))
+                return n;
+        return -1;
+    }
+    QString shown(const char *field) { return window->textRows()->sValue(row(field)); }
+    void type(const char *field, const QString &text)
+    {
+        window->textRows()->setSValue(row(field), text);
+    }
+    QString count()
+    {
+        return nav()->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title();
+    }
+
+    // NAME of the record with `id` as another program reads the file, "" when it is gone.
+    QString nameOnDisk(const QString &id)
+    {
+        QProcess reader;
+        if (GetParam() == "FoxPro") {
+            reader.start(
+                QStringLiteral("/usr/bin/python3"),
+                { QStringLiteral("-c"),
+                  QStringLiteral(
+                      "import dbf,sys\nt=dbf.Table(sys.argv[1]);t.open()\n"
+                      "print(''.join(r['name'].strip() for r in t if r['id'].strip()==sys.argv[2] "
+                      "and not dbf.is_deleted(r)))"),
+                  paths.foxProTable, id });
+        } else {
+            reader.start(QStringLiteral("sqlite3"),
+                         { paths.sqliteFile,
+                           QStringLiteral("SELECT NAME FROM FACILITY WHERE ID = '%1'").arg(id) });
+        }
+        if (!reader.waitForFinished(60000) || reader.exitCode() != 0) {
+            ADD_FAILURE() << "reader failed: " << reader.readAllStandardError().toStdString();
+            return QStringLiteral("?");
+        }
+        return QString::fromUtf8(reader.readAllStandardOutput()).trimmed();
+    }
+
+    test::TestServices env;
+    QTemporaryDir dir;
+    SamplePaths paths;
+    FormDescription description;
+    std::unique_ptr<HostForm> window;
+};
+
+TEST_P(SampleForm, LaysOutWithoutOverlapsOrCutOffWidgets)
+{
+    EXPECT_EQ(count(), QStringLiteral("3,000 records"));
+    // Siblings never overlap, and every visible widget lies inside its parent.
+    const QList<QWidget *> widgets = window->findChildren<QWidget *>();
+    for (QWidget *w : widgets) {
+        if (!w->isVisible() || w->isWindow() || !w->parentWidget())
+            continue;
+        const QRect inside = w->parentWidget()->rect();
+        const bool scrolled =
+            w->parentWidget()->objectName() == QLatin1String("qt_scrollarea_viewport");
+        if (!scrolled) {
+            EXPECT_TRUE(inside.contains(w->geometry()))
+                << w->objectName().toStdString() << " is cut off";
+        }
+        for (QWidget *other : widgets) {
+            if (other == w || other->parentWidget() != w->parentWidget() || !other->isVisible()
+                || other->isWindow())
+                continue;
+            EXPECT_FALSE(w->geometry().intersects(other->geometry()))
+                << w->objectName().toStdString() << " overlaps "
+                << other->objectName().toStdString();
+        }
+    }
+}
+
+TEST_P(SampleForm, SortFindFilterNewEditCancelDeleteThroughTheMenus)
+{
+    // Sort by city, then find as a user types.
+    auto *sorts = nav()->findChild<QComboBox *>(QStringLiteral("cboSort"));
+    sorts->setCurrentIndex(1);
+    Q_EMIT sorts->activated(1);
+    auto *find = nav()->findChild<QComboBox *>(QStringLiteral("cboFind"));
+    find->setEditText(QStringLiteral("Dover"));
+    QTest::keyClick(find, Qt::Key_Return);
+    EXPECT_EQ(shown("CITY"), QStringLiteral("Dover"));
+
+    // A saved filter, as the host turns it into a WHERE text.
+    auto *filters = nav()->findChild<QComboBox *>(QStringLiteral("cboFilter"));
+    filters->setCurrentIndex(filters->findText(QStringLiteral("Texas and Ohio")));
+    const QString filtered = count();
+    EXPECT_NE(filtered, QStringLiteral("3,000 records"));
+    EXPECT_TRUE(shown("STATE") == QLatin1String("TX") || shown("STATE") == QLatin1String("OH"))
+        << shown("STATE").toStdString();
+    filters->setCurrentIndex(filters->findText(QStringLiteral(" [None]")));
+    EXPECT_EQ(count(), QStringLiteral("3,000 records"));
+
+    // New: the record exists at once; the required name is asked for before it is saved.
+    menu("mnuNew");
+    const QString id = nav()->sCurrentID().trimmed();
+    ASSERT_TRUE(id.startsWith(QLatin1String("PLE"))) << id.toStdString();
+    env.prompter.expectMsgBox(QStringLiteral("Required Field"),
+                              QStringLiteral("A Facilities record needs a value in: Name, City."),
+                              48, MsgAnswer::OK);
+    env.prompter.expectMsgBox(QStringLiteral("Record Not Saved"),
+                              QStringLiteral("'Facilities' record has NOT been saved."), 16,
+                              MsgAnswer::OK);
+    menu("mnuSave");
+    type("NAME", QStringLiteral("Quarry Hill Care Center"));
+    type("CITY", QStringLiteral("Camden"));
+    menu("mnuSave");
+    EXPECT_EQ(env.prompter.pending(), 0);
+    EXPECT_EQ(count(), QStringLiteral("3,001 records"));
+    EXPECT_EQ(nameOnDisk(id), QStringLiteral("Quarry Hill Care Center"));
+    EXPECT_TRUE(window->statusText().endsWith(QStringLiteral("Browsing")))
+        << window->statusText().toStdString();
+
+    // Edit and save; edit and cancel.
+    menu("mnuEdit");
+    EXPECT_TRUE(window->statusText().endsWith(QStringLiteral("Editing")));
+    type("NAME", QStringLiteral("Quarry Hill Manor"));
+    menu("mnuSave");
+    EXPECT_EQ(nameOnDisk(id), QStringLiteral("Quarry Hill Manor"));
+    menu("mnuEdit");
+    type("NAME", QStringLiteral("Never Saved"));
+    menu("mnuCancel");
+    EXPECT_EQ(shown("NAME"), QStringLiteral("Quarry Hill Manor"));
+    EXPECT_EQ(nameOnDisk(id), QStringLiteral("Quarry Hill Manor"));
+
+    // Delete asks twice.
+    env.prompter.expectMsgBox(
+        QStringLiteral("Delete Record?"),
+        QStringLiteral("Are you sure you want to delete this record?\r\nQuarry Hill Manor"), 260,
+        MsgAnswer::Yes);
+    env.prompter.expectMsgBox(QStringLiteral("Are you sure?"),
+                              QStringLiteral("Are you sure you want to delete this record?"), 260,
+                              MsgAnswer::Yes);
+    menu("mnuDelete");
+    EXPECT_EQ(env.prompter.pending(), 0);
+    EXPECT_EQ(nameOnDisk(id), QString());
+    EXPECT_EQ(count(), QStringLiteral("3,000 records"));
+}
+
+INSTANTIATE_TEST_SUITE_P(BackEnds, SampleForm, ::testing::Values("FoxPro", "SQLite"),
+                         [](const auto &info) { return info.param; });
+
+} // namespace
+} // namespace plx::form
