@@ -64,8 +64,8 @@ bool saveFormSize(QWidget *form, const QString &suffix, const QString &iniFile,
 
 // Restore size: reads "-H" with the default text of `defaultHeight` (of the form's current
 // height when `defaultHeight` < 1) and, when the number read (cValP) is above 0, makes it
-// the form's height; then the same for "-W" and the width. A stored 0, a negative or a
-// non-numeric value leaves that side alone.
+// the form's height; then the same for "-W" and the width. A value whose number is 0 or
+// below (a stored 0, a negative, text without digits) leaves that side alone.
 void restoreFormSize(QWidget *form, const QString &suffix, qint32 defaultHeight,
                      qint32 defaultWidth, const QString &iniFile,
                      const MonitorList *monitors = nullptr);

@@ -12,8 +12,11 @@
 #include "services/tests/simulateddesks.h"
 
 #include <QFile>
+#include <QGuiApplication>
 #include <QMainWindow>
+#include <QScreen>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -196,6 +199,26 @@ TEST_F(FormPlacementTest, AMainWindowComesBackWhereItWasLeft)
     next.setGeometry(10, 10, 400, 300);
     restoreFormPlacement(&next, QStringLiteral("Main"), formsIni(), &desk);
     EXPECT_EQ(next.geometry(), QRect(2100, 333, 777, 555));
+}
+
+TEST_F(FormPlacementTest, AShownWindowKeepsItsPlaceAcrossSessions)
+{
+    // Restored before show(), saved after the user moved it: the way hosts use it, with Qt's
+    // real screens (a window manager may add a frame; the numbers must not drift with it).
+    const QRect primary = QGuiApplication::primaryScreen()->availableGeometry();
+    form.setGeometry(primary.left() + 40, primary.top() + 60, 300, 200);
+    ASSERT_TRUE(saveFormPlacement(&form, QString(), formsIni()));
+    const QByteArray saved = readBytes(formsIni());
+
+    QMainWindow shown;
+    shown.setObjectName(QStringLiteral("frmVIValues"));
+    restoreFormPlacement(&shown, QString(), formsIni());
+    shown.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&shown));
+    EXPECT_EQ(shown.pos(), form.pos());
+    EXPECT_EQ(shown.size(), form.size());
+    ASSERT_TRUE(saveFormPlacement(&shown, QString(), formsIni()));
+    EXPECT_EQ(readBytes(formsIni()), saved);
 }
 
 // --- Keeping a restored form reachable: the primary monitor alone ---
