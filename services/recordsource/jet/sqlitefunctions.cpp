@@ -35,9 +35,17 @@ QVariant fromSqlite(sqlite3_value *v)
     switch (sqlite3_value_type(v)) {
     case SQLITE_INTEGER: return QVariant(qlonglong(sqlite3_value_int64(v)));
     case SQLITE_FLOAT: return QVariant(sqlite3_value_double(v));
-    case SQLITE_TEXT:
-        return QVariant(QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_value_text(v)),
-                                          sqlite3_value_bytes(v)));
+    case SQLITE_TEXT: {
+        QString text = QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_value_text(v)),
+                                         sqlite3_value_bytes(v));
+        // A date a Jet function returned stays a date for the next one (CStr, &, Format).
+        if (sqlite3_value_subtype(v) == kSqliteDateSubtype) {
+            const QDateTime dt = parseDateText(text);
+            if (dt.isValid())
+                return QVariant(dt);
+        }
+        return QVariant(text);
+    }
     case SQLITE_BLOB:
         return QVariant(
             QByteArray(static_cast<const char *>(sqlite3_value_blob(v)), sqlite3_value_bytes(v)));
@@ -66,6 +74,7 @@ void toSqlite(sqlite3_context *ctx, const QVariant &v)
                                       : dt.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")))
                 .toUtf8();
         sqlite3_result_text(ctx, text.constData(), int(text.size()), SQLITE_TRANSIENT);
+        sqlite3_result_subtype(ctx, kSqliteDateSubtype);
     } else if (v.typeId() == QMetaType::QByteArray) {
         const QByteArray b = v.toByteArray();
         sqlite3_result_blob(ctx, b.constData(), int(b.size()), SQLITE_TRANSIENT);
@@ -374,7 +383,7 @@ void callGenericJetFunction(sqlite3_context *ctx, int argc, sqlite3_value **argv
 
 Status registerJetFunctions(sqlite3 *db)
 {
-    const int det = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
+    const int det = SQLITE_UTF8 | SQLITE_DETERMINISTIC | kSqliteSubtypeFlags;
     int rc =
         sqlite3_create_function_v2(db, "jet_op", 3, det, nullptr, jetOp, nullptr, nullptr, nullptr);
     if (rc == SQLITE_OK)
@@ -392,9 +401,9 @@ Status registerJetFunctions(sqlite3 *db)
         const FunctionDef *def = findFunction(QLatin1String(name));
         const bool volatileFn = std::strcmp(name, "DATE") == 0 || std::strcmp(name, "NOW") == 0;
         const QByteArray sqlName = sqliteFunctionName(QLatin1String(name)).toUtf8();
-        rc = sqlite3_create_function_v2(db, sqlName.constData(), -1, volatileFn ? SQLITE_UTF8 : det,
-                                        const_cast<FunctionDef *>(def), jetFunction, nullptr,
-                                        nullptr, nullptr);
+        rc = sqlite3_create_function_v2(
+            db, sqlName.constData(), -1, volatileFn ? SQLITE_UTF8 | kSqliteSubtypeFlags : det,
+            const_cast<FunctionDef *>(def), jetFunction, nullptr, nullptr, nullptr);
     }
     for (const FunctionDef *def : libraryFunctions()) {
         if (rc != SQLITE_OK)
@@ -402,7 +411,8 @@ Status registerJetFunctions(sqlite3 *db)
         const QString name = QLatin1String(def->name);
         const QByteArray sqlName = sqliteFunctionName(name).toUtf8();
         rc = sqlite3_create_function_v2(
-            db, sqlName.constData(), -1, isClockFunction(name) ? SQLITE_UTF8 : det,
+            db, sqlName.constData(), -1,
+            isClockFunction(name) ? SQLITE_UTF8 | kSqliteSubtypeFlags : det,
             const_cast<FunctionDef *>(def), jetFunction, nullptr, nullptr, nullptr);
     }
     if (rc == SQLITE_OK)

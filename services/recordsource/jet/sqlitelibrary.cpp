@@ -12,6 +12,12 @@
 
 namespace plx::jet {
 
+const int kSqliteSubtypeFlags = SQLITE_SUBTYPE
+#ifdef SQLITE_RESULT_SUBTYPE
+    | SQLITE_RESULT_SUBTYPE
+#endif
+    ;
+
 namespace {
 
 // The intervals DatePart reads straight from a stored date; 0 for any other text.
@@ -137,9 +143,9 @@ void jetDatePart(sqlite3_context *ctx, int argc, sqlite3_value **argv)
 int registerFastLibraryFunctions(sqlite3 *db)
 {
     const FunctionDef *datePart = findLibraryFunction(QStringLiteral("DATEPART"));
-    return sqlite3_create_function_v2(db, "jet_datepart", -1, SQLITE_UTF8 | SQLITE_DETERMINISTIC,
-                                      const_cast<FunctionDef *>(datePart), jetDatePart, nullptr,
-                                      nullptr, nullptr);
+    return sqlite3_create_function_v2(
+        db, "jet_datepart", -1, SQLITE_UTF8 | SQLITE_DETERMINISTIC | kSqliteSubtypeFlags,
+        const_cast<FunctionDef *>(datePart), jetDatePart, nullptr, nullptr, nullptr);
 }
 
 Result<QString> translateNz(const Node &call,

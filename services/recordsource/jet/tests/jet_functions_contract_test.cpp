@@ -389,6 +389,13 @@ TEST(JetFunctionsContract, TimesAloneAndDatesWithTimesPrintAsCStrDoes)
         { "CStr(#1/2/2003 1:10:00 PM#)", "\"1/2/2003 1:10:00 PM\"" },
         { "CStr(#1/2/2003#)", "\"1/2/2003\"" },
         { "TimeSerial(7, 0, 0)", "#07:00:00#" },
+        // Dates that functions return stay dates for the next function, on SQLite too.
+        { "CStr(DateAdd('d', 1, #1/1/2003#))", "\"1/2/2003\"" },
+        { "DateSerial(2003, 1, 2) & ''", "\"1/2/2003\"" },
+        { "CStr(TimeSerial(7, 30, 0))", "\"7:30:00 AM\"" },
+        { "Format(DateSerial(2003, 1, 2))", "\"1/2/2003\"" },
+        { "VarType(DateSerial(2003, 1, 2))", "7" },
+        { "DateAdd('h', 1, DateSerial(2003, 1, 2)) & ''", "\"1/2/2003 1:00:00 AM\"" },
     });
 }
 
