@@ -35,10 +35,14 @@ QString literal(const QVariant &v)
     if (isBoolean(v))
         return v.toBool() ? QStringLiteral("-1") : QStringLiteral("0");
     if (isDate(v)) {
+        // The stored text form, passed through CDate so that it carries the date subtype:
+        // a function or '&' that receives it then reads a date, as the evaluator does.
+        // SQLite computes the constant call once per statement.
         const QDateTime dt = toDateTime(v);
-        return quoteText(dt.time() == QTime(0, 0)
-                             ? dt.date().toString(Qt::ISODate)
-                             : dt.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")));
+        return QStringLiteral("jet_cdate(0, %1)")
+            .arg(quoteText(dt.time() == QTime(0, 0)
+                               ? dt.date().toString(Qt::ISODate)
+                               : dt.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"))));
     }
     if (isNumeric(v))
         return numberText(v.toDouble());

@@ -389,6 +389,8 @@ TEST(JetFunctionsContract, TimesAloneAndDatesWithTimesPrintAsCStrDoes)
         { "CStr(#1/2/2003 1:10:00 PM#)", "\"1/2/2003 1:10:00 PM\"" },
         { "CStr(#1/2/2003#)", "\"1/2/2003\"" },
         { "TimeSerial(7, 0, 0)", "#07:00:00#" },
+        { "#7:00:00 AM# & ''", "\"7:00:00 AM\"" },
+        { "#1/2/2003 1:10:00 PM# & ''", "\"1/2/2003 1:10:00 PM\"" },
         // Dates that functions return stay dates for the next function, on SQLite too.
         { "CStr(DateAdd('d', 1, #1/1/2003#))", "\"1/2/2003\"" },
         { "DateSerial(2003, 1, 2) & ''", "\"1/2/2003\"" },
