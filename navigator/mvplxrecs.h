@@ -24,6 +24,7 @@
 
 #include "services/boundcontrol.h"
 #include "services/env.h"
+#include "services/texthelpers.h"
 
 #include <QList>
 #include <QPointer>
@@ -202,7 +203,7 @@ public:
     QString keyFilePath() const;
 
     // The longest text the find box takes; longer pastes are cut there.
-    static constexpr int kFindMaxLength = 65536;
+    static constexpr int kFindMaxLength = kFindTextMaxLength;
 
 Q_SIGNALS:
     void IDChange(const QString &sID);

@@ -106,7 +106,10 @@ bool mvPLXRecs::commandEdit(const QString &id)
     idle();
     const QString criterion = m_sIDfield + QStringLiteral(" = ") + strToASC(id);
     idle();
-    (void)m_rs->FindFirst(criterion);
+    // The record to edit is nearly always the current one already: finding it again in a
+    // million records would only land on the same record.
+    if (currentIDText() != id)
+        (void)m_rs->FindFirst(criterion);
     idle();
     pump();
     for (BoundControl *control : cMervaneControls())

@@ -128,10 +128,21 @@ mvPLXRecs::IdUse mvPLXRecs::idTaken(const QString &candidate, const QString &cri
     // Then the table as it is on disk: another user may have added the ID since this
     // navigator's query ran.
     if (m_db) {
-        Result<std::unique_ptr<RecordSource>> fresh = m_db->OpenRecordset(
-            QStringLiteral("SELECT * from ") + m_table + QStringLiteral(" WHERE ") + criterion);
-        if (fresh.isOk() && !fresh.value()->isEOF())
-            return useOf(*fresh.value());
+        // A table file is searched through a fresh source over all of it (the driver finds
+        // an ID in an open source faster than it runs a WHERE over the file); a database
+        // answers the WHERE from its index.
+        if (getLenTrim(m_sDBFPathFileName) >= 1) {
+            Result<std::unique_ptr<RecordSource>> fresh =
+                m_db->OpenRecordset(QStringLiteral("SELECT * from ") + m_table);
+            if (fresh.isOk() && fresh.value()->FindFirst(criterion).isOk()
+                && !fresh.value()->NoMatch())
+                return useOf(*fresh.value());
+        } else {
+            Result<std::unique_ptr<RecordSource>> fresh = m_db->OpenRecordset(
+                QStringLiteral("SELECT * from ") + m_table + QStringLiteral(" WHERE ") + criterion);
+            if (fresh.isOk() && !fresh.value()->isEOF())
+                return useOf(*fresh.value());
+        }
     }
     return IdUse::Free;
 }

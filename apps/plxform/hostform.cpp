@@ -6,6 +6,7 @@
 #include "fields/mvname.h"
 #include "navigator/filterlist.h"
 #include "navigator/mvplxrecs.h"
+#include "services/formplacement.h"
 #include "services/ini.h"
 #include "services/paths.h"
 #include "services/recordsource/database.h"
@@ -341,6 +342,9 @@ bool HostForm::openForm(const FormDescription &wanted, QStringList *warnings, QS
     m_rows->UpdateDBF();
     m_checks->UpdateDBF();
     setWindowTitle(form.desc + QStringLiteral(" - plxform"));
+    // Each form comes back where the user left it, and always reachable on the monitors
+    // there are now.
+    restoreFormPlacement(this, m_form.desc, userSettings());
     rememberRecent(form.isFoxPro() ? form.file : form.database);
     updateStatus();
     return true;
@@ -451,12 +455,6 @@ void HostForm::fillRecentMenu()
     m_recentMenu->setEnabled(!m_recentMenu->isEmpty());
 }
 
-QString HostForm::placementKey() const
-{
-    return QStringLiteral("plxform ")
-        + (m_form.desc.isEmpty() ? QStringLiteral("form") : m_form.desc);
-}
-
 void HostForm::closeEvent(QCloseEvent *event)
 {
     // A record still being edited is not abandoned silently.
@@ -472,6 +470,7 @@ void HostForm::closeEvent(QCloseEvent *event)
             return;
         }
     }
+    saveFormPlacement(this, m_form.desc, userSettings());
     event->accept();
 }
 

@@ -69,7 +69,6 @@ private:
     void rememberRecent(const QString &path);
     void fillRecentMenu();
     QString userSettings() const;
-    QString placementKey() const;
 
     Services *m_services;
     FormDescription m_form;

@@ -127,6 +127,7 @@ int main(int argc, char **argv)
         return 1;
     }
     HostForm form(nullptr);
+    form.resize(920, 660); // the first opening's size; later ones come back as they were left
     QString error;
     warnings.clear();
     if (!form.openForm(request.value(), &warnings, &error)) {
@@ -144,7 +145,6 @@ int main(int argc, char **argv)
         std::printf("%s\n", qPrintable(path));
         return 0;
     }
-    form.resize(920, 660);
     if (args.isSet(QStringLiteral("screenshot"))) {
         const QString path = args.value(QStringLiteral("screenshot"));
         form.show();
