@@ -268,6 +268,16 @@ bool HostForm::openForm(const FormDescription &wanted, QStringList *warnings, QS
         if (r.labelWidth > 0)
             rows->setDescWidth(n, r.labelWidth);
     }
+    // A memo in the last row gets room for a few lines (rows above keep their places).
+    if (!shownRows.isEmpty()) {
+        const qint16 last = qint16(shownRows.size() - 1);
+        for (const FieldInfo &f : fields)
+            if (f.type == FieldType::Memo
+                && f.name.compare(shownRows.last().field, Qt::CaseInsensitive) == 0) {
+                rows->setIHeight(last, 1300);
+                rows->setNUbound(last); // the stack takes the new height
+            }
+    }
     auto *checks = new mvChecks;
     checks->setObjectName(QStringLiteral("mvChecksFlags"));
     QList<CheckDescription> shownChecks;

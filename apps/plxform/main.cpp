@@ -17,6 +17,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QPalette>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QTimer>
@@ -43,6 +44,30 @@ void prepareInstallationDirectory()
         qputenv("PLX_HARROWBY_DIR", own.toUtf8());
     }
     QDir().mkpath(qEnvironmentVariable("PLX_HARROWBY_DIR") + QStringLiteral("/WORK-PLX"));
+}
+
+// Fusion with a dark palette: the controls take every colour from the palette.
+void useDarkPalette()
+{
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    QPalette p;
+    p.setColor(QPalette::Window, QColor(0x2f, 0x31, 0x35));
+    p.setColor(QPalette::WindowText, QColor(0xe6, 0xe6, 0xe6));
+    p.setColor(QPalette::Base, QColor(0x1f, 0x21, 0x24));
+    p.setColor(QPalette::AlternateBase, QColor(0x2a, 0x2c, 0x30));
+    p.setColor(QPalette::Text, QColor(0xe6, 0xe6, 0xe6));
+    p.setColor(QPalette::Button, QColor(0x3a, 0x3d, 0x42));
+    p.setColor(QPalette::ButtonText, QColor(0xe6, 0xe6, 0xe6));
+    p.setColor(QPalette::ToolTipBase, QColor(0x3a, 0x3d, 0x42));
+    p.setColor(QPalette::ToolTipText, QColor(0xe6, 0xe6, 0xe6));
+    p.setColor(QPalette::Highlight, QColor(0x3d, 0x8e, 0xe0));
+    p.setColor(QPalette::HighlightedText, Qt::white);
+    p.setColor(QPalette::Link, QColor(0x6c, 0xb4, 0xff));
+    p.setColor(QPalette::PlaceholderText, QColor(0x8c, 0x8f, 0x94));
+    for (QPalette::ColorRole role : { QPalette::WindowText, QPalette::Text, QPalette::ButtonText })
+        p.setColor(QPalette::Disabled, role, QColor(0x80, 0x80, 0x80));
+    p.setColor(QPalette::Disabled, QPalette::Base, QColor(0x2f, 0x31, 0x35));
+    QApplication::setPalette(p);
 }
 
 // A form description file, a FoxPro table file, or a SQLite database (its first table).
@@ -112,11 +137,14 @@ int main(int argc, char **argv)
     args.addOption({ QStringLiteral("save-form"),
                      QStringLiteral("Write the form description and exit."),
                      QStringLiteral("FORM.INI") });
+    args.addOption({ QStringLiteral("dark"), QStringLiteral("Use a dark palette.") });
     args.addOption({ QStringLiteral("screenshot"),
                      QStringLiteral("Draw the form into a PNG file and exit."),
                      QStringLiteral("FILE.png") });
     args.process(app);
 
+    if (args.isSet(QStringLiteral("dark")))
+        useDarkPalette();
     prepareInstallationDirectory();
     QStringList warnings;
     Result<FormDescription> request = describeRequest(args, &warnings);
