@@ -42,12 +42,13 @@ Result<QString> translateNz(const Node &call,
 // direct bindings that replace it where a filter would pay for the conversions on every
 // row (DatePart). An SQLite result code.
 void callGenericJetFunction(sqlite3_context *ctx, int argc, sqlite3_value **argv);
+int registerFastLibraryFunctions(sqlite3 *db);
+
 // SQLite keeps dates as ISO text; a date that a function returns carries this subtype so
 // that the next function reads it as a date again. The flags declare that the functions
 // read and set subtypes.
 constexpr unsigned kSqliteDateSubtype = 'D';
 extern const int kSqliteSubtypeFlags;
-int registerFastLibraryFunctions(sqlite3 *db);
 
 // "DATEADD" -> "DateAdd": the spelling the dialect's documentation uses.
 QString functionDisplayName(const QString &upperName);
