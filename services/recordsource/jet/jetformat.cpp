@@ -173,6 +173,14 @@ std::vector<NumToken> numberTokens(const QString &s)
             out.push_back({ NumToken::Literal, QString(c) });
         }
     }
+    // E+ and E- ask for scientific notation only with a digit placeholder after them.
+    bool placeholderAfter = false;
+    for (auto it = out.rbegin(); it != out.rend(); ++it) {
+        if (it->type == NumToken::Zero || it->type == NumToken::Hash)
+            placeholderAfter = true;
+        else if (it->type == NumToken::Exp && !placeholderAfter)
+            it->type = NumToken::Literal;
+    }
     return out;
 }
 

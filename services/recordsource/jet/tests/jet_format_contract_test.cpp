@@ -91,6 +91,7 @@ TEST(JetFormatContract, CustomNumberFormats)
         { "Format(1234.5, '##0.0E+0')", "\"1.2E+3\"" },
         { "Format(1234.5, '00.0E+0')", "\"12.3E+2\"" },
         { "Format(12.34, '\\R\\M\\B .00')", "\"RMB 12.34\"" },
+        { "Format(5, '0 E+')", "\"5 E+\"" },
         { "Format(7, '\"No. \"0')", "\"No. 7\"" },
         { "Format('12.5', '0.00')", "\"12.50\"" },
         { "Format('abc', '0.00')", "\"abc\"" },
