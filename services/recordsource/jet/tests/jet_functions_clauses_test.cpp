@@ -90,7 +90,7 @@ protected:
         return out;
     }
 
-    void expectOnBoth(const char *sql, QStringList expected)
+    void expectOnEach(const char *sql, const QStringList &onSqlite, const QStringList &onFoxPro)
     {
         auto sqlite =
             OpenDatabase(m_dir.filePath(QStringLiteral("t.sqlite")), false, false, QString());
@@ -99,8 +99,13 @@ protected:
                                 QStringLiteral("FoxPro 2.6"));
         ASSERT_TRUE(fox.isOk()) << fox.status().toString().toStdString();
         const QString text = QString::fromUtf8(sql);
-        EXPECT_EQ(ids(sqlite.value().get(), text), expected) << "SQLite: " << sql;
-        EXPECT_EQ(ids(fox.value().get(), text), expected) << "FoxPro: " << sql;
+        EXPECT_EQ(ids(sqlite.value().get(), text), onSqlite) << "SQLite: " << sql;
+        EXPECT_EQ(ids(fox.value().get(), text), onFoxPro) << "FoxPro: " << sql;
+    }
+
+    void expectOnBoth(const char *sql, const QStringList &expected)
+    {
+        expectOnEach(sql, expected, expected);
     }
 
     QTemporaryDir m_dir;
@@ -140,4 +145,17 @@ TEST_F(JetFunctionsClausesTest, OrderByTextsUseTheWiderFunctions)
                  list({ "PLE1", "PLE3", "PLE2", "PLE4" }));
     expectOnBoth("SELECT * from T ORDER BY StrReverse(CITY)",
                  list({ "PLE3", "PLE1", "PLE4", "PLE2" }));
+}
+
+// Without a compare argument StrComp, InStrRev and Replace compare as the source does, as
+// InStr and '=' do: case-insensitively on SQLite, by byte on FoxPro tables (whose Xbase
+// collation was ASCII). An explicit compare argument gives the same on both.
+TEST_F(JetFunctionsClausesTest, TheDefaultCompareIsTheSources)
+{
+    expectOnEach("SELECT * from T WHERE StrComp(CITY, 'BOSTON') = 0", list({ "PLE1" }), {});
+    expectOnEach("SELECT * from T WHERE InStrRev(CITY, 'O') > 0 ORDER BY ID",
+                 list({ "PLE1", "PLE4" }), {});
+    expectOnEach("SELECT * from T WHERE Replace(CITY, 'O', '') = 'Bstn'", list({ "PLE1" }), {});
+    expectOnBoth("SELECT * from T WHERE StrComp(CITY, 'BOSTON', 1) = 0", list({ "PLE1" }));
+    expectOnBoth("SELECT * from T WHERE InStrRev(CITY, 'O', -1, 0) > 0", {});
 }
