@@ -23,6 +23,8 @@ namespace {
 // Tables this large show the floating message while they are re-queried, so the user sees
 // why the form waits and can cancel; smaller ones are done before it could be read.
 constexpr qint32 kShowProgressFrom = 50000;
+// Records one auto-repeat of a held Back or Next button steps at most.
+constexpr int kStepsPerRepeat = 4;
 
 } // namespace
 
@@ -278,17 +280,18 @@ void mvPLXRecs::stepClicked(bool forward)
         forward ? recNext() : recBack();
         return;
     }
-    // Held down: each repeat of the button steps record by record (each with its
-    // IDChange) for half a millisecond, so the walk is not limited by the rate at
-    // which the window can repaint between repeats.
+    // Held down: each repeat of the button steps a few records, one by one and each with
+    // its IDChange, so the walk keeps a steady pace of a few thousand records a second
+    // instead of the rate at which the window repaints between repeats. A slow host
+    // (one that does much on every IDChange) gets one step per repeat.
     QElapsedTimer burst;
     burst.start();
-    do {
+    for (int step = 0; step < kStepsPerRepeat; ++step) {
         const qint32 before = m_rs ? m_rs->AbsolutePosition() : -1;
         forward ? recNext() : recBack();
-        if (!m_rs || m_rs->AbsolutePosition() == before)
+        if (!m_rs || m_rs->AbsolutePosition() == before || burst.nsecsElapsed() > 500000)
             break;
-    } while (burst.nsecsElapsed() < 500000);
+    }
 }
 
 void mvPLXRecs::recBack()
