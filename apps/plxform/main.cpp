@@ -7,8 +7,10 @@
 //   plxform FORM.INI                     a saved form description
 //   plxform --save-form FORM.INI [...]   writes the description of what it would show
 //   plxform --screenshot FILE.png [...]  draws the form into a PNG and exits
+//   plxform --script FILE [...]          runs the commands of FILE on the form and exits
 #include "apps/plxform/hostform.h"
 #include "apps/plxform/sampledata.h"
+#include "apps/plxform/scriptrunner.h"
 
 #include "services/ini.h"
 #include "services/paths.h"
@@ -17,6 +19,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QFile>
 #include <QPalette>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -137,6 +140,9 @@ int main(int argc, char **argv)
     args.addOption({ QStringLiteral("save-form"),
                      QStringLiteral("Write the form description and exit."),
                      QStringLiteral("FORM.INI") });
+    args.addOption({ QStringLiteral("script"),
+                     QStringLiteral("Run the commands of FILE on the form, then exit."),
+                     QStringLiteral("FILE") });
     args.addOption({ QStringLiteral("dark"), QStringLiteral("Use a dark palette.") });
     args.addOption({ QStringLiteral("screenshot"),
                      QStringLiteral("Draw the form into a PNG file and exit."),
@@ -154,7 +160,11 @@ int main(int argc, char **argv)
         say(request.status().message());
         return 1;
     }
-    HostForm form(nullptr);
+    // A script answers the form's boxes itself; they are written to stderr.
+    ScriptPrompter scriptUser;
+    Services scripted{ &scriptUser, nullptr, nullptr };
+    const bool scripting = args.isSet(QStringLiteral("script"));
+    HostForm form(scripting ? &scripted : nullptr);
     form.resize(920, 660); // the first opening's size; later ones come back as they were left
     QString error;
     warnings.clear();
@@ -171,6 +181,20 @@ int main(int argc, char **argv)
             return 1;
         }
         std::printf("%s\n", qPrintable(path));
+        return 0;
+    }
+    if (scripting) {
+        QFile file(args.value(QStringLiteral("script")));
+        if (!file.open(QIODevice::ReadOnly)) {
+            say(QStringLiteral("cannot read %1").arg(file.fileName()));
+            return 1;
+        }
+        QString scriptError;
+        if (!runScript(form, QString::fromUtf8(file.readAll()).split(QLatin1Char('\n')),
+                       &scriptError)) {
+            say(scriptError);
+            return 1;
+        }
         return 0;
     }
     if (args.isSet(QStringLiteral("screenshot"))) {

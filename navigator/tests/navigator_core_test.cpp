@@ -6,6 +6,8 @@
 #include "services/recordsource/recordsource.h"
 
 #include <QAction>
+#include <QFile>
+#include <QTemporaryDir>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QPushButton>
@@ -241,6 +243,62 @@ TEST_P(Core, ASecondConnectIsRefusedWithTheConnectedPath)
 }
 
 INSTANTIATE_TEST_SUITE_P(BackEnds, Core, ::testing::Values("SQLite", "FoxPro"), backEndName);
+
+} // namespace
+} // namespace plx::test
+
+namespace plx::test {
+namespace {
+
+// A FoxPro table with a structural index is shown and searched, but never written: the
+// index would go stale for the FoxPro programs that trust it.
+TEST(NavigatorIndexedTable, IsBrowsedAndFoundButEditingIsRefusedWithTheReason)
+{
+    const QString samples = QStringLiteral(PLX_TESTDATA_DIR);
+    if (!QFile::exists(samples + QStringLiteral("/calls.dbf")))
+        GTEST_SKIP() << "the sample tables are not beside this checkout (" << samples.toStdString()
+                     << ")";
+    QTemporaryDir dir;
+    for (const char *file : { "calls.dbf", "calls.FPT", "calls.CDX" }) {
+        const QString name = QString::fromLatin1(file);
+        ASSERT_TRUE(QFile::copy(samples + QLatin1Char('/') + name, dir.filePath(name)));
+        QFile(dir.filePath(name)).setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+    }
+    const QByteArray before = [&] {
+        QFile f(dir.filePath(QStringLiteral("calls.dbf")));
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }();
+    RecordingPrompter boxes;
+    Services services{ &boxes, nullptr, nullptr };
+    mvPLXRecs nav;
+    nav.setServices(&services);
+    nav.setSIDfield(QStringLiteral("CALL_ID"));
+    nav.setSDesc(QStringLiteral("Calls"));
+    nav.AddSort(QStringLiteral("Subject"), QStringLiteral("SUBJECT"));
+    nav.AddSort(QStringLiteral("Call"), QStringLiteral("CALL_ID"));
+    nav.setSDBFPathFileName(dir.filePath(QStringLiteral("calls.dbf")));
+    ASSERT_EQ(nav.InitControl(), QString());
+    EXPECT_EQ(nav.findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(),
+              QStringLiteral("16 records"));
+    auto *sorts = nav.findChild<QComboBox *>(QStringLiteral("cboSort"));
+    sorts->setCurrentIndex(1);
+    Q_EMIT sorts->activated(1);
+    nav.findChild<QScrollBar *>(QStringLiteral("HScroll1"))->setValue(0);
+    nav.findChild<QPushButton *>(QStringLiteral("cmdRecNext"))->click();
+    EXPECT_EQ(nav.sCurrentID(), QStringLiteral("2"));
+    nav.SetFindFromID(QStringLiteral("7"));
+    EXPECT_EQ(nav.sCurrentID(), QStringLiteral("7"));
+
+    nav.ClickButton(QStringLiteral("EDIT"));
+    ASSERT_EQ(boxes.titles, QStringList{ QStringLiteral("Access Denied") });
+    EXPECT_TRUE(boxes.texts.first().contains(QStringLiteral("index"), Qt::CaseInsensitive))
+        << boxes.texts.first().toStdString();
+    EXPECT_TRUE(nav.bButtonEnable(QStringLiteral("EDIT")));
+    EXPECT_FALSE(nav.bButtonEnable(QStringLiteral("SAVE")));
+    QFile after(dir.filePath(QStringLiteral("calls.dbf")));
+    ASSERT_TRUE(after.open(QIODevice::ReadOnly));
+    EXPECT_EQ(after.readAll(), before);
+}
 
 } // namespace
 } // namespace plx::test
