@@ -32,25 +32,6 @@ using namespace plx;
 
 constexpr qint32 RecordPosition = 500003;
 
-// The FoxPro table, generated into $PLX_BENCH_DIR/foxpro when missing (as the record-source
-// benchmarks do).
-QString foxProDir()
-{
-    QString root = qEnvironmentVariable("PLX_BENCH_DIR");
-    if (root.isEmpty())
-        root = QStringLiteral("/tmp/plx-bench");
-    const QString dir = root + QStringLiteral("/foxpro");
-    if (QFile::exists(dir + QStringLiteral("/T.DBF")))
-        return dir;
-    const QString partial = root + QStringLiteral("/foxpro.part");
-    QDir(partial).removeRecursively();
-    std::fprintf(stderr, "generating the FoxPro benchmark table into %s ...\n", qPrintable(dir));
-    const Status s = bench::writeFoxProBenchTable(partial, QStringLiteral("T"), 1000000);
-    if (!s.isOk() || !QDir().rename(partial, dir))
-        return {};
-    return dir;
-}
-
 Database *database(bool foxPro)
 {
     static std::unique_ptr<Database> sqlite;
@@ -58,7 +39,7 @@ Database *database(bool foxPro)
     std::unique_ptr<Database> &db = foxPro ? fox : sqlite;
     if (!db) {
         auto opened = foxPro
-            ? OpenDatabase(foxProDir(), false, false, QStringLiteral("FoxPro 2.6"))
+            ? OpenDatabase(bench::foxProBenchDir(), false, false, QStringLiteral("FoxPro 2.6"))
             : OpenDatabase(bench::sqliteBenchFile(1000000), false, false, QString());
         if (opened.isOk())
             db = std::move(opened).value();

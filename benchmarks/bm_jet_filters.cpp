@@ -26,27 +26,6 @@ namespace {
 
 using namespace plx;
 
-// The directory holding T.DBF, generated as bm_foxpro_recordsource does when missing.
-QString foxProBenchDir()
-{
-    QString root = qEnvironmentVariable("PLX_BENCH_DIR");
-    if (root.isEmpty())
-        root = QStringLiteral("/tmp/plx-bench");
-    const QString dir = root + QStringLiteral("/foxpro");
-    if (QFile::exists(dir + QStringLiteral("/T.DBF")))
-        return dir;
-    const QString partial = root + QStringLiteral("/foxpro.part");
-    QDir(partial).removeRecursively();
-    std::fprintf(stderr, "generating the FoxPro benchmark table into %s ...\n", qPrintable(dir));
-    const Status s =
-        bench::writeFoxProBenchTable(partial, QStringLiteral("T"), bench::DefaultBenchRows);
-    if (!s.isOk() || !QDir().rename(partial, dir)) {
-        std::fprintf(stderr, "cannot generate the table: %s\n", qPrintable(s.toString()));
-        return {};
-    }
-    return dir;
-}
-
 Database *sqliteDb()
 {
     static std::unique_ptr<Database> db = [] {
@@ -61,7 +40,7 @@ Database *foxProDb()
 {
     static std::unique_ptr<Database> db = [] {
         Result<std::unique_ptr<Database>> opened =
-            OpenDatabase(foxProBenchDir(), false, false, QStringLiteral("FoxPro 2.6"));
+            OpenDatabase(bench::foxProBenchDir(), false, false, QStringLiteral("FoxPro 2.6"));
         return opened.isOk() ? std::move(opened).value() : nullptr;
     }();
     return db.get();

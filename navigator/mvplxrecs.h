@@ -246,8 +246,7 @@ private:
     void deriveParentID();
     void hscrollChanged(int value);
     void sortClicked(int index);
-    void recBack();
-    void recNext();
+    void recStep(bool forward);
     void stepClicked(bool forward);
     void connectByFile(const QString &path);
     void shareRsWithFields();
@@ -279,6 +278,7 @@ private:
     bool commandSave();
     bool commandCancel(const QString &id);
     bool commandDelete(const QString &id);
+    Status appendRecord(const QVariantList &values, const QString &id);
     bool commandNew();
     bool commandCopy();
     bool parentAllowsSave();

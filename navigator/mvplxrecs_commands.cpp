@@ -362,6 +362,26 @@ qint32 mvPLXRecs::returnPositionForNew() const
     return m_rs->AbsolutePosition();
 }
 
+Status mvPLXRecs::appendRecord(const QVariantList &values, const QString &id)
+{
+    // The record is in the table, with its ID and both stamps, before anyone types in it.
+    const QString stamp = auditStamp();
+    Status s = m_rs->AddNew();
+    for (int i = 0; s.isOk() && i < values.size(); ++i)
+        s = m_rs->setValue(i, values[i]);
+    if (s.isOk())
+        s = m_rs->setValue(m_sIDfield, id);
+    if (s.isOk()) {
+        // Tables without audit fields simply do not get stamped.
+        (void)m_rs->setValue(QStringLiteral("PLSTART"), stamp);
+        (void)m_rs->setValue(QStringLiteral("PLLASTREV"), stamp);
+        s = m_rs->Update();
+    }
+    if (!s.isOk())
+        (void)m_rs->CancelUpdate();
+    return s;
+}
+
 bool mvPLXRecs::commandNew()
 {
     m_returnPosition = returnPositionForNew();
@@ -376,17 +396,7 @@ bool mvPLXRecs::commandNew()
         showBox(QStringLiteral("Not connected to a database"), MsgStyle::OKOnly, QString());
         return false;
     }
-    const QString stamp = auditStamp();
-    Status s = m_rs->AddNew();
-    if (s.isOk())
-        s = m_rs->setValue(m_sIDfield, id);
-    if (s.isOk()) {
-        (void)m_rs->setValue(QStringLiteral("PLSTART"), stamp);
-        (void)m_rs->setValue(QStringLiteral("PLLASTREV"), stamp);
-        s = m_rs->Update();
-    }
-    if (!s.isOk()) {
-        (void)m_rs->CancelUpdate();
+    if (Status s = appendRecord({}, id); !s.isOk()) {
         reportEngineError(QStringLiteral("New record has NOT been created."), s);
         return false;
     }
@@ -412,19 +422,7 @@ bool mvPLXRecs::commandCopy()
         const Result<QVariant> v = m_rs->value(i);
         values << (v.isOk() ? v.value() : QVariant());
     }
-    const QString stamp = auditStamp();
-    Status s = m_rs->AddNew();
-    for (int i = 0; s.isOk() && i < fields.size(); ++i)
-        s = m_rs->setValue(i, values[i]);
-    if (s.isOk())
-        s = m_rs->setValue(m_sIDfield, id);
-    if (s.isOk()) {
-        (void)m_rs->setValue(QStringLiteral("PLSTART"), stamp);
-        (void)m_rs->setValue(QStringLiteral("PLLASTREV"), stamp);
-        s = m_rs->Update();
-    }
-    if (!s.isOk()) {
-        (void)m_rs->CancelUpdate();
+    if (Status s = appendRecord(values, id); !s.isOk()) {
         reportEngineError(QStringLiteral("The copy has NOT been created."), s);
         return false;
     }

@@ -277,7 +277,7 @@ void mvPLXRecs::stepClicked(bool forward)
 {
     QPushButton *button = forward ? m_cmdRecNext : m_cmdRecBack;
     if (!button->isDown()) {
-        forward ? recNext() : recBack();
+        recStep(forward);
         return;
     }
     // Held down: each repeat of the button steps a few records, one by one and each with
@@ -288,43 +288,27 @@ void mvPLXRecs::stepClicked(bool forward)
     burst.start();
     for (int step = 0; step < kStepsPerRepeat; ++step) {
         const qint32 before = m_rs ? m_rs->AbsolutePosition() : -1;
-        forward ? recNext() : recBack();
+        recStep(forward);
         if (!m_rs || m_rs->AbsolutePosition() == before || burst.nsecsElapsed() > 500000)
             break;
     }
 }
 
-void mvPLXRecs::recBack()
+void mvPLXRecs::recStep(bool forward)
 {
-    if (!m_rs || m_rs->isBOF())
+    if (!m_rs || (forward ? m_rs->isEOF() : m_rs->isBOF()))
         return;
-    if (!m_rs->MovePrevious().isOk())
+    if (!(forward ? m_rs->MoveNext() : m_rs->MovePrevious()).isOk())
         return;
     idle();
-    if (m_rs->isBOF()) {
-        // Stepped off the first record: stay on it, nothing happened for the host.
-        (void)m_rs->MoveFirst();
+    if (forward ? m_rs->isEOF() : m_rs->isBOF()) {
+        // Stepped off the last (first) record: stay on it, nothing happened for the host.
+        (void)(forward ? m_rs->MoveLast() : m_rs->MoveFirst());
         return;
     }
     m_bInitiator = true;
-    m_sEventInfo = QStringLiteral("cmdRecBack_Click");
-    Q_EMIT IDChange(currentIDText());
-    setScrollBar();
-}
-
-void mvPLXRecs::recNext()
-{
-    if (!m_rs || m_rs->isEOF())
-        return;
-    if (!m_rs->MoveNext().isOk())
-        return;
-    idle();
-    if (m_rs->isEOF()) {
-        (void)m_rs->MoveLast();
-        return;
-    }
-    m_bInitiator = true;
-    m_sEventInfo = QStringLiteral("cmdRecNext_Click");
+    m_sEventInfo =
+        forward ? QStringLiteral("cmdRecNext_Click") : QStringLiteral("cmdRecBack_Click");
     Q_EMIT IDChange(currentIDText());
     setScrollBar();
 }
