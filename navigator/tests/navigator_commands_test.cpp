@@ -42,8 +42,6 @@ protected:
     void SetUp() override
     {
         NavigatorTest::SetUp();
-        qputenv("PLX_HARROWBY_DIR", dir.filePath(QStringLiteral("inst")).toUtf8());
-        QDir().mkpath(dir.filePath(QStringLiteral("inst")));
         fields = std::make_unique<mvName>();
         fields->setObjectName(QStringLiteral("mvNameMain"));
         fields->setNUbound(2);
@@ -60,7 +58,6 @@ protected:
     {
         fields.reset();
         NavigatorTest::TearDown();
-        qunsetenv("PLX_HARROWBY_DIR");
     }
 
     // The host's part: field controls registered, and shown on every IDChange.

@@ -3,6 +3,7 @@
 
 #include "services/recordsource/recordsource.h"
 
+#include <QDir>
 #include <QScrollBar>
 
 namespace plx::test {
@@ -85,6 +86,10 @@ testing::TableDef facilityTable()
 void NavigatorTest::SetUp()
 {
     ASSERT_TRUE(dir.isValid());
+    // The activity log and the work directory of this test (and of the processes it
+    // starts) stay in its own folder.
+    QDir().mkpath(dir.filePath(QStringLiteral("inst")));
+    qputenv("PLX_HARROWBY_DIR", dir.filePath(QStringLiteral("inst")).toUtf8());
     backEnd = testing::backEndNamed(QString::fromStdString(GetParam()));
     ASSERT_NE(backEnd, nullptr);
     ASSERT_TRUE(backEnd->createTables(dir.path(), { facilityTable() }).isOk());
@@ -97,6 +102,7 @@ void NavigatorTest::TearDown()
 {
     events.reset();
     nav.reset();
+    qunsetenv("PLX_HARROWBY_DIR");
 }
 
 QString NavigatorTest::tablePath() const
