@@ -121,6 +121,13 @@ Result<FormDescription> describeRequest(const QCommandLineParser &args, QStringL
 
 int main(int argc, char **argv)
 {
+    // The offscreen platform (no display) notes every window feature it lacks; those notes
+    // are no news to a user of --screenshot or --script.
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &message) {
+        if (type != QtDebugMsg
+            && !message.startsWith(QLatin1String("This plugin does not support")))
+            std::fprintf(stderr, "%s\n", qPrintable(message));
+    });
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("plxform"));
     QApplication::setApplicationVersion(QStringLiteral(PLX_VERSION));
