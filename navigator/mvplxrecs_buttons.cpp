@@ -7,6 +7,9 @@
 #include <QAction>
 #include <QComboBox>
 #include <QPushButton>
+#include <QScrollBar>
+
+#include "services/recordsource/recordsource.h"
 #include <QToolBar>
 
 namespace plx {
@@ -61,6 +64,12 @@ void mvPLXRecs::setNavigationEnabled(bool enabled)
     for (QWidget *control : std::initializer_list<QWidget *>{ m_cboSort, m_cboFilter, m_cmdFilter,
                                                               m_cboFind, m_cmdFind, m_cmdBrowse })
         control->setEnabled(enabled);
+    // Stepping away from a record in edit would leave its changes behind (and the next
+    // SAVE would write them into the record stepped to): Back, Next and the scroll bar
+    // rest while a record is edited.
+    m_cmdRecBack->setEnabled(enabled);
+    m_cmdRecNext->setEnabled(enabled);
+    m_hscroll->setEnabled(enabled && m_rs && m_rs->RecordCount() > 0);
 }
 
 void mvPLXRecs::setButtonsForEditing(bool editing)

@@ -197,12 +197,15 @@ int main(int argc, char **argv)
             return 1;
         }
         QString scriptError;
+        form.show();
         if (!runScript(form, QString::fromUtf8(file.readAll()).split(QLatin1Char('\n')),
                        &scriptError)) {
             say(scriptError);
             return 1;
         }
-        return 0;
+        // With --screenshot too, the form is drawn as the script left it.
+        if (!args.isSet(QStringLiteral("screenshot")))
+            return 0;
     }
     if (args.isSet(QStringLiteral("screenshot"))) {
         const QString path = args.value(QStringLiteral("screenshot"));

@@ -134,6 +134,9 @@ TEST_P(Commands, ATypicalEditEndToEnd)
     EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("CANCEL")));
     EXPECT_FALSE(nav->findChild<QComboBox *>(QStringLiteral("cboSort"))->isEnabled());
     EXPECT_FALSE(nav->findChild<QComboBox *>(QStringLiteral("cboFind"))->isEnabled());
+    // No stepping away from the record being edited.
+    EXPECT_FALSE(nav->findChild<QWidget *>(QStringLiteral("cmdRecNext"))->isEnabled());
+    EXPECT_FALSE(nav->findChild<QWidget *>(QStringLiteral("HScroll1"))->isEnabled());
 
     events->clear();
     fields->setSValue(1, QStringLiteral("ATHENS"));
@@ -147,6 +150,7 @@ TEST_P(Commands, ATypicalEditEndToEnd)
     EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("EDIT")));
     EXPECT_FALSE(nav->bButtonEnable(QStringLiteral("SAVE")));
     EXPECT_TRUE(nav->findChild<QComboBox *>(QStringLiteral("cboSort"))->isEnabled());
+    EXPECT_TRUE(nav->findChild<QWidget *>(QStringLiteral("cmdRecNext"))->isEnabled());
     const QMap<QString, QString> saved = onDisk(QStringLiteral("PLE0000007"));
     EXPECT_EQ(saved.value(QStringLiteral("CITY")), QStringLiteral("ATHENS"));
     EXPECT_EQ(saved.value(QStringLiteral("NAME")), QStringLiteral("SMITH"));
