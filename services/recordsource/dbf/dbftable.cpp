@@ -335,6 +335,16 @@ Result<std::unique_ptr<DbfTable>> DbfTable::open(const QString &path, OpenMode m
     DbfTableOpener::chooseCodePage(*t, codePage);
     DbfHeader &hd = t->m_header;
     hd.physicalCount = quint32((*size - hd.headerLength) / hd.recordLength);
+    if (hd.headerCount > hd.physicalCount) {
+        // Another program may have appended between our size and our header read: it
+        // writes the record before the count, so the file as it is now holds the record
+        // the newer header counts. Only a file that still falls short is damaged.
+        auto again = dbfio::fileSize(t->m_fd, path);
+        if (again.isOk() && *again > *size) {
+            size = again;
+            hd.physicalCount = quint32((*size - hd.headerLength) / hd.recordLength);
+        }
+    }
     t->m_count = qMin(hd.headerCount, hd.physicalCount);
     if (hd.headerCount > hd.physicalCount)
         t->m_warnings << QStringLiteral("%1: the header counts %2 records but the file holds only "
