@@ -2,7 +2,9 @@
 #include "apps/plxform/filtereditor.h"
 
 #include "services/ini.h"
+#include "services/paths.h"
 #include "services/recordsource/database.h"
+#include "services/recordsource/filelock.h"
 
 #include <QDialogButtonBox>
 #include <QFile>
@@ -13,6 +15,7 @@
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSaveFile>
 #include <QTextStream>
 #include <QVBoxLayout>
 
@@ -150,9 +153,16 @@ bool FilterEditor::saveFilter(const QString &oldName, const QString &name, const
 
 bool FilterEditor::deleteFilter(const QString &name)
 {
-    // The settings writer keeps other lines as they are; a section is removed by writing
-    // the file again without it.
-    QFile file(m_file);
+    // The settings writer keeps every other line as it is; a section is removed by writing
+    // the file again without it, under the same lock and by the same atomic replacement
+    // the writer uses, so another program's write is neither lost nor seen half done.
+    Result<std::unique_ptr<LockFile>> lock =
+        LockFile::open(toDiskPath(m_file) + QStringLiteral(".lock"));
+    if (!lock.isOk() || !lock.value()->lock(0, 1, LockKind::Exclusive, 5000).isOk()) {
+        m_problem->setText(tr("The filter file %1 is in use; try again.").arg(m_file));
+        return false;
+    }
+    QFile file(toDiskPath(m_file));
     if (!file.open(QIODevice::ReadOnly))
         return false;
     const QStringList lines = QString::fromLatin1(file.readAll()).split(QStringLiteral("\r\n"));
@@ -166,10 +176,12 @@ bool FilterEditor::deleteFilter(const QString &name)
         if (!skipping)
             kept << line;
     }
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    QSaveFile out(toDiskPath(m_file));
+    if (!out.open(QIODevice::WriteOnly))
         return false;
-    file.write(kept.join(QStringLiteral("\r\n")).toLatin1());
-    file.close();
+    out.write(kept.join(QStringLiteral("\r\n")).toLatin1());
+    if (!out.commit())
+        return false;
     reload();
     return true;
 }

@@ -2,6 +2,7 @@
 // through its menus and widgets (open, sort, find, filter, new, edit, save, cancel,
 // delete), on the FoxPro sample table and on the SQLite sample table; the files are then
 // read by other programs (python3-dbf, the sqlite3 tool).
+#include "apps/plxform/filtereditor.h"
 #include "apps/plxform/hostform.h"
 #include "apps/plxform/sampledata.h"
 
@@ -203,8 +204,36 @@ TEST_P(SampleForm, SortFindFilterNewEditCancelDeleteThroughTheMenus)
     EXPECT_EQ(count(), QStringLiteral("3,000 records"));
 }
 
+TEST_P(SampleForm, FiltersAreCheckedOnTheTableBeforeTheyAreKept)
+{
+    FilterEditor editor(window->filterFile(), nav()->database(), window->form().table);
+    const QStringList before = editor.filterNames();
+    ASSERT_EQ(before.size(), 4);
+    // A condition that cannot run is refused with the engine's words, and nothing is saved.
+    EXPECT_FALSE(
+        editor.saveFilter(QString(), QStringLiteral("Broken"), QStringLiteral("BEDS >>> 3")));
+    EXPECT_FALSE(
+        editor.saveFilter(QString(), QStringLiteral("Unknown"), QStringLiteral("COLOUR = 'red'")));
+    EXPECT_FALSE(editor.checkCondition(QStringLiteral("COLOUR = 'red'")).isEmpty());
+    EXPECT_EQ(editor.filterNames(), before);
+    // A good one is kept, renamed, and used by the navigator's list.
+    ASSERT_TRUE(editor.saveFilter(QString(), QStringLiteral("Big"), QStringLiteral("BEDS >= 250")));
+    ASSERT_TRUE(editor.saveFilter(QStringLiteral("Big"), QStringLiteral("Large homes"),
+                                  QStringLiteral("BEDS >= 250")));
+    EXPECT_EQ(editor.filterNames(), before + QStringList{ QStringLiteral("Large homes") });
+    // Deleting one filter keeps every other one as it was.
+    ASSERT_TRUE(editor.deleteFilter(QStringLiteral("Texas and Ohio")));
+    QStringList expected = before + QStringList{ QStringLiteral("Large homes") };
+    expected.removeAll(QStringLiteral("Texas and Ohio"));
+    EXPECT_EQ(editor.filterNames(), expected);
+    nav()->InitFilters();
+    auto *filters = nav()->findChild<QComboBox *>(QStringLiteral("cboFilter"));
+    filters->setCurrentIndex(filters->findText(QStringLiteral("Large homes")));
+    EXPECT_GE(shown("BEDS").remove(QLatin1Char(',')).toInt(), 250);
+}
+
 INSTANTIATE_TEST_SUITE_P(BackEnds, SampleForm, ::testing::Values("FoxPro", "SQLite"),
-                         [](const auto &info) { return info.param; });
+                         [](const auto &param) { return param.param; });
 
 } // namespace
 } // namespace plx::form
