@@ -17,7 +17,18 @@ mvChkWithTxt::mvChkWithTxt(QWidget *parent) : QWidget(parent)
     m_chk->setTwipsGeometry(0, 0, plx::pixelsToTwipsX(this, width()));
     m_txt->move(m_chk->x(), m_chk->y() + m_chk->height());
     connect(m_txt, &mvName::DblClick, this, &mvChkWithTxt::DblClick);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     fitHeight();
+}
+
+QSize mvChkWithTxt::sizeHint() const
+{
+    return QSize(qMax(width(), 300), m_txt->y() + m_txt->sizeHint().height());
+}
+
+QSize mvChkWithTxt::minimumSizeHint() const
+{
+    return QSize(200, m_txt->y() + m_txt->sizeHint().height());
 }
 
 mvChkWithTxt::~mvChkWithTxt()
@@ -51,6 +62,8 @@ void mvChkWithTxt::setNUbound(qint16 n)
 
 void mvChkWithTxt::fitHeight()
 {
+    // In a layout the unit keeps the height of its check box and rows.
+    updateGeometry();
     resize(width(), m_txt->y() + m_txt->height());
 }
 

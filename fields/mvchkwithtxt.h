@@ -111,6 +111,10 @@ public:
 Q_SIGNALS:
     void DblClick(qint16 Index);
 
+public:
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
 protected:
     void resizeEvent(QResizeEvent *event) override;
 

@@ -20,6 +20,8 @@ const QSet<QString> kRowKeys{ QStringLiteral("CAPTION"),   QStringLiteral("FIELD
                               QStringLiteral("FORMAT"),    QStringLiteral("MODE"),
                               QStringLiteral("MAXLENGTH"), QStringLiteral("LABELWIDTH") };
 const QSet<QString> kCheckKeys{ QStringLiteral("CAPTION"), QStringLiteral("FIELD") };
+const QSet<QString> kPairKeys{ QStringLiteral("CAPTION"), QStringLiteral("FIELD"),
+                               QStringLiteral("DETAILS") };
 
 // Every section and its keys as written, for the checks the profile reader cannot make.
 QList<QPair<QString, QStringList>> scanKeys(const QByteArray &text)
@@ -75,6 +77,7 @@ Result<FormDescription> loadFormDescription(const QString &path, QStringList *wa
         const QSet<QString> *known = upper == QLatin1String("FORM") ? &kFormKeys
             : upper.startsWith(QLatin1String("ROW"))                ? &kRowKeys
             : upper.startsWith(QLatin1String("CHECK"))              ? &kCheckKeys
+            : upper.startsWith(QLatin1String("PAIR"))               ? &kPairKeys
                                                                     : nullptr;
         hasForm = hasForm || upper == QLatin1String("FORM");
         if (!known) {
@@ -150,6 +153,26 @@ Result<FormDescription> loadFormDescription(const QString &path, QStringList *wa
                     QStringLiteral("[%1] names no Field; the row is left out").arg(section));
             else
                 form.rows.append(row);
+        } else if (upper.startsWith(QLatin1String("PAIR"))) {
+            PairDescription pair{ value(path, section, "Caption"),
+                                  value(path, section, "Field"),
+                                  {} };
+            for (const QString &detail :
+                 value(path, section, "Details").split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+                const qsizetype colon = detail.indexOf(QLatin1Char(':'));
+                if (colon < 1 || getLenTrim(detail.mid(colon + 1)) < 1)
+                    warnings->append(
+                        QStringLiteral("Detail \"%1\" in [%2] ignored: write it as Caption:FIELD")
+                            .arg(detail.trimmed(), section));
+                else
+                    pair.details.append(
+                        { detail.left(colon).trimmed(), detail.mid(colon + 1).trimmed() });
+            }
+            if (pair.field.isEmpty())
+                warnings->append(
+                    QStringLiteral("[%1] names no Field; the pair is left out").arg(section));
+            else
+                form.pairs.append(pair);
         } else if (upper.startsWith(QLatin1String("CHECK"))) {
             CheckDescription check{ value(path, section, "Caption"),
                                     value(path, section, "Field") };
@@ -193,6 +216,15 @@ Status saveFormDescription(const FormDescription &form, const QString &path)
         set(section, "Mode", r.mode);
         set(section, "MaxLength", r.maxLength > 0 ? QString::number(r.maxLength) : QString());
         set(section, "LabelWidth", r.labelWidth > 0 ? QString::number(r.labelWidth) : QString());
+    }
+    for (qsizetype i = 0; i < form.pairs.size(); ++i) {
+        const QString section = QStringLiteral("PAIR%1").arg(i + 1);
+        QStringList details;
+        for (const auto &[caption, field] : form.pairs[i].details)
+            details << caption + QLatin1Char(':') + field;
+        set(section, "Caption", form.pairs[i].caption);
+        set(section, "Field", form.pairs[i].field);
+        set(section, "Details", details.join(QStringLiteral(", ")));
     }
     for (qsizetype i = 0; i < form.checks.size(); ++i) {
         const QString section = QStringLiteral("CHECK%1").arg(i + 1);
@@ -257,6 +289,12 @@ QStringList checkFieldNames(const FormDescription &form, const QList<FieldInfo> 
     for (qsizetype i = 0; i < form.rows.size(); ++i)
         check(form.rows[i].field,
               QStringLiteral("Row %1 (%2)").arg(i + 1).arg(form.rows[i].caption));
+    for (qsizetype i = 0; i < form.pairs.size(); ++i) {
+        check(form.pairs[i].field,
+              QStringLiteral("Pair %1 (%2)").arg(i + 1).arg(form.pairs[i].caption));
+        for (const auto &[caption, field] : form.pairs[i].details)
+            check(field, QStringLiteral("Pair %1 detail (%2)").arg(i + 1).arg(caption));
+    }
     for (qsizetype i = 0; i < form.checks.size(); ++i)
         check(form.checks[i].field,
               QStringLiteral("Check box %1 (%2)").arg(i + 1).arg(form.checks[i].caption));

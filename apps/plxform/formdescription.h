@@ -14,6 +14,8 @@
 //   [ROW1] ... [ROWn]                text rows, in order: Caption, Field, Format, Mode,
 //                                    MaxLength, LabelWidth (twips)
 //   [CHECK1] ... [CHECKn]            check boxes: Caption, Field
+//   [PAIR1] ... [PAIRn]              a flag with the text fields that belong to it:
+//                                    Caption, Field, Details=Caption:FIELD, Caption:FIELD
 #pragma once
 
 #include "services/recordsource/recordsource.h"
@@ -36,6 +38,12 @@ struct CheckDescription
     QString caption, field;
 };
 
+struct PairDescription
+{
+    QString caption, field; // the flag
+    QList<QPair<QString, QString>> details; // caption, field of each detail row
+};
+
 struct FormDescription
 {
     QString file; // FoxPro table file
@@ -49,6 +57,7 @@ struct FormDescription
     QStringList required;
     QList<RowDescription> rows;
     QList<CheckDescription> checks;
+    QList<PairDescription> pairs;
 
     bool isFoxPro() const { return !file.isEmpty(); }
 };

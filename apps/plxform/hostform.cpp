@@ -290,9 +290,32 @@ bool HostForm::openForm(const FormDescription &wanted, QStringList *warnings, QS
         checks->setSFieldName(qint16(i), shownChecks[i].field);
     }
     checks->setVisible(!shownChecks.isEmpty());
+    // Flags with the text rows that belong to them, each one unit.
+    QList<mvChkWithTxt *> pairs;
+    for (const PairDescription &p : form.pairs) {
+        if (!known(p.field))
+            continue;
+        auto *pair = new mvChkWithTxt;
+        pair->setObjectName(QStringLiteral("mvChkWithTxt%1").arg(pairs.size() + 1));
+        pair->setSCaptionChk(p.caption);
+        pair->setSFieldNameChk(p.field);
+        QList<QPair<QString, QString>> details;
+        for (const auto &detail : p.details)
+            if (known(detail.second))
+                details << detail;
+        pair->setNUbound(qint16(qMax<qsizetype>(0, details.size() - 1)));
+        for (qsizetype i = 0; i < details.size(); ++i) {
+            pair->setSCaptionTxt(qint16(i), details[i].first);
+            pair->setSFieldNameTxt(qint16(i), details[i].second);
+        }
+        pair->setLocked(true);
+        pairs << pair;
+    }
     QList<BoundControl *> bound{ rows };
     if (!shownChecks.isEmpty())
         bound << checks;
+    for (mvChkWithTxt *pair : pairs)
+        bound << pair;
     nav->setCMervaneControls(bound);
     rows->setLocked(true);
     checks->setLocked(true);
@@ -315,7 +338,12 @@ bool HostForm::openForm(const FormDescription &wanted, QStringList *warnings, QS
     auto *side = new QHBoxLayout(stacks);
     side->setContentsMargins(0, 6, 0, 0);
     side->addWidget(rows, 3, Qt::AlignTop);
-    side->addWidget(checks, 2, Qt::AlignTop);
+    auto *flags = new QVBoxLayout;
+    flags->addWidget(checks);
+    for (mvChkWithTxt *pair : pairs)
+        flags->addWidget(pair);
+    flags->addStretch(1);
+    side->addLayout(flags, 2);
     scroll->setWidget(stacks);
     layout->addWidget(scroll, 1);
     setCentralWidget(central);
@@ -325,10 +353,12 @@ bool HostForm::openForm(const FormDescription &wanted, QStringList *warnings, QS
     m_nav = nav.release();
     m_rows = rows;
     m_checks = checks;
+    m_pairs.clear();
+    for (mvChkWithTxt *pair : pairs)
+        m_pairs << pair;
     m_editing = false;
     connect(m_nav, &mvPLXRecs::IDChange, this, [this] {
-        m_rows->UpdateDBF();
-        m_checks->UpdateDBF();
+        showRecord();
         updateStatus();
     });
     connect(m_nav, &mvPLXRecs::SortChange, this, &HostForm::updateStatus);
@@ -349,8 +379,7 @@ bool HostForm::openForm(const FormDescription &wanted, QStringList *warnings, QS
     if (auto *bar = m_nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"));
         bar && m_nav->rs()->RecordCount() > 0)
         bar->setValue(0);
-    m_rows->UpdateDBF();
-    m_checks->UpdateDBF();
+    showRecord();
     setWindowTitle(form.desc + QStringLiteral(" - plxform"));
     // Each form comes back where the user left it, and always reachable on the monitors
     // there are now.
@@ -358,6 +387,15 @@ bool HostForm::openForm(const FormDescription &wanted, QStringList *warnings, QS
     rememberRecent(form.isFoxPro() ? form.file : form.database);
     updateStatus();
     return true;
+}
+
+void HostForm::showRecord()
+{
+    m_rows->UpdateDBF();
+    m_checks->UpdateDBF();
+    for (const QPointer<mvChkWithTxt> &pair : m_pairs)
+        if (pair)
+            pair->UpdateDBF();
 }
 
 bool HostForm::OKtoSave(qint16)
@@ -403,8 +441,7 @@ void HostForm::recordDeleted()
 {
     // The deleted record leaves no current record behind: show the records as they are now.
     m_nav->RSRefresh();
-    m_rows->UpdateDBF();
-    m_checks->UpdateDBF();
+    showRecord();
     updateStatus();
 }
 

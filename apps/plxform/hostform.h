@@ -6,6 +6,7 @@
 
 #include "apps/plxform/formdescription.h"
 #include "fields/mvchecks.h"
+#include "fields/mvchkwithtxt.h"
 #include "fields/mvname.h"
 #include "navigator/mvplxrecs.h"
 #include "services/env.h"
@@ -43,6 +44,7 @@ public:
     mvPLXRecs *navigator() const { return m_nav; }
     mvName *textRows() const { return m_rows; }
     mvChecks *checkRows() const { return m_checks; }
+    QList<QPointer<mvChkWithTxt>> pairs() const { return m_pairs; }
     QString statusText() const;
     // Where the table's saved filters are kept.
     QString filterFile() const;
@@ -63,6 +65,7 @@ private:
     void buildMenus();
     void mirrorToolbar();
     void updateStatus();
+    void showRecord();
     void filterChosen(const QString &filter);
     void editFilters();
     void recordDeleted();
@@ -76,6 +79,7 @@ private:
     QPointer<mvPLXRecs> m_nav;
     QPointer<mvName> m_rows;
     QPointer<mvChecks> m_checks;
+    QList<QPointer<mvChkWithTxt>> m_pairs;
     QLabel *m_statusTable = nullptr;
     QLabel *m_statusPosition = nullptr;
     QLabel *m_statusUser = nullptr;

@@ -31,6 +31,7 @@ QList<FieldInfo> sampleFields()
         { QStringLiteral("OPENED"), FieldType::Date, 8, 0 },
         { QStringLiteral("ACTIVE"), FieldType::Boolean, 1, 0 },
         { QStringLiteral("MEDICARE"), FieldType::Boolean, 1, 0 },
+        { QStringLiteral("MEDNUM"), FieldType::Text, 10, 0 },
         { QStringLiteral("NOTES"), FieldType::Memo, 10, 0 },
         { QStringLiteral("PLSTART"), FieldType::Text, 30, 0 },
         { QStringLiteral("PLLASTREV"), FieldType::Text, 30, 0 },
@@ -72,6 +73,7 @@ QList<QVariantList> sampleRows()
         const QString name = QString::fromLatin1(names[below(24)]) + QLatin1Char(' ')
             + QString::fromLatin1(kinds[below(8)]);
         const QDate opened = QDate(1960, 1, 1).addDays(below(23000));
+        const bool medicare = below(3) == 0;
         const QString stamp = opened.addDays(below(300)).toString(QStringLiteral("MM/dd/yyyy"))
             + QStringLiteral(" 09:15:00 ADMIN");
         rows.append({ QStringLiteral("PLE") + key, name, QString::fromLatin1(city[0]),
@@ -80,7 +82,8 @@ QList<QVariantList> sampleRows()
                           .arg(200 + below(700))
                           .arg(below(10000), 4, 10, QLatin1Char('0')),
                       20 + below(280), 150.0 + below(40000) / 100.0, opened, below(10) != 0,
-                      below(3) == 0,
+                      medicare,
+                      medicare ? QVariant(QString::number(100000 + below(900000))) : QVariant(),
                       below(3) == 0 ? QVariant(QString::fromLatin1(notes[below(4)])) : QVariant(),
                       stamp, stamp });
     }
@@ -209,9 +212,12 @@ void writeFormFile(const QString &path, const QString &table)
     }
     writeINI(QStringLiteral("CHECK1"), QStringLiteral("Caption"), path, QStringLiteral("Active"));
     writeINI(QStringLiteral("CHECK1"), QStringLiteral("Field"), path, QStringLiteral("ACTIVE"));
-    writeINI(QStringLiteral("CHECK2"), QStringLiteral("Caption"), path,
+    // The Medicare flag with the provider number that belongs to it.
+    writeINI(QStringLiteral("PAIR1"), QStringLiteral("Caption"), path,
              QStringLiteral("Medicare certified"));
-    writeINI(QStringLiteral("CHECK2"), QStringLiteral("Field"), path, QStringLiteral("MEDICARE"));
+    writeINI(QStringLiteral("PAIR1"), QStringLiteral("Field"), path, QStringLiteral("MEDICARE"));
+    writeINI(QStringLiteral("PAIR1"), QStringLiteral("Details"), path,
+             QStringLiteral("Provider no.:MEDNUM"));
 }
 
 } // namespace

@@ -39,6 +39,10 @@ TEST(FormDescription, RoundTripKeepsEveryPartAndAHandEditIsRead)
                   { QStringLiteral("Opened"), QStringLiteral("OPENED"),
                     QStringLiteral("mm/dd/yyyy"), QStringLiteral("Date") } };
     form.checks = { { QStringLiteral("Active"), QStringLiteral("ACTIVE") } };
+    form.pairs = { { QStringLiteral("Medicare"),
+                     QStringLiteral("MEDICARE"),
+                     { { QStringLiteral("Provider no."), QStringLiteral("MEDNUM") },
+                       { QStringLiteral("Since"), QStringLiteral("MEDSINCE") } } } };
     const QString path = dir.filePath(QStringLiteral("form.ini"));
     ASSERT_TRUE(saveFormDescription(form, path).isOk());
 
@@ -67,6 +71,9 @@ TEST(FormDescription, RoundTripKeepsEveryPartAndAHandEditIsRead)
     EXPECT_EQ(back.rows[1].format, QStringLiteral("mm/dd/yyyy"));
     ASSERT_EQ(back.checks.size(), 1);
     EXPECT_EQ(back.checks[0].field, QStringLiteral("ACTIVE"));
+    ASSERT_EQ(back.pairs.size(), 1);
+    EXPECT_EQ(back.pairs[0].field, QStringLiteral("MEDICARE"));
+    EXPECT_EQ(back.pairs[0].details, form.pairs[0].details);
 }
 
 TEST(FormDescription, MistakesAreReportedNotFatal)
