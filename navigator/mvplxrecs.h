@@ -239,6 +239,8 @@ private:
     QString orderByList(const QString &fields) const;
     QString currentSortFields() const;
     QString composeQuery() const;
+    // Opens `sql` on the navigator's database; nullptr (the reason logged) on failure.
+    std::shared_ptr<RecordSource> openQuery(const QString &sql);
     // Opens `sql`, attaches it, finds `oldID` again; false (navigator unchanged) on failure.
     bool requery(const QString &oldID, bool moveFirstWhenLost);
     bool findIDInRs(const QString &id);

@@ -161,19 +161,27 @@ void mvPLXRecs::endLongWork()
     m_floating->closeMessage();
 }
 
+std::shared_ptr<RecordSource> mvPLXRecs::openQuery(const QString &sql)
+{
+    Result<std::unique_ptr<RecordSource>> opened = m_db->OpenRecordset(sql);
+    if (opened.isOk())
+        return std::shared_ptr<RecordSource>(std::move(opened.value()));
+    // The navigator stays as it was; support finds the reason in the activity log.
+    logEntry(m_sUser,
+             messageTitle() + QStringLiteral(": query failed: ") + sql + QStringLiteral("\r\n")
+                 + opened.status().message(),
+             m_services);
+    return nullptr;
+}
+
 bool mvPLXRecs::requery(const QString &oldID, bool moveFirstWhenLost)
 {
     if (!m_db)
         return false;
     const bool shown = beginLongWork(
         tr("Sorting %1 records").arg(formatRecordCount(m_rs ? m_rs->RecordCount() : 0)));
-    const QString sql = composeQuery();
-    Result<std::unique_ptr<RecordSource>> opened = m_db->OpenRecordset(sql);
-    if (!opened.isOk()) {
-        logEntry(m_sUser,
-                 messageTitle() + QStringLiteral(": query failed: ") + sql + QStringLiteral("\r\n")
-                     + opened.status().message(),
-                 m_services);
+    std::shared_ptr<RecordSource> opened = openQuery(composeQuery());
+    if (!opened) {
         endLongWork();
         return false;
     }
@@ -185,7 +193,7 @@ bool mvPLXRecs::requery(const QString &oldID, bool moveFirstWhenLost)
             return false;
         }
     }
-    setRs(std::shared_ptr<RecordSource>(std::move(opened.value())));
+    setRs(std::move(opened));
     if (!findIDInRs(oldID) && moveFirstWhenLost && m_rs->RecordCount() > 0
         && getLenTrim(oldID) >= 1)
         (void)m_rs->MoveFirst();
@@ -256,16 +264,12 @@ void mvPLXRecs::connectByFile(const QString &path)
     const QString orderBy = orderByList(currentSortFields());
     if (m_cboSort->count() > 0 && m_cboSort->currentIndex() >= 0 && getLenTrim(orderBy) >= 1)
         sql += QStringLiteral(" ORDER BY ") + orderBy;
-    Result<std::unique_ptr<RecordSource>> opened = m_db->OpenRecordset(sql);
-    if (!opened.isOk()) {
-        logEntry(m_sUser,
-                 messageTitle() + QStringLiteral(": query failed: ") + sql + QStringLiteral("\r\n")
-                     + opened.status().message(),
-                 m_services);
+    std::shared_ptr<RecordSource> opened = openQuery(sql);
+    if (!opened) {
         endLongWork();
         return;
     }
-    setRs(std::shared_ptr<RecordSource>(std::move(opened.value())));
+    setRs(std::move(opened));
     idle();
     (void)m_rs->MoveLast();
     (void)m_rs->MoveFirst();
