@@ -1,8 +1,10 @@
 // services/recordsource/result.h: a value or the Status that explains why there is none.
 //
 // C++20 has no std::expected; this is the small subset the project needs. A Result built
-// from a value is OK; one built from a Status must carry an error. value() on an error is
-// a programming mistake and asserts.
+// from a value is OK; one built from a Status carries an error. One built from an OK Status
+// (a mistake of the code that made it) carries an Internal error instead, in every build
+// type, so that no caller reads a value that is not there. value() on an error is a
+// programming mistake and asserts.
 #pragma once
 
 #include "services/recordsource/status.h"
@@ -18,7 +20,9 @@ public:
     Result(T value) : m_value(std::move(value)) { }
     Result(Status error) : m_status(std::move(error))
     {
-        Q_ASSERT_X(!m_status.isOk(), "Result", "an error Result needs a failing Status");
+        if (m_status.isOk())
+            m_status = Status(Status::Code::Internal,
+                              QStringLiteral("a result was made from a success without a value"));
     }
 
     bool isOk() const { return m_status.isOk(); }

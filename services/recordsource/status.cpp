@@ -18,6 +18,7 @@ QString codeName(Status::Code code)
     case Status::Code::UnknownFunction: return QStringLiteral("Unknown function");
     case Status::Code::TypeMismatch: return QStringLiteral("Type mismatch");
     case Status::Code::Corrupt: return QStringLiteral("Corrupt file");
+    case Status::Code::Internal: return QStringLiteral("Internal error");
     }
     return QStringLiteral("Error");
 }

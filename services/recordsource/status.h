@@ -27,6 +27,7 @@ public:
         UnknownFunction, // a function the dialect does not have
         TypeMismatch, // an operand of the wrong type
         Corrupt, // a file whose contents contradict its own header
+        Internal, // a mistake of the library itself (a Result made from an OK Status)
     };
 
     // Success.

@@ -57,6 +57,7 @@ std::unique_ptr<DbfTable> openSample(const char *file, int codePage = 0)
 
 TEST(DbfSamples, HeadersMatchTheirProvenance)
 {
+    PLX_REQUIRE_SAMPLES();
     for (const SampleShape &s : kSamples) {
         SCOPED_TRACE(s.file);
         auto t = openSample(s.file);
@@ -84,6 +85,7 @@ TEST(DbfSamples, HeadersMatchTheirProvenance)
 
 TEST(DbfSamples, ValuesMatchDbfread)
 {
+    PLX_REQUIRE_SAMPLES();
     if (!pythonReady())
         GTEST_SKIP() << "/usr/bin/python3 lacks dbf or dbfread";
     for (const SampleShape &s : kSamples) {
@@ -105,6 +107,7 @@ TEST(DbfSamples, ValuesMatchDbfread)
 
 TEST(DbfSamples, TypicalValuesReadAsTheToolsWroteThem)
 {
+    PLX_REQUIRE_SAMPLES();
     // Clipper's wide character field: length byte 44, decimals byte 1 = 300 bytes.
     auto pr90 = openSample("pr90.dbf");
     ASSERT_TRUE(pr90);
@@ -154,6 +157,7 @@ TEST(DbfSamples, TypicalValuesReadAsTheToolsWroteThem)
 
 TEST(DbfSamples, WriteRefusalsSayWhy)
 {
+    PLX_REQUIRE_SAMPLES();
     // Opened for writing (a copy: the shared samples are never opened for writing), the
     // Visual FoxPro table with its CDX explains why it stays read only, and is not touched.
     QTemporaryDir dir;

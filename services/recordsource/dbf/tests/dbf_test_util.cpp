@@ -5,6 +5,7 @@
 #include <QDate>
 #include <QDateTime>
 #include <QDir>
+#include <QFileInfo>
 #include <QFile>
 #include <QProcess>
 
@@ -20,6 +21,11 @@ QString sampleDir()
     if (root.isEmpty())
         root = QStringLiteral(PLX_DBF_PROJECT_DIR);
     return QDir::cleanPath(root + QStringLiteral("/../shared/testdata/dbf"));
+}
+
+bool samplesPresent()
+{
+    return QFileInfo::exists(sampleDir() + QStringLiteral("/PROVENANCE.md"));
 }
 
 QString samplePath(const QString &name)

@@ -12,6 +12,21 @@ namespace plx::dbftestutil {
 
 // The directory of the shared sample tables (never copied into the project).
 QString sampleDir();
+// Whether the sample tables are beside this checkout. A user's clone has no ../shared;
+// CI (CI=true) always has it, so there a missing folder is a failure, not a skip.
+bool samplesPresent();
+
+// Skips the test, saying why, when the sample tables are absent (fails under CI).
+#define PLX_REQUIRE_SAMPLES() \
+    do { \
+        if (!plx::dbftestutil::samplesPresent()) { \
+            if (qEnvironmentVariable("CI") == QLatin1String("true")) \
+                FAIL() << "the sample tables are missing: " \
+                       << plx::dbftestutil::sampleDir().toStdString(); \
+            GTEST_SKIP() << "the sample tables are not beside this checkout (" \
+                         << plx::dbftestutil::sampleDir().toStdString() << ")"; \
+        } \
+    } while (false)
 QString samplePath(const QString &name);
 
 // True when /usr/bin/python3 has both dbf and dbfread.

@@ -140,6 +140,12 @@ TEST(FoxProCdxTableTest, ReadsButRefusesEveryWrite)
 {
     QTemporaryDir dir;
     const QString samples = QStringLiteral(PLX_TESTDATA_DIR);
+    if (!QFile::exists(samples + QStringLiteral("/calls.dbf"))) {
+        if (qEnvironmentVariable("CI") == QLatin1String("true"))
+            FAIL() << "the sample tables are missing: " << samples.toStdString();
+        GTEST_SKIP() << "the sample tables are not beside this checkout (" << samples.toStdString()
+                     << ")";
+    }
     for (const char *file : { "calls.dbf", "calls.FPT", "calls.CDX" }) {
         const QString name = QString::fromLatin1(file);
         ASSERT_TRUE(QFile::copy(samples + QLatin1Char('/') + name, dir.filePath(name))) << file;
