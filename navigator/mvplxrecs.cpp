@@ -180,53 +180,40 @@ void mvPLXRecs::buildToolbar()
     m_tbrBtm->setObjectName(QStringLiteral("tbrBtm"));
     m_tbrBtm->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_tbrBtm->setIconSize(QSize(16, 16));
-    struct ButtonSpec
+    // The record commands in the order hosts address them by index (1 to 6), then Close,
+    // which carries no command. Only New is available before a record is shown.
+    struct ToolbarButton
     {
         const char *caption, *key;
         QString tip;
         QStyle::StandardPixmap icon;
+        bool enabledAtStart;
     };
-    const ButtonSpec buttons[] = {
-        { "New", "NEW", QStringLiteral("Create a new facility record"), QStyle::SP_FileIcon },
+    const ToolbarButton buttons[] = {
+        { "New", "NEW", QStringLiteral("Create a new facility record"), QStyle::SP_FileIcon, true },
         { "Edit", "EDIT", QStringLiteral("Edit the current record"),
-          QStyle::SP_FileDialogDetailedView },
+          QStyle::SP_FileDialogDetailedView, false },
         { "Copy", "COPY", QStringLiteral("Copy the current record to create a new record"),
-          QStyle::SP_FileLinkIcon },
-        { "Delete", "DELETE", QStringLiteral("DELETE the current record"), QStyle::SP_TrashIcon },
-        { "Save", "SAVE", QStringLiteral("Save the current record"), QStyle::SP_DialogSaveButton },
+          QStyle::SP_FileLinkIcon, false },
+        { "Delete", "DELETE", QStringLiteral("DELETE the current record"), QStyle::SP_TrashIcon,
+          false },
+        { "Save", "SAVE", QStringLiteral("Save the current record"), QStyle::SP_DialogSaveButton,
+          false },
         { "Cancel", "CANCEL", QStringLiteral("Abandon changes to the current record"),
-          QStyle::SP_DialogCancelButton },
-        { "Close", "CLOSE", QString(), QStyle::SP_DialogCloseButton },
+          QStyle::SP_DialogCancelButton, false },
+        { "Close", "CLOSE", QString(), QStyle::SP_DialogCloseButton, true },
     };
-    for (const ButtonSpec &spec : buttons) {
-        QAction *action = m_tbrBtm->addAction(style()->standardIcon(spec.icon),
-                                              QString::fromLatin1(spec.caption));
-        action->setObjectName(QString::fromLatin1(spec.key));
-        action->setToolTip(spec.tip);
-        if (qstrcmp(spec.key, "CLOSE") == 0)
-            m_tbrBtm->insertSeparator(action);
-    }
-    // Nothing to save or cancel, and no record shown yet.
-    const QList<QAction *> actions = m_tbrBtm->actions();
-    for (QAction *action : actions) {
-        const QString key = action->objectName();
-        if (key == QLatin1String("EDIT") || key == QLatin1String("COPY")
-            || key == QLatin1String("DELETE") || key == QLatin1String("SAVE")
-            || key == QLatin1String("CANCEL"))
-            action->setEnabled(false);
+    for (const ToolbarButton &button : buttons) {
+        if (qstrcmp(button.key, "CLOSE") == 0)
+            m_tbrBtm->addSeparator();
+        QAction *action = m_tbrBtm->addAction(style()->standardIcon(button.icon),
+                                              QString::fromLatin1(button.caption));
+        action->setObjectName(QString::fromLatin1(button.key));
+        action->setToolTip(button.tip);
+        action->setEnabled(button.enabledAtStart);
     }
     connect(m_tbrBtm, &QToolBar::actionTriggered, this, &mvPLXRecs::toolbarClicked);
     layout()->addWidget(m_tbrBtm);
-}
-
-void mvPLXRecs::changeEvent(QEvent *event)
-{
-    // Icons follow a palette or style change (light and dark themes).
-    if (event->type() == QEvent::StyleChange) {
-        m_cmdRecBack->setIcon(style()->standardIcon(QStyle::SP_ArrowBack));
-        m_cmdRecNext->setIcon(style()->standardIcon(QStyle::SP_ArrowForward));
-    }
-    QWidget::changeEvent(event);
 }
 
 bool mvPLXRecs::eventFilter(QObject *watched, QEvent *event)

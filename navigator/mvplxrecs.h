@@ -222,7 +222,6 @@ Q_SIGNALS:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
-    void changeEvent(QEvent *event) override;
 
 private:
     // Layout and wiring (mvplxrecs.cpp).
@@ -328,10 +327,8 @@ private:
     bool m_movingScrollBar = false; // the navigator sets the bar itself: no IDChange
     bool m_findUnderWay = false;
     bool m_settingFilter = false; // SetSQLFilterAndWhere selects: no FilterChange
-    bool m_fillingSorts = false;
-    bool m_commandRunning = false;
+    bool m_commandRunning = false; // a command (and the re-read after a save) is under way
     bool m_newRecord = false; // from NEW or COPY until saved or deleted
-    bool m_busy = false; // re-reading after a save
     qint32 m_returnPosition = -1; // where a cancelled new record returns to
     QString m_heldID; // the record this navigator holds in edit
     QString m_takenDesc; // description of the record that took an ID candidate

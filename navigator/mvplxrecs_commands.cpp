@@ -104,12 +104,10 @@ bool mvPLXRecs::commandEdit(const QString &id)
         return false;
     }
     idle();
-    const QString criterion = m_sIDfield + QStringLiteral(" = ") + strToASC(id);
-    idle();
     // The record to edit is nearly always the current one already: finding it again in a
     // million records would only land on the same record.
     if (currentIDText() != id)
-        (void)m_rs->FindFirst(criterion);
+        (void)m_rs->FindFirst(m_sIDfield + QStringLiteral(" = ") + strToASC(id));
     idle();
     pump();
     for (BoundControl *control : cMervaneControls())
@@ -248,12 +246,10 @@ bool mvPLXRecs::commandSave()
         }
     }
     m_newRecord = false;
-    m_busy = true;
     // The record is re-read in its place in the order. An edit that left every sort field
     // as it was keeps the order as it is, so the query need not run again.
     if (m_rs && (wasNew || sortFieldValues() != sortValuesBefore))
         requery(id, false);
-    m_busy = false;
     return true;
 }
 

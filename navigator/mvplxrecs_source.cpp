@@ -388,11 +388,9 @@ QString mvPLXRecs::InitControl()
     if (m_sortNames.isEmpty()) {
         result = modAddALine(result, QStringLiteral("No Sorts specified"), sep, false);
     } else {
-        m_fillingSorts = true;
         m_cboSort->clear();
         for (qsizetype i = 0; i < m_sortNames.size(); ++i)
             m_cboSort->addItem(m_sortNames[i], int(i));
-        m_fillingSorts = false;
     }
     if (getLenTrim(m_sSort) < 1 && m_cboSort->count() >= 1) {
         m_cboSort->setCurrentIndex(0);

@@ -183,7 +183,7 @@ int main(int argc, char **argv)
         say(w);
     if (args.isSet(QStringLiteral("save-form"))) {
         const QString path = args.value(QStringLiteral("save-form"));
-        if (Status s = saveFormDescription(form.currentDescription(), path); !s.isOk()) {
+        if (Status s = saveFormDescription(form.form(), path); !s.isOk()) {
             say(s.message());
             return 1;
         }
@@ -239,7 +239,7 @@ int main(int argc, char **argv)
                                        MsgStyle::Information, QStringLiteral("plxform"));
     });
     QObject::connect(&form, &HostForm::saveFormRequested, &form, [&form](const QString &path) {
-        if (Status s = saveFormDescription(form.currentDescription(), path); !s.isOk())
+        if (Status s = saveFormDescription(form.form(), path); !s.isOk())
             prompterOf(nullptr).msgBox(s.message(), MsgStyle::Critical, QStringLiteral("plxform"));
     });
     form.show();
