@@ -16,6 +16,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QComboBox>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -66,6 +67,24 @@ HostForm::HostForm(Services *services, QWidget *parent) : QMainWindow(parent), m
     statusBar()->addPermanentWidget(m_statusUser);
     statusBar()->addPermanentWidget(m_statusState);
     buildMenus();
+    // Text fields claim some of the record shortcuts for themselves (Ctrl+E moves to the
+    // end of a line, Ctrl+Del deletes a word); in this form the record commands win.
+    qApp->installEventFilter(this);
+}
+
+bool HostForm::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        auto *widget = qobject_cast<QWidget *>(watched);
+        const auto *key = static_cast<QKeyEvent *>(event);
+        const QKeySequence pressed(key->keyCombination());
+        if (widget && isAncestorOf(widget)) {
+            for (const QAction *action : std::as_const(m_recordActions))
+                if (action->isEnabled() && action->shortcut() == pressed)
+                    return true; // not taken by the text field: the menu's shortcut runs
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 HostForm::~HostForm() = default;
@@ -473,6 +492,10 @@ void HostForm::updateStatus()
 void HostForm::rememberRecent(const QString &path)
 {
     const QString settings = userSettings();
+    QString first;
+    readINI(QStringLiteral("RECENT"), QStringLiteral("File1"), settings, first, QString());
+    if (first == path)
+        return; // reopening the latest file changes nothing (and writes nothing)
     QStringList recent{ path };
     for (int i = 1; i <= kRecentFiles; ++i) {
         QString entry;

@@ -37,9 +37,8 @@ public:
     // navigator's configuration lines) come back in `warnings`; false with `error` when
     // the table cannot be opened (the form is then left as it was).
     bool openForm(const FormDescription &form, QStringList *warnings, QString *error);
+    // What is shown now, with the rows made from the table's fields (for --save-form).
     const FormDescription &form() const { return m_form; }
-    // The description of what is shown now, with the table's fields (for --save-form).
-    FormDescription currentDescription() const { return m_form; }
 
     mvPLXRecs *navigator() const { return m_nav; }
     mvName *textRows() const { return m_rows; }
@@ -60,6 +59,7 @@ Q_SIGNALS:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void buildMenus();
