@@ -1,9 +1,9 @@
 // benchmarks/benchtablecache.cpp: generating the benchmark tables on first use.
 #include "benchmarks/benchtablecache.h"
 
-#include "apps/plxgen/benchtable.h"
-#include "apps/plxgen/foxprowriter.h"
-#include "apps/plxgen/sqlitewriter.h"
+#include "services/recordsource/tablegen/benchtable.h"
+#include "services/recordsource/tablegen/foxprowriter.h"
+#include "services/recordsource/tablegen/sqlitewriter.h"
 
 #include <QDir>
 #include <QFile>

@@ -5,7 +5,7 @@
 //   build/benchmarks/bm_commands --benchmark_repetitions=3 --benchmark_report_aggregates_only=true
 //
 // The tables are copied first (the commands write), into $PLX_BENCH_DIR/commands.
-#include "apps/plxgen/benchtable.h"
+#include "services/recordsource/tablegen/benchtable.h"
 #include "benchmarks/benchtablecache.h"
 
 #include "fields/mvchecks.h"

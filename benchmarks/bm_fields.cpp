@@ -10,7 +10,7 @@
 //                   second durable write): the whole SAVE as the user waits for it
 // Only AMOUNT, PLLASTREV and ACTIVE of one record are written (same lengths, values put
 // back afterwards), so that the table stays what the other benchmarks expect.
-#include "apps/plxgen/foxprowriter.h"
+#include "services/recordsource/tablegen/foxprowriter.h"
 #include "benchmarks/benchtablecache.h"
 #include "fields/mvchecks.h"
 #include "fields/mvname.h"

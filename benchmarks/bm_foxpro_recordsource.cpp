@@ -4,9 +4,9 @@
 #include "benchmarks/benchtablecache.h"
 #include "benchmarks/recordsourceworkloads.h"
 
-#include "services/recordsource/dbf/dbftable.h"
-#include "services/recordsource/foxpro/foxprorecordsource.h"
-#include "services/recordsource/foxpro/rankcache.h"
+#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/foxpro/foxprorecordsource_p.h"
+#include "services/recordsource/foxpro/rankcache_p.h"
 
 #include <benchmark/benchmark.h>
 

@@ -10,8 +10,8 @@
 //   InStrRev  InStrRev(NAME, ',') > 7            InStr(NAME, ',') > 7
 #include "benchmarks/benchtablecache.h"
 
-#include "apps/plxgen/benchtable.h"
-#include "apps/plxgen/foxprowriter.h"
+#include "services/recordsource/tablegen/benchtable.h"
+#include "services/recordsource/tablegen/foxprowriter.h"
 #include "services/recordsource/database.h"
 
 #include <QDir>

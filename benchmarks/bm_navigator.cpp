@@ -5,7 +5,7 @@
 //
 //   build/benchmarks/bm_navigator --benchmark_repetitions=3 --benchmark_report_aggregates_only=true
 #include "benchmarks/benchtablecache.h"
-#include "apps/plxgen/benchtable.h"
+#include "services/recordsource/tablegen/benchtable.h"
 
 #include "navigator/mvplxrecs.h"
 #include "services/recordsource/database.h"

@@ -10,10 +10,10 @@
 //   BM_SqliteRaw_FullStatement   step the translated sort statement reading every
 //                                column (what the sqlite3 shell does for the query)
 // The statements come from the same Jet translation the record source uses.
-#include "apps/plxgen/benchtable.h"
+#include "services/recordsource/tablegen/benchtable.h"
 #include "benchmarks/benchtablecache.h"
 #include "services/texthelpers.h"
-#include "services/recordsource/jet/sqlitetranslate.h"
+#include "services/recordsource/jet/sqlitetranslate_p.h"
 
 #include <benchmark/benchmark.h>
 #include <cstdio>

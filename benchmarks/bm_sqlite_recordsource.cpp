@@ -4,8 +4,8 @@
 #include "benchmarks/benchtablecache.h"
 #include "benchmarks/recordsourceworkloads.h"
 
-#include "apps/plxgen/benchtable.h"
-#include "services/recordsource/sqlite/sqliterecordsource.h"
+#include "services/recordsource/tablegen/benchtable.h"
+#include "services/recordsource/sqlite/sqliterecordsource_p.h"
 
 #include <benchmark/benchmark.h>
 

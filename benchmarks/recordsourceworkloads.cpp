@@ -1,5 +1,5 @@
 // benchmarks/recordsourceworkloads.cpp: the navigator's workloads on the generated
-// 1,000,000-record table T (see apps/plxgen):
+// 1,000,000-record table T (see services/recordsource/tablegen):
 //   OpenCount      open "T", MoveLast, RecordCount (the count after attach)
 //   OpenCountFirst the same with nothing kept from earlier opens (the first in a process)
 //   SortChange     open the sort query ORDER BY T.NAME, T.CITY and FindFirst the old
@@ -17,7 +17,7 @@
 //   KeyMemory      bytes of keyset per record of a 1,000,000-key source
 #include "benchmarks/recordsourceworkloads.h"
 
-#include "apps/plxgen/benchtable.h"
+#include "services/recordsource/tablegen/benchtable.h"
 #include "services/texthelpers.h"
 
 #include <QFile>

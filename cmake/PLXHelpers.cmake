@@ -1,11 +1,17 @@
 # Helpers that keep each folder's CMakeLists.txt short.
 #
-# plx_add_library(<name> [PUBLIC_HEADERS h...] [SOURCES s...] [DEPS d...] [PRIVATE_DEPS d...])
+# plx_add_library(<name> [PUBLIC_HEADERS h...] [SOURCES s...] [DEPS d...] [PRIVATE_DEPS d...]
+#                 [KEEP_SYMBOL sym] [NO_INSTALL])
 #   Builds static library plx_<name> with alias plx::<name>. Public headers are installed
 #   under include/plx/<folder>/ so that "#include "services/ini.h"" works in the tree and
-#   after installation alike.
+#   after installation alike; every other header of the folder is private and ends in _p.h.
+#   KEEP_SYMBOL makes every program that links the library keep the object defining `sym`
+#   (an engine's self-registration, which nothing calls). NO_INSTALL keeps a build-only
+#   library (table generators for tools and benchmarks) out of the package.
+#   The folder holding CMakeLists.txt is the library's layer for the include check
+#   (cmake/CheckLayers.cmake): its sources may include headers of the libraries it links.
 function(plx_add_library name)
-    cmake_parse_arguments(A "" "" "PUBLIC_HEADERS;SOURCES;DEPS;PRIVATE_DEPS" ${ARGN})
+    cmake_parse_arguments(A "NO_INSTALL" "KEEP_SYMBOL" "PUBLIC_HEADERS;SOURCES;DEPS;PRIVATE_DEPS" ${ARGN})
     set(target plx_${name})
     add_library(${target} STATIC ${A_SOURCES})
     add_library(plx::${name} ALIAS ${target})
@@ -18,7 +24,15 @@ function(plx_add_library name)
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/plx>)
     target_link_libraries(${target} PUBLIC ${A_DEPS} PRIVATE $<BUILD_INTERFACE:plx_options> ${A_PRIVATE_DEPS})
-    if(PLX_INSTALL)
+    if(A_KEEP_SYMBOL)
+        target_link_options(${target} INTERFACE
+            $<$<CXX_COMPILER_ID:MSVC>:LINKER:/INCLUDE:${A_KEEP_SYMBOL}>
+            $<$<NOT:$<CXX_COMPILER_ID:MSVC>>:LINKER:--undefined=${A_KEEP_SYMBOL}>)
+    endif()
+    file(RELATIVE_PATH layer_dir ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+    set_property(GLOBAL APPEND PROPERTY PLX_LAYER_TARGETS ${target})
+    set_target_properties(${target} PROPERTIES PLX_LAYER_DIR "${layer_dir}")
+    if(PLX_INSTALL AND NOT A_NO_INSTALL)
         install(TARGETS ${target} EXPORT PLXControlsTargets
                 FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plx)
     endif()

@@ -1,7 +1,7 @@
 // mervane/mvdatabinding.cpp
 #include "mervane/mvdatabinding.h"
 
-#include "services/recordsource/dbf/codepages.h"
+#include "services/codepages.h"
 
 #include <QFile>
 #include <QFileInfo>

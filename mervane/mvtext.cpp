@@ -5,7 +5,7 @@
 #include "mervane/twips.h"
 #include "mervane/valueformat.h"
 
-#include "services/recordsource/dbf/codepages.h"
+#include "services/codepages.h"
 
 #include <QDateTime>
 #include <QLabel>

@@ -8,7 +8,7 @@
 #include "services/activitylog.h"
 #include "services/paths.h"
 #include "services/recordsource/database.h"
-#include "services/recordsource/filelock.h"
+#include "services/recordsource/filelock_p.h"
 #include "services/texthelpers.h"
 
 #include <QFile>

@@ -4,7 +4,7 @@
 #include "services/ini.h"
 #include "services/paths.h"
 #include "services/recordsource/database.h"
-#include "services/recordsource/filelock.h"
+#include "services/recordsource/filelock_p.h"
 
 #include <QDialogButtonBox>
 #include <QFile>

@@ -5,9 +5,9 @@
 //
 // The records are the same on every run (fixed seed). Writers for other engines are
 // further rows of the writer table below.
-#include "apps/plxgen/benchtable.h"
-#include "apps/plxgen/foxprowriter.h"
-#include "apps/plxgen/sqlitewriter.h"
+#include "services/recordsource/tablegen/benchtable.h"
+#include "services/recordsource/tablegen/foxprowriter.h"
+#include "services/recordsource/tablegen/sqlitewriter.h"
 
 #include <QCoreApplication>
 #include <QTextStream>

@@ -9,7 +9,7 @@
 #include "mervane/twips.h"
 
 #include "services/recordsource/database.h"
-#include "services/recordsource/dbf/dbftable.h"
+#include "services/recordsource/dbf/dbftable_p.h"
 
 #include <QApplication>
 #include <QDate>

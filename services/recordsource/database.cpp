@@ -1,8 +1,10 @@
-// services/recordsource/database.cpp: OpenDatabase, choosing the engine by connect string.
+// services/recordsource/database.cpp: OpenDatabase and the registry of engines it consults.
 #include "services/recordsource/database.h"
 
-#include "services/recordsource/foxpro/foxprodatabase.h"
-#include "services/recordsource/sqlite/sqlitedatabase.h"
+#include <QMutex>
+
+#include <utility>
+#include <vector>
 
 namespace plx {
 
@@ -10,32 +12,73 @@ Database::~Database() = default;
 
 namespace {
 
-// "FoxPro 2.6;CodePage=850": the code page for tables whose header has no code-page mark.
-int codePageOption(const QString &connect)
+struct Engine
 {
-    const QStringList parts = connect.split(QLatin1Char(';'));
-    for (qsizetype i = 1; i < parts.size(); ++i) {
-        const QString key = parts.at(i).section(QLatin1Char('='), 0, 0).trimmed();
-        if (key.compare(QLatin1String("CodePage"), Qt::CaseInsensitive) == 0)
-            return parts.at(i).section(QLatin1Char('='), 1).trimmed().toInt();
-    }
-    return 0;
+    QString name;
+    DatabaseOpener open;
+};
+
+// Filled from static initializers of the engines' libraries, so it is built on first use
+// rather than relying on the order in which translation units initialize.
+struct EngineRegistry
+{
+    QMutex mutex;
+    std::vector<Engine> engines;
+};
+
+EngineRegistry &registry()
+{
+    static EngineRegistry instance;
+    return instance;
 }
 
 } // namespace
 
+bool registerDatabaseEngine(const QString &engine, DatabaseOpener opener)
+{
+    if (opener == nullptr)
+        return false;
+    EngineRegistry &r = registry();
+    QMutexLocker lock(&r.mutex);
+    for (const Engine &e : r.engines) {
+        if (e.name.compare(engine, Qt::CaseInsensitive) == 0)
+            return false;
+    }
+    r.engines.push_back({ engine.trimmed(), opener });
+    return true;
+}
+
+QStringList databaseEngines()
+{
+    EngineRegistry &r = registry();
+    QMutexLocker lock(&r.mutex);
+    QStringList names;
+    for (const Engine &e : r.engines)
+        names.append(e.name);
+    return names;
+}
+
 Result<std::unique_ptr<Database>> OpenDatabase(const QString &name, bool exclusive, bool readOnly,
                                                const QString &connect)
 {
-    // DAO connect strings may carry options after a ';' ("FoxPro 2.6;"): the engine is the
-    // first part.
+    // DAO connect strings may carry options after a ';' ("FoxPro 2.6;CodePage=850"): the
+    // engine is the first part.
     const QString kind = connect.section(QLatin1Char(';'), 0, 0).trimmed();
-    if (kind.isEmpty())
-        return sqlite::openSqliteDatabase(name, exclusive, readOnly);
-    if (kind.compare(QLatin1String("FoxPro 2.6"), Qt::CaseInsensitive) == 0)
-        return foxpro::openDatabase(name, readOnly, codePageOption(connect));
-    return Status(Status::Code::NotSupported,
-                  QStringLiteral("unknown connect string \"%1\"").arg(connect));
+    DatabaseOpener opener = nullptr;
+    {
+        EngineRegistry &r = registry();
+        QMutexLocker lock(&r.mutex);
+        for (const Engine &e : r.engines) {
+            if (e.name.compare(kind, Qt::CaseInsensitive) == 0) {
+                opener = e.open;
+                break;
+            }
+        }
+    }
+    if (opener == nullptr)
+        return Status(Status::Code::NotSupported,
+                      QStringLiteral("unknown connect string \"%1\"").arg(connect));
+    return opener(name, DatabaseOptions{ exclusive, readOnly, connect });
 }
 
 } // namespace plx

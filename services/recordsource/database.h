@@ -1,7 +1,11 @@
-// services/recordsource/database.h: an open database and the way to open one.
+// services/recordsource/database.h: an open database, the way to open one, and the
+// registry of the engines that can.
 //
 // A database hands out record sources from a table name or a Jet SQL text. Which engine
-// serves it is decided by the connect string, as with DAO's OpenDatabase:
+// serves it is decided by the connect string, as with DAO's OpenDatabase: the part before
+// the first ';' names the engine, the rest are options for it. The engines that come with
+// the library register themselves when their library is linked in (plx::sqlite,
+// plx::foxpro; plx::backends has both):
 //   ""             a SQLite database file (the embedded default); created when missing
 //   "FoxPro 2.6"   a directory of FoxPro 2.6 table files; each file is a table named by
 //                  its file title. "FoxPro 2.6;CodePage=850" reads tables without a
@@ -11,6 +15,7 @@
 #pragma once
 
 #include "services/recordsource/recordsource.h"
+#include "services/recordsource/textcompare.h"
 
 #include <QStringList>
 
@@ -18,28 +23,57 @@
 
 namespace plx {
 
-// How text is compared in expressions, LIKE, InStr and ORDER BY on a source.
-// Case-insensitive on SQLite and PostgreSQL (Jet's own rule), machine byte order on
-// FoxPro tables (Jet's FoxPro ISAM).
-enum class TextCompare { NoCase, Binary };
-
+// An open database of one engine. Used from one thread; not copyable, because its record
+// sources share its connection.
 class Database
 {
 public:
+    Database() = default;
+    Database(const Database &) = delete;
+    Database &operator=(const Database &) = delete;
     virtual ~Database();
 
-    // Opens a record source on a table name or on a SELECT statement in Jet SQL.
+    // Opens a record source on a table name or on a SELECT statement in Jet SQL. NotFound
+    // for an unknown table, Syntax (with the position) for a malformed statement,
+    // UnknownField or UnknownFunction for a name the statement cannot resolve. The source
+    // is positioned on its first record (or BOF and EOF when it is empty).
     virtual Result<std::unique_ptr<RecordSource>> OpenRecordset(const QString &tableOrSql) = 0;
     // Asks the engine to finish pending work (writes, lock releases). Never fails.
     virtual void Idle() = 0;
+    // The tables a record source can be opened on, in the engine's order.
     virtual QStringList tableNames() const = 0;
+    // How text compares in this database's criteria and sort orders.
     virtual TextCompare textCompare() const = 0;
+    // Closes the database. Record sources already open stay usable until they close.
     virtual void Close() = 0;
 };
 
-// Opens `name` with the engine chosen by `connect` (see above). readOnly refuses every
-// write through the database's record sources.
+// Opens `name` with the engine chosen by `connect` (see above). exclusive keeps other
+// users out while it is open where the engine can; readOnly refuses every write through
+// the database's record sources. NotSupported "unknown connect string" when no linked-in
+// engine answers to the connect string; otherwise whatever the engine reports (NotFound
+// for a missing directory, Engine or IoError for a file it cannot open).
 Result<std::unique_ptr<Database>> OpenDatabase(const QString &name, bool exclusive, bool readOnly,
                                                const QString &connect);
+
+// What OpenDatabase hands an engine: its own arguments, the connect string whole.
+struct DatabaseOptions
+{
+    bool exclusive = false;
+    bool readOnly = false;
+    QString connect;
+};
+
+using DatabaseOpener = Result<std::unique_ptr<Database>> (*)(const QString &name,
+                                                             const DatabaseOptions &options);
+
+// Makes `opener` the engine for connect strings whose first part is `engine` (compared
+// without regard to case; "" is the engine of an empty connect string). An engine
+// registers once, usually from a static object in its library; false when the name is
+// taken already, and the first registration stays. Thread-safe.
+bool registerDatabaseEngine(const QString &engine, DatabaseOpener opener);
+
+// The names of the registered engines, in the order they registered.
+QStringList databaseEngines();
 
 } // namespace plx

@@ -1,5 +1,5 @@
 // services/recordsource/filelock.cpp: byte-range locks on POSIX (OFD locks) and Windows.
-#include "services/recordsource/filelock.h"
+#include "services/recordsource/filelock_p.h"
 
 #include <QElapsedTimer>
 #include <QThread>

@@ -49,14 +49,20 @@ class RecordSource;
 class Field
 {
 public:
+    // Field `index` of `source`. FieldList::Item makes these and checks the index first.
     Field(RecordSource *source, int index) : m_source(source), m_index(index) { }
+    // False for a field asked for by a name the source does not have.
     bool isValid() const { return m_source != nullptr && m_index >= 0; }
+    // The field's name as the table defines it; empty when invalid.
     QString Name() const;
     // The value of the current record (or of the edit buffer); Null when there is no
     // current record or no such field.
     QVariant Value() const;
+    // RecordSource::setValue for this field; UnknownField when invalid.
     Status setValue(const QVariant &value) const;
+    // FieldInfo::size; 0 when invalid.
     int Size() const;
+    // FieldInfo::type; Text when invalid.
     FieldType Type() const;
 
 private:
@@ -69,7 +75,10 @@ class FieldList
 {
 public:
     explicit FieldList(RecordSource *source) : m_source(source) { }
+    // The number of fields.
     int Count() const;
+    // The field at `index` (0-based, table order), or by name without regard to case; an
+    // invalid Field when there is no such field.
     Field Item(int index) const;
     Field Item(const QString &name) const;
     Field operator()(const QString &name) const { return Item(name); }
@@ -79,9 +88,14 @@ private:
     RecordSource *m_source;
 };
 
+// Not copyable: a record source holds a position, an edit buffer and record locks that
+// belong to exactly one object. Hand it around as std::shared_ptr or std::unique_ptr.
 class RecordSource
 {
 public:
+    RecordSource() = default;
+    RecordSource(const RecordSource &) = delete;
+    RecordSource &operator=(const RecordSource &) = delete;
     virtual ~RecordSource();
 
     // Position. Both flags are true on an empty record source. Either means there is no
@@ -118,11 +132,14 @@ public:
     // Value of a field of the current record, or of the edit buffer while editing.
     // Null is an invalid QVariant. NotFound with no current record.
     virtual Result<QVariant> value(int index) const = 0;
+    // The same by field name (case-insensitive); UnknownField for a name the source lacks.
     Result<QVariant> value(const QString &name) const;
     // Only valid between AddNew/Edit and Update; InvalidArgument otherwise, TypeMismatch
     // or InvalidArgument for a value the field cannot hold.
     virtual Status setValue(int index, const QVariant &value) = 0;
+    // The same by field name (case-insensitive); UnknownField for a name the source lacks.
     Status setValue(const QString &name, const QVariant &value);
+    // DAO's Fields collection of this source; valid while the source lives.
     FieldList Fields() { return FieldList(this); }
 
     // Editing. AddNew starts an empty edit buffer; Update appends the record at the end
@@ -132,6 +149,7 @@ public:
     // writes the buffer durably and releases the lock; CancelUpdate drops the buffer and
     // the lock. Delete removes the current record; afterwards there is no current record
     // until the caller moves.
+    // None outside an edit; Edit between Edit and Update/CancelUpdate; AddNew likewise.
     virtual EditMode editMode() const = 0;
     virtual Status AddNew() = 0;
     virtual Status Edit() = 0;

@@ -17,7 +17,9 @@ namespace plx {
 template<typename T> class [[nodiscard]] Result
 {
 public:
+    // Success with `value`.
     Result(T value) : m_value(std::move(value)) { }
+    // Failure with `error`; an OK `error` becomes Internal (see above).
     Result(Status error) : m_status(std::move(error))
     {
         if (m_status.isOk())
@@ -25,9 +27,12 @@ public:
                               QStringLiteral("a result was made from a success without a value"));
     }
 
+    // True when there is a value.
     bool isOk() const { return m_status.isOk(); }
+    // Why there is no value; an OK Status when there is one.
     const Status &status() const { return m_status; }
 
+    // The value; only after isOk() said there is one. The operators are shorthands.
     const T &value() const &
     {
         Q_ASSERT(isOk());

@@ -32,18 +32,25 @@ public:
 
     // Success.
     Status() = default;
+    // A failure (or, with Code::Ok, a success) with our own message in English, and where
+    // an engine said why, that engine's error code and text unchanged.
     Status(Code code, QString message, int engineCode = 0, QString engineMessage = {})
         : m_code(code), m_message(std::move(message)), m_engineCode(engineCode),
           m_engineMessage(std::move(engineMessage))
     {
     }
 
+    // Success; reads better than Status() in a return statement.
     static Status ok() { return {}; }
 
+    // True for success: code() is Ok and the other accessors are empty.
     bool isOk() const { return m_code == Code::Ok; }
     Code code() const { return m_code; }
+    // What failed, in the library's words (names the table, record or position involved).
     const QString &message() const { return m_message; }
+    // The engine's own code (SQLITE_BUSY, errno, ...); 0 when no engine was involved.
     int engineCode() const { return m_engineCode; }
+    // The engine's own text; empty when no engine was involved.
     const QString &engineMessage() const { return m_engineMessage; }
 
     // "Locked: record 12 of CUSTOMER is locked by another user" and the like; for logs.

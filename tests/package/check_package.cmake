@@ -1,8 +1,11 @@
 # Installs the freshly built project into a scratch prefix, then builds and runs the sample
 # host project against it with find_package(PLXControls): proves that the exported package
-# is complete (headers, libraries, dependencies) without the source tree.
+# is complete (headers, libraries, dependencies, the engines' registration) without the
+# source tree. Then checks the installed headers: exactly the public ones (no _p.h, and
+# every header without _p.h in a library folder), each compiling on its own.
 #
 # Variables: BUILD_DIR (the project's build tree), SOURCE_DIR, WORK_DIR (scratch folder).
+cmake_minimum_required(VERSION 3.25)
 file(REMOVE_RECURSE "${WORK_DIR}")
 file(MAKE_DIRECTORY "${WORK_DIR}")
 
@@ -27,3 +30,51 @@ if(NOT step_output MATCHES "^2 records")
     message(FATAL_ERROR "hostapp printed: ${step_output}")
 endif()
 message(STATUS "installed package works: ${step_output}")
+
+# The public surface: the headers without _p.h, and only those, each one self-contained.
+set(library_dirs services services/recordsource services/recordsource/jet
+    services/recordsource/sqlite services/recordsource/dbf services/recordsource/foxpro
+    mervane fields navigator dialogs)
+set(include_root "${WORK_DIR}/prefix/include/plx")
+file(GLOB_RECURSE installed RELATIVE "${include_root}" "${include_root}/*.h")
+set(problems)
+foreach(header IN LISTS installed)
+    if(header MATCHES "_p\\.h$")
+        list(APPEND problems "private header installed: ${header}")
+    endif()
+endforeach()
+foreach(dir IN LISTS library_dirs)
+    file(GLOB headers RELATIVE "${SOURCE_DIR}" "${SOURCE_DIR}/${dir}/*.h")
+    foreach(header IN LISTS headers)
+        if(NOT header MATCHES "_p\\.h$" AND NOT header IN_LIST installed)
+            list(APPEND problems "public header not installed (or a private one without _p.h): ${header}")
+        endif()
+    endforeach()
+endforeach()
+if(problems)
+    list(JOIN problems "\n  " text)
+    message(FATAL_ERROR "installed headers:\n  ${text}")
+endif()
+
+set(probe "${WORK_DIR}/headers")
+file(MAKE_DIRECTORY "${probe}")
+set(probe_sources)
+foreach(header IN LISTS installed)
+    string(MAKE_C_IDENTIFIER "${header}" name)
+    file(WRITE "${probe}/${name}.cpp" "#include \"${header}\"\n")
+    list(APPEND probe_sources "${name}.cpp")
+endforeach()
+list(JOIN probe_sources " " probe_list)
+file(WRITE "${probe}/CMakeLists.txt" "cmake_minimum_required(VERSION 3.25)
+project(PLXHeaderProbe LANGUAGES CXX)
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_AUTOMOC OFF)
+find_package(PLXControls REQUIRED)
+add_library(probe OBJECT ${probe_list})
+target_link_libraries(probe PRIVATE plx::plx)
+")
+run_step(${CMAKE_COMMAND} -S "${probe}" -B "${probe}/build" -G Ninja
+         -DCMAKE_BUILD_TYPE=Release "-DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix")
+run_step(${CMAKE_COMMAND} --build "${probe}/build")
+list(LENGTH installed count)
+message(STATUS "the ${count} installed headers are the public ones, and each compiles alone")

@@ -5,7 +5,7 @@
 // a shared table is better served by an error than by a silently changed value.
 #include "services/recordsource/dbf/dbfvalue_p.h"
 
-#include "services/recordsource/dbf/codepages.h"
+#include "services/codepages.h"
 
 #include <QDateTime>
 

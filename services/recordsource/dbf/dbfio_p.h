@@ -6,8 +6,8 @@
 // directory's tables is damaged.
 #pragma once
 
-#include "services/recordsource/dbf/dbftable.h"
-#include "services/recordsource/filelock.h"
+#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/filelock_p.h"
 #include "services/recordsource/result.h"
 
 #include <QByteArray>

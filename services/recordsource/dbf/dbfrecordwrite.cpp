@@ -1,5 +1,5 @@
 // services/recordsource/dbf/dbfrecordwrite.cpp: writeRecord, appendRecord and setDeleted.
-#include "services/recordsource/dbf/dbftable.h"
+#include "services/recordsource/dbf/dbftable_p.h"
 
 #include "services/recordsource/dbf/dbfio_p.h"
 #include "services/recordsource/dbf/filemapping_p.h"

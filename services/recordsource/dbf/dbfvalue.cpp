@@ -1,7 +1,7 @@
 // services/recordsource/dbf/dbfvalue.cpp: decoding and encoding field values.
 #include "services/recordsource/dbf/dbfvalue_p.h"
 
-#include "services/recordsource/dbf/codepages.h"
+#include "services/codepages.h"
 #include "services/recordsource/dbf/dbfio_p.h"
 #include "services/recordsource/dbf/dbfmemo_p.h"
 

@@ -3,9 +3,9 @@
 // Shaped like SQLite's own modules: structs whose first member is the SQLite base, a
 // static callback table, and every callback body inside a catch-all so that no C++
 // exception unwinds into SQLite's C frames.
-#include "services/recordsource/foxpro/dbfvtab.h"
+#include "services/recordsource/foxpro/dbfvtab_p.h"
 
-#include "services/recordsource/dbf/dbftable.h"
+#include "services/recordsource/dbf/dbftable_p.h"
 
 #include <sqlite3.h>
 

@@ -1,5 +1,5 @@
 // services/recordsource/foxpro/fieldmapping.cpp: record-source field types as FoxPro fields.
-#include "services/recordsource/foxpro/fieldmapping.h"
+#include "services/recordsource/foxpro/fieldmapping_p.h"
 
 namespace plx::foxpro {
 

@@ -1,10 +1,10 @@
 // services/recordsource/foxpro/foxprodatabase.cpp: the FoxPro directory as a Database.
-#include "services/recordsource/foxpro/foxprodatabase.h"
+#include "services/recordsource/foxpro/foxprodatabase_p.h"
 
-#include "services/recordsource/foxpro/dbfvtab.h"
-#include "services/recordsource/foxpro/foxprorecordsource.h"
-#include "services/recordsource/jet/parser.h"
-#include "services/recordsource/sqlite/sqliterecordsource.h"
+#include "services/recordsource/foxpro/dbfvtab_p.h"
+#include "services/recordsource/foxpro/foxprorecordsource_p.h"
+#include "services/recordsource/jet/parser_p.h"
+#include "services/recordsource/sqlite/sqliterecordsource_p.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 // services/recordsource/foxpro/foxprorecordsource.cpp: opening, moving and reading.
-#include "services/recordsource/foxpro/foxprorecordsource.h"
+#include "services/recordsource/foxpro/foxprorecordsource_p.h"
 
-#include "services/recordsource/jet/parser.h"
+#include "services/recordsource/jet/parser_p.h"
 
 namespace plx::foxpro {
 

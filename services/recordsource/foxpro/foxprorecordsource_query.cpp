@@ -1,14 +1,14 @@
 // services/recordsource/foxpro/foxprorecordsource_query.cpp: WHERE and finds over the mapped
 // table, with fast paths for the shapes the controls send on every keystroke and every save.
-#include "services/recordsource/foxpro/foxprorecordsource.h"
+#include "services/recordsource/foxpro/foxprorecordsource_p.h"
 #include "services/recordsource/foxpro/distinctranker_p.h"
 #include "services/recordsource/foxpro/prefixscan_p.h"
-#include "services/recordsource/foxpro/rankcache.h"
+#include "services/recordsource/foxpro/rankcache_p.h"
 #include "services/recordsource/foxpro/recordrow_p.h"
 
-#include "services/recordsource/jet/evaluator.h"
-#include "services/recordsource/jet/parser.h"
-#include "services/recordsource/jet/values.h"
+#include "services/recordsource/jet/evaluator_p.h"
+#include "services/recordsource/jet/parser_p.h"
+#include "services/recordsource/jet/values_p.h"
 
 #include <algorithm>
 #include <functional>

@@ -5,10 +5,10 @@
 // order), for anything else the rank of the Jet value. The ranks of all keys are packed into
 // one 64-bit integer where they fit, and the records sorted by that integer with a stable
 // radix sort, which leaves ties in record order.
-#include "services/recordsource/foxpro/foxprorecordsource.h"
+#include "services/recordsource/foxpro/foxprorecordsource_p.h"
 #include "services/recordsource/foxpro/recordrow_p.h"
 
-#include "services/recordsource/jet/values.h"
+#include "services/recordsource/jet/values_p.h"
 
 #include <algorithm>
 #include <bit>

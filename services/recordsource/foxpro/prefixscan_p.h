@@ -9,8 +9,8 @@
 // to the general evaluator, which keeps every answer identical to it.
 #pragma once
 
-#include "services/recordsource/dbf/dbftable.h"
-#include "services/recordsource/jet/ast.h"
+#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/jet/ast_p.h"
 
 #include <optional>
 #include <vector>

@@ -1,12 +1,12 @@
 // services/recordsource/jet/evaluator.cpp: Jet's expression semantics over rows: Null
 // propagation, '&' treating one Null as "", True = -1, three-valued And/Or, lazy IIF.
-#include "services/recordsource/jet/evaluator.h"
+#include "services/recordsource/jet/evaluator_p.h"
 
-#include "services/recordsource/jet/functionlibrary.h"
-#include "services/recordsource/jet/functions.h"
-#include "services/recordsource/jet/like.h"
-#include "services/recordsource/jet/parser.h"
-#include "services/recordsource/jet/values.h"
+#include "services/recordsource/jet/functionlibrary_p.h"
+#include "services/recordsource/jet/functions_p.h"
+#include "services/recordsource/jet/like_p.h"
+#include "services/recordsource/jet/parser_p.h"
+#include "services/recordsource/jet/values_p.h"
 
 #include <QVarLengthArray>
 

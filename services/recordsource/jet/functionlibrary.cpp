@@ -1,9 +1,9 @@
 // services/recordsource/jet/functionlibrary.cpp: the look-up of the wider function library
 // and the argument readers and error texts its groups share.
-#include "services/recordsource/jet/functionlibrary.h"
+#include "services/recordsource/jet/functionlibrary_p.h"
 
-#include "services/recordsource/jet/lexer.h"
-#include "services/recordsource/jet/values.h"
+#include "services/recordsource/jet/lexer_p.h"
+#include "services/recordsource/jet/values_p.h"
 
 #include <QHash>
 #include <QRegularExpression>

@@ -3,10 +3,10 @@
 // Numbers are rounded half away from zero on their 15-digit decimal text, as Format shows
 // them (Format(2.5, "0") is 3, Format(1.005, "0.00") is 1.01), which differs from Round's
 // half to even on purpose.
-#include "services/recordsource/jet/jetformat.h"
+#include "services/recordsource/jet/jetformat_p.h"
 
-#include "services/recordsource/jet/functionlibrary.h"
-#include "services/recordsource/jet/values.h"
+#include "services/recordsource/jet/functionlibrary_p.h"
+#include "services/recordsource/jet/values_p.h"
 
 #include <QRegularExpression>
 

@@ -1,5 +1,5 @@
 // services/recordsource/jet/like.cpp: the Like matcher.
-#include "services/recordsource/jet/like.h"
+#include "services/recordsource/jet/like_p.h"
 
 namespace plx::jet {
 

@@ -1,7 +1,7 @@
 // services/recordsource/jet/parserselect.cpp: the SELECT grammar: the output list, FROM
 // with Jet's (parenthesised) INNER/LEFT/RIGHT joins, WHERE and ORDER BY, and nothing after
 // an optional ';'.
-#include "services/recordsource/jet/parser_p.h"
+#include "services/recordsource/jet/descentparser_p.h"
 
 namespace plx::jet::detail {
 

@@ -5,19 +5,26 @@
 // Comparisons carry the source's collation. Booleans come out as -1/0 as in Jet.
 #include "services/recordsource/jet/sqlitetranslator_p.h"
 
-#include "services/recordsource/jet/evaluator.h"
-#include "services/recordsource/jet/functionlibrary.h"
-#include "services/recordsource/jet/functions.h"
-#include "services/recordsource/jet/like.h"
-#include "services/recordsource/jet/parser.h"
+#include "services/recordsource/jet/evaluator_p.h"
+#include "services/recordsource/jet/functionlibrary_p.h"
+#include "services/recordsource/jet/functions_p.h"
+#include "services/recordsource/jet/like_p.h"
+#include "services/recordsource/jet/parser_p.h"
 #include "services/recordsource/jet/sqliteops_p.h"
-#include "services/recordsource/jet/values.h"
+#include "services/recordsource/jet/values_p.h"
 
 #include <QVarLengthArray>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace plx::jet {
+
+void unmappedOperator(Op op)
+{
+    qFatal("jet: operator %d has no jet_op() code; the SQLite translation is incomplete", int(op));
+    std::abort(); // qFatal does not return; this says so to every compiler
+}
 
 namespace {
 

@@ -2,7 +2,7 @@
 // own operations or with a direct binding. The generic binding converts every value to a
 // QVariant and back; for Nz, which only chooses one of its arguments, and for DatePart on
 // a stored date, that costs more than the filter around it.
-#include "services/recordsource/jet/functionlibrary.h"
+#include "services/recordsource/jet/functionlibrary_p.h"
 
 #include <QDate>
 

@@ -2,7 +2,7 @@
 // the registered jet_op() function. Private to the Jet layer.
 #pragma once
 
-#include "services/recordsource/jet/ast.h"
+#include "services/recordsource/jet/ast_p.h"
 
 namespace plx::jet {
 
@@ -22,6 +22,13 @@ enum class OpCode : int {
     Imp,
 };
 
+// The translator sends through jet_op() only the operators listed here: comparisons, And and
+// Or become SQL of their own, and None is no operator. Reaching this for one of those is a
+// mistake in the translator, and answering with some other operation would compute a wrong
+// value without a word, so it stops the program in every build type.
+[[noreturn]] void unmappedOperator(Op op);
+
+// No default label: the compiler names an operator added to Op and forgotten here.
 inline OpCode opCodeOf(Op op)
 {
     switch (op) {
@@ -38,8 +45,17 @@ inline OpCode opCodeOf(Op op)
     case Op::Xor: return OpCode::Xor;
     case Op::Eqv: return OpCode::Eqv;
     case Op::Imp: return OpCode::Imp;
-    default: return OpCode::Add;
+    case Op::None:
+    case Op::Eq:
+    case Op::Ne:
+    case Op::Lt:
+    case Op::Gt:
+    case Op::Le:
+    case Op::Ge:
+    case Op::And:
+    case Op::Or: break;
     }
+    unmappedOperator(op);
 }
 
 inline Op opOf(OpCode code)

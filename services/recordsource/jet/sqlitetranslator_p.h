@@ -3,8 +3,8 @@
 // emitter (sqliteexpr.cpp). Private to the Jet layer.
 #pragma once
 
-#include "services/recordsource/jet/ast.h"
-#include "services/recordsource/jet/sqlitetranslate.h"
+#include "services/recordsource/jet/ast_p.h"
+#include "services/recordsource/jet/sqlitetranslate_p.h"
 
 #include <optional>
 #include <vector>

@@ -1,10 +1,10 @@
 // services/recordsource/jet/values.cpp: conversions and comparisons of Jet values.
-#include "services/recordsource/jet/values.h"
+#include "services/recordsource/jet/values_p.h"
 
 #include "services/cp1252.h"
-#include "services/recordsource/jet/functionlibrary.h"
-#include "services/recordsource/jet/jetformat.h"
-#include "services/recordsource/jet/lexer.h"
+#include "services/recordsource/jet/functionlibrary_p.h"
+#include "services/recordsource/jet/jetformat_p.h"
+#include "services/recordsource/jet/lexer_p.h"
 
 #include <QRegularExpression>
 

@@ -1,7 +1,7 @@
 // services/recordsource/sqlite/sqliterecordsource.cpp: opening, positions and reading.
-#include "services/recordsource/sqlite/sqliterecordsource.h"
+#include "services/recordsource/sqlite/sqliterecordsource_p.h"
 
-#include "services/recordsource/sqlite/sqlitevalues.h"
+#include "services/recordsource/sqlite/sqlitevalues_p.h"
 
 #include <QRegularExpression>
 

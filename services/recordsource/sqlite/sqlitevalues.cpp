@@ -1,5 +1,5 @@
 // services/recordsource/sqlite/sqlitevalues.cpp: declared types, reading and binding values.
-#include "services/recordsource/sqlite/sqlitevalues.h"
+#include "services/recordsource/sqlite/sqlitevalues_p.h"
 
 #include <QDate>
 #include <QDateTime>

@@ -13,7 +13,7 @@
 //                                       record), ending the process before its Nth file write;
 //                                       exit 0 when the operation finished first
 #include "services/recordsource/database.h"
-#include "services/recordsource/dbf/dbftable.h"
+#include "services/recordsource/dbf/dbftable_p.h"
 #include "services/recordsource/dbf/dbftesthooks_p.h"
 
 #include <QCoreApplication>

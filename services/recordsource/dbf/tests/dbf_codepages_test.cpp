@@ -2,7 +2,7 @@
 // entry silently changes user text in a shared table, so each page is checked at known
 // characters, every byte must survive a decode/encode round trip, and the header marks
 // must name the pages FoxPro writes them for.
-#include "services/recordsource/dbf/codepages.h"
+#include "services/codepages.h"
 
 #include <gtest/gtest.h>
 

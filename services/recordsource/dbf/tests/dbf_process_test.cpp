@@ -3,7 +3,7 @@
 // killed in the middle of a write leaves a table every reader can open.
 #include "dbf_test_util.h"
 
-#include "services/recordsource/dbf/dbftable.h"
+#include "services/recordsource/dbf/dbftable_p.h"
 
 #include <QProcess>
 #include <QSet>

@@ -1,7 +1,7 @@
 // services/recordsource/dbf/tests/dbf_test_util.h: helpers shared by the table-layer tests.
 #pragma once
 
-#include "services/recordsource/dbf/dbftable.h"
+#include "services/recordsource/dbf/dbftable_p.h"
 
 #include <QByteArray>
 #include <QString>

@@ -3,7 +3,7 @@
 // refused values, and locks at FoxPro's byte offsets.
 #include "dbf_test_util.h"
 
-#include "services/recordsource/dbf/dbftable.h"
+#include "services/recordsource/dbf/dbftable_p.h"
 
 #include <QDate>
 #include <QFile>

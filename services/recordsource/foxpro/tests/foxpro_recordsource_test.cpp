@@ -2,7 +2,7 @@
 // what all back ends share): byte-order comparison, deleted records, read-only tables with
 // a structural index, and the statements the driver refuses.
 #include "services/recordsource/database.h"
-#include "services/recordsource/dbf/dbftable.h"
+#include "services/recordsource/dbf/dbftable_p.h"
 #include "services/recordsource/foxpro/tests/foxprotestsupport.h"
 
 #include <QDir>

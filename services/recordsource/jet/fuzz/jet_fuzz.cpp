@@ -4,9 +4,9 @@
 // against a row of three fields, evaluated under both text comparisons, translated to SQLite
 // and run there on a one-row table. Any crash, hang, leak or sanitizer report is a bug: text
 // the dialect cannot take must give an error, never undefined behaviour.
-#include "services/recordsource/jet/evaluator.h"
-#include "services/recordsource/jet/parser.h"
-#include "services/recordsource/jet/sqlitetranslate.h"
+#include "services/recordsource/jet/evaluator_p.h"
+#include "services/recordsource/jet/parser_p.h"
+#include "services/recordsource/jet/sqlitetranslate_p.h"
 
 #include <sqlite3.h>
 

@@ -1,0 +1,14 @@
+// services/recordsource/foxpro/fieldmapping_p.h: the FoxPro 2.6 field that holds a value of a
+// record-source field type, for programs that create tables (generators, test set-ups).
+#pragma once
+
+#include "services/recordsource/dbf/dbftable_p.h"
+
+namespace plx::foxpro {
+
+// Text -> C(size, 254 when unsized), Memo and Binary -> M, Integer -> N(11), Numeric ->
+// N(size, decimals), Double -> F(20, 6), Boolean -> L, Date and DateTime -> D (FoxPro 2.6
+// has no date-time type).
+DbfField dbfFieldFor(const FieldInfo &field);
+
+} // namespace plx::foxpro

@@ -1,0 +1,104 @@
+// services/recordsource/foxpro/foxprorecordsource_p.h: a record source over one FoxPro table.
+//
+// Keyset-driven: opening evaluates the WHERE condition over the table's live records and
+// sorts their record numbers by the ORDER BY keys (4 bytes a record); values are decoded
+// from the mapped file when asked for, so they are always the file's latest. Deleted
+// records are hidden (FoxPro's SET DELETED ON, and Jet's rule). Text compares in the code
+// page's byte order.
+//
+// Two shapes skip the general evaluator, because the controls send them on every find
+// and every save: UCase(field) Like 'PREFIX*' (the find query) is tested on the raw bytes
+// through per-byte tables (prefixscan_p.h), and field = constant (the ID criterion)
+// compares the raw bytes of the field. Sorts reuse the ranks an earlier sort of the
+// unchanged file kept (rankcache.h).
+#pragma once
+
+#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/positionedrecordsource_p.h"
+#include "services/recordsource/jet/ast_p.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace plx::foxpro {
+
+// The file of a table by name; empty when there is none.
+using TablePaths = std::function<QString(const QString &table)>;
+
+struct ScanRanking;
+
+class FoxProRecordSource final : public PositionedRecordSource
+{
+public:
+    // A table name or a SELECT on one table with WHERE and ORDER BY. NotFound for an unknown
+    // table, the Jet front end's errors for a bad text, NotSupported for a join.
+    // `codePage` applies to tables without a code-page mark (0: Windows-1252).
+    static Result<std::unique_ptr<RecordSource>>
+    open(const TablePaths &paths, const QString &tableOrSql, bool readOnly, int codePage = 0);
+    ~FoxProRecordSource() override;
+
+    const QList<FieldInfo> &fieldInfos() const override { return m_table->fieldInfos(); }
+    Result<QVariant> value(int index) const override;
+    Status setValue(int index, const QVariant &value) override;
+
+    EditMode editMode() const override { return m_mode; }
+    Status AddNew() override;
+    Status Edit() override;
+    Status Update() override;
+    Status CancelUpdate() override;
+    Status Delete() override;
+
+    void Close() override;
+
+    // Bytes held for the keyset (for the memory benchmark).
+    size_t keysetBytes() const { return m_keys.capacity() * sizeof(quint32); }
+
+protected:
+    qint64 size() const override { return qint64(m_keys.size()); }
+    void endEdit() override;
+    Result<qint64> locate(const QString &criterion, qint64 start) const override;
+
+private:
+    qint64 locateInFileOrder(const std::function<bool(quint32)> &matches, qint64 start) const;
+    FoxProRecordSource() = default;
+
+    Status build(const jet::SelectStatement &stmt);
+    Result<jet::NodePtr> bindExpression(const jet::NodePtr &node) const;
+    Result<std::vector<quint32>> filter(const jet::NodePtr &where,
+                                        std::vector<ScanRanking> &rankings) const;
+    // The ranks of one ORDER BY key: kept whole-table ranks (indexed by record number) or the
+    // keyset's own (indexed by position).
+    struct KeyRanks
+    {
+        std::shared_ptr<const std::vector<quint32>> kept;
+        std::vector<quint32> own;
+        bool descending = false;
+        quint32 top = 0; // the highest rank among the keyset's records
+        quint32 raw(const std::vector<quint32> &keys, size_t i) const
+        {
+            return kept ? (*kept)[keys[i]] : own[i];
+        }
+        quint32 rank(const std::vector<quint32> &keys, size_t i) const
+        {
+            return descending ? top - raw(keys, i) : raw(keys, i);
+        }
+    };
+    // Sorts the keys; byteKeys[k] holds the ranks of ORDER BY item k when it is a character,
+    // date or logical field.
+    Status sort(const std::vector<jet::OrderItem> &order,
+                std::vector<std::optional<KeyRanks>> byteKeys);
+
+    std::unique_ptr<DbfTable> m_table;
+    QString m_tableName;
+    QString m_alias;
+    std::vector<quint32> m_keys; // record numbers in the source's order
+    bool m_recnoOrder = true; // no ORDER BY: m_keys ascend
+
+    EditMode m_mode = EditMode::None;
+    QVariantList m_buffer;
+    quint32 m_editRecno = 0;
+};
+
+} // namespace plx::foxpro

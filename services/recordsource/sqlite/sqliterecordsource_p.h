@@ -1,0 +1,89 @@
+// services/recordsource/sqlite/sqliterecordsource_p.h: the record source over a SQLite query.
+//
+// Keyset-driven, like a DAO dynaset: opening reads the rowids of the whole result once,
+// in the query's order (8 bytes a record, see keyset.h); the values of a record are
+// read by rowid when it becomes current and kept until another record does. So moving
+// is cheap, every record shows the latest committed values, and edits by other users
+// appear at the next visit. Records that others add after the open are not in the
+// keyset, as with DAO.
+//
+// A statement that reads no single base table (a join, a grouped or aggregate query) has
+// no rowid to key on; its rows are held in memory and it is read-only.
+#pragma once
+
+#include "services/recordsource/positionedrecordsource_p.h"
+#include "services/recordsource/sqlite/keyset_p.h"
+#include "services/recordsource/sqlite/recordlock_p.h"
+#include "services/recordsource/sqlite/sqliteconnection_p.h"
+
+#include <vector>
+
+namespace plx::sqlite {
+
+class SqliteRecordSource final : public PositionedRecordSource
+{
+public:
+    // Opens a record source on a table name or a Jet SELECT. NotFound for an unknown
+    // table; the front end's errors (Syntax, UnknownField, ...) for a bad statement.
+    static Result<std::unique_ptr<RecordSource>> open(std::shared_ptr<Connection> connection,
+                                                      const QString &tableOrSql);
+    ~SqliteRecordSource() override;
+
+    const QList<FieldInfo> &fieldInfos() const override { return m_fields; }
+    Result<QVariant> value(int index) const override;
+    Status setValue(int index, const QVariant &value) override;
+
+    EditMode editMode() const override { return m_mode; }
+    Status AddNew() override;
+    Status Edit() override;
+    Status Update() override;
+    Status CancelUpdate() override;
+    Status Delete() override;
+
+    void Close() override;
+
+    // Bytes held for the keyset (for the memory benchmark).
+    size_t keysetBytes() const { return m_keys.bytes(); }
+
+protected:
+    qint64 size() const override;
+    void endEdit() override;
+    Result<qint64> locate(const QString &criterion, qint64 start) const override;
+
+private:
+    explicit SqliteRecordSource(std::shared_ptr<Connection> connection);
+
+    Status describeColumns();
+    Status loadKeyset();
+    Status loadHeldRows();
+    Status loadCurrent() const;
+    Result<qint64> findKeyed(const QString &sqlCriterion, qint64 start) const;
+    Result<qint64> findHeld(const QString &sqlCriterion, qint64 start) const;
+    Status checkWritable() const;
+    Status insertBuffer();
+    Status updateBuffer();
+    Status runWrite(Statement &stmt);
+    QString quotedBase() const;
+
+    std::shared_ptr<Connection> m_conn;
+    jet::TranslatedSelect m_select;
+    QList<FieldInfo> m_fields;
+    QList<bool> m_typed; // the column has a declared type
+    QStringList m_baseColumns; // the base-table column each field writes to; empty: read-only
+    bool m_keyed = false;
+    bool m_plainShape = false; // the statement is its parts recombined (see hasPlainShape)
+    KeySet m_keys;
+    std::vector<QVariantList> m_rows; // held rows when not keyed
+    Statement m_rowStmt; // the values of one record by rowid
+
+    mutable qint64 m_cachedKey = -1;
+    mutable bool m_cacheValid = false;
+    mutable QVariantList m_cache;
+
+    EditMode m_mode = EditMode::None;
+    QVariantList m_buffer;
+    QList<bool> m_dirty;
+    RecordLock m_lock;
+};
+
+} // namespace plx::sqlite

@@ -1,0 +1,4 @@
+// A lower layer of the include check's test tree.
+#pragma once
+
+int storedValue();
