@@ -32,7 +32,7 @@ mvCheck::mvCheck(QWidget *parent) : mvRow(parent)
     setFocusProxy(m_box);
     watch(m_box);
     connect(m_box, &QCheckBox::clicked, this, &mvCheck::userToggled);
-    applyLook();
+    mvCheck::applyLook(); // this class's look: no subclass exists yet while constructing
     setTwipsGeometry(0, 0, 4800);
 }
 
@@ -96,20 +96,18 @@ QString mvCheck::displayOf(const QVariant &stored, const plx::FieldInfo &field)
     case plx::FieldType::Numeric:
     case plx::FieldType::Double:
         // Fields written by other programs hold 1 for true; keep to what the field holds.
+        // Anything but a stored 1 means -1, unless the field has shown 1 before.
         if (!null && stored.toDouble() == 1.0)
             m_form = Form::One;
-        else if (!null && stored.toDouble() == -1.0)
-            m_form = Form::MinusOne;
-        else if (m_form != Form::One)
+        else if ((!null && stored.toDouble() == -1.0) || m_form != Form::One)
             m_form = Form::MinusOne;
         break;
     default: {
         const QString t = null ? QString() : stored.toString().trimmed().toUpper();
+        // Anything but Y/N means T/F, unless the field has shown Y/N before.
         if (t == QLatin1String("Y") || t == QLatin1String("N"))
             m_form = Form::YN;
-        else if (t == QLatin1String("T") || t == QLatin1String("F"))
-            m_form = Form::TF;
-        else if (m_form != Form::YN)
+        else if (t == QLatin1String("T") || t == QLatin1String("F") || m_form != Form::YN)
             m_form = Form::TF;
         break;
     }

@@ -1,13 +1,15 @@
 // mervane/rowpalette.cpp
 #include "mervane/rowpalette.h"
 
+#include <cmath>
+
 namespace plx {
 
 namespace {
 
 QColor blend(const QColor &from, const QColor &to, double amount)
 {
-    auto mix = [amount](int a, int b) { return int(a + (b - a) * amount + 0.5); };
+    auto mix = [amount](int a, int b) { return int(std::lround(a + (b - a) * amount)); };
     return QColor(mix(from.red(), to.red()), mix(from.green(), to.green()),
                   mix(from.blue(), to.blue()));
 }

@@ -131,7 +131,7 @@ void resetDefaultsINI()
 
 QString getWorkDir(Services *services)
 {
-    const QString path = setPathName(getHarrowbyDirectoryAny(), QStringLiteral("WORK-PLX"), false);
+    QString path = setPathName(getHarrowbyDirectoryAny(), QStringLiteral("WORK-PLX"), false);
     QString checked = path;
     if (!getPathExist(checked, false, true, services))
         prompterOf(services).msgBox(QStringLiteral("Error on path\r\n") + path,

@@ -158,7 +158,7 @@ QString componentDir()
         if (!configuredComponentDir.isEmpty())
             return configuredComponentDir;
     }
-    const QString env = qEnvironmentVariable("PLX_COMPONENT_DIR");
+    QString env = qEnvironmentVariable("PLX_COMPONENT_DIR");
     if (!env.trimmed().isEmpty())
         return env;
     if (QCoreApplication::instance())

@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
-# Install what is missing, build, check the formatting, fuzz the table readers and the Jet
-# dialect for a bounded time each, and run every test through CTest.
+# Install what is missing, build, check the formatting and clang-tidy, fuzz the table readers
+# and the Jet dialect for a bounded time each, and run every test through CTest.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 tools/build.sh
 tools/format.sh --check
+tools/tidy.sh
 export QT_QPA_PLATFORM=offscreen
 export XDG_RUNTIME_DIR="${XDG_RUNTIME_DIR:-$(mktemp -d)}"
 

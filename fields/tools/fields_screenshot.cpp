@@ -24,11 +24,15 @@
 
 namespace {
 
-using namespace plx;
+using plx::BoundControl;
+using plx::DbfField;
+using plx::DbfTable;
+using plx::twipsToPixelsX;
+using plx::twipsToPixelsY;
 
 QString makeTable(const QString &dir)
 {
-    const QString path = dir + QStringLiteral("/CLIENT.DBF");
+    QString path = dir + QStringLiteral("/CLIENT.DBF");
     auto field = [](const char *name, char type, int length, int decimals = 0) {
         DbfField f;
         f.name = QString::fromLatin1(name);
@@ -147,7 +151,7 @@ struct ClientForm
             c->UpdateDBF();
     }
 
-    void setLocked(bool locked)
+    void setLocked(bool locked) const
     {
         names->setLocked(locked);
         checks->setLocked(locked);

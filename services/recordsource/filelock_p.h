@@ -48,6 +48,9 @@ public:
     // Opens (creating when missing) `path` for locking.
     static Result<std::unique_ptr<LockFile>> open(const QString &path);
 
+    // Not const although no member changes: taking and dropping locks changes what the file
+    // and everyone sharing it see.
+    // NOLINTBEGIN(readability-make-member-function-const)
     Status tryLock(quint64 offset, quint64 length, LockKind kind)
     {
         return tryLockRange(m_handle, offset, length, kind);
@@ -57,6 +60,7 @@ public:
         return lockRange(m_handle, offset, length, kind, timeoutMs);
     }
     Status unlock(quint64 offset, quint64 length) { return unlockRange(m_handle, offset, length); }
+    // NOLINTEND(readability-make-member-function-const)
     NativeFileHandle handle() const { return m_handle; }
     const QString &path() const { return m_path; }
 

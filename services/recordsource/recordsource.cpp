@@ -65,7 +65,7 @@ FieldType Field::Type() const
 
 int FieldList::Count() const
 {
-    return m_source->fieldInfos().size();
+    return int(m_source->fieldInfos().size());
 }
 
 Field FieldList::Item(int index) const

@@ -17,10 +17,12 @@ namespace plx {
 template<typename T> class [[nodiscard]] Result
 {
 public:
+    // Both constructors are implicit on purpose, so that a function returning Result<T>
+    // can `return value;` and `return status;`.
     // Success with `value`.
-    Result(T value) : m_value(std::move(value)) { }
+    Result(T value) : m_value(std::move(value)) { } // NOLINT(google-explicit-constructor)
     // Failure with `error`; an OK `error` becomes Internal (see above).
-    Result(Status error) : m_status(std::move(error))
+    Result(Status error) : m_status(std::move(error)) // NOLINT(google-explicit-constructor)
     {
         if (m_status.isOk())
             m_status = Status(Status::Code::Internal,

@@ -87,7 +87,7 @@ QByteArray headerBytes(const QList<DbfField> &fields, quint8 version, quint8 mar
     h[29] = char(mark);
     for (int i = 0; i < fields.size(); ++i) {
         const DbfField &f = fields[i];
-        char *d = h.data() + 32 + 32 * i;
+        char *d = h.data() + 32 + 32 * qsizetype(i);
         const QByteArray name = f.name.toLatin1();
         std::memcpy(d, name.constData(), size_t(name.size()));
         d[11] = f.type;

@@ -33,7 +33,7 @@ QString companionFile(const QString &path, const char *ext)
 {
     const QFileInfo info(path);
     const QString wanted = info.completeBaseName() + QLatin1String(ext);
-    const QString direct = info.dir().filePath(wanted);
+    QString direct = info.dir().filePath(wanted);
     if (QFileInfo::exists(direct))
         return direct;
     const QStringList entries = info.dir().entryList(QDir::Files | QDir::Hidden);

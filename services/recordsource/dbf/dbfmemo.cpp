@@ -198,6 +198,8 @@ Result<QByteArray> DbfMemoFile::readDbt4(quint32 block, qint64 size) const
     return data;
 }
 
+// Not const: the lock is state of the file that every program sharing it sees.
+// NOLINTNEXTLINE(readability-make-member-function-const)
 Status DbfMemoFile::lock()
 {
     Status s = lockRange(m_fd, kCodeBaseLockByte, 1, LockKind::Exclusive, kLockTimeoutMs);
@@ -209,6 +211,7 @@ Status DbfMemoFile::lock()
     return s;
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): see lock()
 void DbfMemoFile::unlock()
 {
     (void)unlockRange(m_fd, kHarbourLockByte, 1);

@@ -36,11 +36,12 @@ FileHandle noFile()
     return -1;
 }
 
-Result<qint64> readAt(FileHandle fd, qint64 offset, char *data, qint64 length, const QString &path)
+Result<qint64> readAt(FileHandle file, qint64 offset, char *data, qint64 length,
+                      const QString &path)
 {
     qint64 done = 0;
     while (done < length) {
-        const ssize_t n = ::pread(fd, data + done, size_t(length - done), off_t(offset + done));
+        const ssize_t n = ::pread(file, data + done, size_t(length - done), off_t(offset + done));
         if (n < 0) {
             if (errno == EINTR)
                 continue;
@@ -53,12 +54,12 @@ Result<qint64> readAt(FileHandle fd, qint64 offset, char *data, qint64 length, c
     return done;
 }
 
-Status writeAt(FileHandle fd, qint64 offset, const char *data, qint64 length, const QString &path)
+Status writeAt(FileHandle file, qint64 offset, const char *data, qint64 length, const QString &path)
 {
     countWrite();
     qint64 done = 0;
     while (done < length) {
-        const ssize_t n = ::pwrite(fd, data + done, size_t(length - done), off_t(offset + done));
+        const ssize_t n = ::pwrite(file, data + done, size_t(length - done), off_t(offset + done));
         if (n < 0) {
             if (errno == EINTR)
                 continue;
@@ -69,25 +70,25 @@ Status writeAt(FileHandle fd, qint64 offset, const char *data, qint64 length, co
     return Status::ok();
 }
 
-Status syncData(FileHandle fd, const QString &path)
+Status syncData(FileHandle file, const QString &path)
 {
-    if (::fdatasync(fd) != 0)
+    if (::fdatasync(file) != 0)
         return osError(path, "cannot flush to disk", errno);
     return Status::ok();
 }
 
-Result<qint64> fileSize(FileHandle fd, const QString &path)
+Result<qint64> fileSize(FileHandle file, const QString &path)
 {
     struct stat st;
-    if (::fstat(fd, &st) != 0)
+    if (::fstat(file, &st) != 0)
         return osError(path, "cannot read the file size", errno);
     return qint64(st.st_size);
 }
 
-Result<FileStamp> fileStamp(FileHandle fd, const QString &path)
+Result<FileStamp> fileStamp(FileHandle file, const QString &path)
 {
     struct stat st;
-    if (::fstat(fd, &st) != 0)
+    if (::fstat(file, &st) != 0)
         return osError(path, "cannot read the file's status", errno);
     FileStamp stamp;
     stamp.device = quint64(st.st_dev);
@@ -119,10 +120,10 @@ FileHandle openFile(const QString &path, bool writable, OpenError *err)
     return fd;
 }
 
-void closeFile(FileHandle fd)
+void closeFile(FileHandle file)
 {
-    if (fd >= 0)
-        ::close(fd);
+    if (file >= 0)
+        ::close(file);
 }
 
 FileMapping::~FileMapping()
@@ -132,11 +133,11 @@ FileMapping::~FileMapping()
     ::munmap(const_cast<char *>(m_data), size_t(m_length));
 }
 
-Result<std::shared_ptr<const FileMapping>> FileMapping::create(FileHandle fd, const QString &path,
+Result<std::shared_ptr<const FileMapping>> FileMapping::create(FileHandle file, const QString &path,
                                                                qint64 length)
 {
     // Mapping beyond the end of the file is allowed; those pages are never touched.
-    void *p = ::mmap(nullptr, size_t(length), PROT_READ, MAP_SHARED, fd, 0);
+    void *p = ::mmap(nullptr, size_t(length), PROT_READ, MAP_SHARED, file, 0);
     if (p == MAP_FAILED)
         return fileError(Status::Code::IoError, path,
                          QStringLiteral("cannot map the file (error %1)").arg(errno));
@@ -146,7 +147,7 @@ Result<std::shared_ptr<const FileMapping>> FileMapping::create(FileHandle fd, co
     // a page fault for every few of them; on a thread when that takes a while. Only a hint:
     // older kernels refuse it, and then the pages come in as they are touched.
     constexpr qint64 kPopulateInBackground = qint64(8) << 20;
-    Result<qint64> size = fileSize(fd, path);
+    Result<qint64> size = fileSize(file, path);
     const qint64 populate = size.isOk() ? qMin(*size, length) : 0;
     if (populate >= kPopulateInBackground) {
         mapping->m_populated.store(false, std::memory_order_release);

@@ -156,7 +156,7 @@ public:
     // (InvalidArgument) an existing file, a bad name, type or length, and a code page without
     // a mark. Memo files are created with 64-byte blocks, as FoxPro's default SET BLOCKSIZE.
     static Result<std::unique_ptr<DbfTable>> create(const QString &path,
-                                                    const QList<DbfField> &fields,
+                                                    const QList<DbfField> &fieldList,
                                                     quint8 version = 0, int codePage = 1252);
 
     const QString &path() const { return m_path; }

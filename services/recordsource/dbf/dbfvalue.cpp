@@ -97,38 +97,38 @@ qint64 le64(const char *p)
 
 } // namespace
 
-QVariant decodeInline(const DbfField &f, const char *p, int codePage)
+QVariant decodeInline(const DbfField &field, const char *bytes, int codePage)
 {
-    switch (f.type) {
+    switch (field.type) {
     case 'C':
     case 'V': {
-        qsizetype n = f.length;
-        while (n > 0 && (p[n - 1] == ' ' || p[n - 1] == '\0'))
+        qsizetype n = field.length;
+        while (n > 0 && (bytes[n - 1] == ' ' || bytes[n - 1] == '\0'))
             --n;
-        return codepages::decode(codePage, QByteArrayView(p, n));
+        return codepages::decode(codePage, QByteArrayView(bytes, n));
     }
     case 'N':
-    case 'F': return decodeNumber(f, p);
-    case 'D': return decodeDate(p);
-    case 'L': return f.length > 0 ? decodeLogical(p[0]) : QVariant();
-    case 'I': return int(qint32(dbfio::le32(p)));
+    case 'F': return decodeNumber(field, bytes);
+    case 'D': return decodeDate(bytes);
+    case 'L': return field.length > 0 ? decodeLogical(bytes[0]) : QVariant();
+    case 'I': return int(qint32(dbfio::le32(bytes)));
     case 'B': {
         double d;
-        std::memcpy(&d, p, 8); // little-endian hosts only, as every platform we build for
+        std::memcpy(&d, bytes, 8); // little-endian hosts only, as every platform we build for
         return d;
     }
-    case 'Y': return double(le64(p)) / 10000.0;
-    case 'T': return decodeDateTime(p);
-    case 'Q': return QByteArray(p, f.length);
+    case 'Y': return double(le64(bytes)) / 10000.0;
+    case 'T': return decodeDateTime(bytes);
+    case 'Q': return QByteArray(bytes, field.length);
     default: return {};
     }
 }
 
-quint32 memoBlock(const DbfField &f, const char *p)
+quint32 memoBlock(const DbfField &field, const char *bytes)
 {
-    if (f.length == 4)
-        return dbfio::le32(p);
-    const QByteArrayView t = trimmed(p, f.length);
+    if (field.length == 4)
+        return dbfio::le32(bytes);
+    const QByteArrayView t = trimmed(bytes, field.length);
     quint64 v = 0;
     for (char c : t) {
         if (c < '0' || c > '9')

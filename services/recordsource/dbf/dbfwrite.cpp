@@ -82,6 +82,8 @@ void putDate(char *p, const QDate &d)
 
 } // namespace
 
+// Not const: the locks are state of the file that every program sharing it sees.
+// NOLINTNEXTLINE(readability-make-member-function-const)
 Status DbfTable::recordLockBytes(quint32 recno, bool lock)
 {
     const quint64 a =

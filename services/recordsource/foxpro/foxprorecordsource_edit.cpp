@@ -146,7 +146,7 @@ Status FoxProRecordSource::Update()
         return Status::ok();
     }
     if (m_mode == EditMode::Edit) {
-        const Status s = m_table->writeRecord(m_editRecno, m_buffer);
+        Status s = m_table->writeRecord(m_editRecno, m_buffer);
         if (!s.isOk())
             return s; // the edit stays open, so the user can correct the value
         endEdit();

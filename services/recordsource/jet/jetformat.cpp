@@ -175,11 +175,12 @@ std::vector<NumToken> numberTokens(const QString &s)
     }
     // E+ and E- ask for scientific notation only with a digit placeholder after them.
     bool placeholderAfter = false;
-    for (auto it = out.rbegin(); it != out.rend(); ++it) {
-        if (it->type == NumToken::Zero || it->type == NumToken::Hash)
+    for (size_t i = out.size(); i-- > 0;) {
+        NumToken &token = out[i];
+        if (token.type == NumToken::Zero || token.type == NumToken::Hash)
             placeholderAfter = true;
-        else if (it->type == NumToken::Exp && !placeholderAfter)
-            it->type = NumToken::Literal;
+        else if (token.type == NumToken::Exp && !placeholderAfter)
+            token.type = NumToken::Literal;
     }
     return out;
 }

@@ -38,7 +38,7 @@ private:
         bool negate = false;
     };
     bool setMatches(const Item &item, QChar c) const;
-    bool matchFrom(size_t item, QStringView text, qsizetype at) const;
+    bool matchFrom(size_t index, QStringView text, qsizetype at) const;
 
     std::vector<Item> m_items;
     TextCompare m_mode = TextCompare::NoCase;

@@ -20,7 +20,7 @@ quint32 fnv1a(const QByteArray &bytes)
 
 } // namespace
 
-RecordLock::RecordLock(QString databasePath)
+RecordLock::RecordLock(const QString &databasePath)
 {
     if (!databasePath.isEmpty() && databasePath != QLatin1String(":memory:"))
         m_lockPath = databasePath + QStringLiteral("-plxlock");

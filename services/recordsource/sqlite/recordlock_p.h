@@ -21,7 +21,7 @@ class RecordLock
 {
 public:
     // `databasePath` empty (an in-memory database): locks are not needed and always succeed.
-    explicit RecordLock(QString databasePath);
+    explicit RecordLock(const QString &databasePath);
 
     // Takes the lock of (table, rowid), giving up any lock held before. Locked when
     // another record source holds it.

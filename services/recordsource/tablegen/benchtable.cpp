@@ -135,7 +135,7 @@ QString BenchTableGenerator::personName()
     const QString last = QString::fromLatin1(Surnames[std::min(rank, std::size(Surnames) - 1)]);
     const QString first = QString::fromLatin1(FirstNames[below(int(std::size(FirstNames)))]);
     QString name =
-        QStringLiteral("%1, %2 %3").arg(last, first, QChar(QLatin1Char('A' + below(26))));
+        QStringLiteral("%1, %2 %3").arg(last, first, QChar(QLatin1Char(char('A' + below(26)))));
     // Most hosts store names in mixed case; older records were typed in capitals.
     if (below(4) == 0)
         name = name.toUpper();
