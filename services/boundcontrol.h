@@ -40,6 +40,8 @@ public:
     // Saves the rows; a non-blank text is shown to the user in a box titled Name().
     virtual QString Save() = 0;
 
+    // True while the rows refuse typing: the navigator unlocks them for an edit or a new
+    // record and locks them again when it ends.
     virtual bool Locked() const = 0;
     virtual void setLocked(bool locked) = 0;
 

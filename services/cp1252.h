@@ -16,9 +16,12 @@ namespace plx::cp1252 {
 QChar toUnicode(unsigned char code);
 // The code of a character; `fallback` (default '?') for a character 1252 cannot hold.
 int fromUnicode(QChar ch, int fallback = '?');
+// True when 1252 has a code for `ch`.
 bool canEncode(QChar ch);
 
+// Every byte as its 1252 character (total: each of the 256 codes has one).
 QString decode(const QByteArray &bytes);
+// Every character as its 1252 code, '?' for one 1252 cannot hold; as long as `text`.
 QByteArray encode(const QString &text);
 
 } // namespace plx::cp1252

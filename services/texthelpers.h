@@ -58,6 +58,8 @@ QString getFileTitle(const QString &fullPath); // name up to its first "."
 QString getFileName(const QString &fullPath); // everything behind the last "\"
 QString getFileDir(const QString &fullPath); // up to and including the last "\"
 QString getPathNoExt(const QString &fullPath); // directory + title
+// `directory` + "\" (unless it ends in one) + `name` without leading separators or
+// trailing blanks; every "\" becomes "/" when forwardSlashes.
 QString setPathName(const QString &directory, const QString &name, bool forwardSlashes);
 
 // --- Lists, collections and arrays (textlists.cpp) ---
