@@ -25,7 +25,7 @@ QString firstUnstorable(const QString &text, int codePage)
         return QString();
     for (qsizetype i = 0; i < text.size(); ++i) {
         const qsizetype n = text.at(i).isHighSurrogate() && i + 1 < text.size() ? 2 : 1;
-        const QString ch = text.mid(i, n);
+        QString ch = text.mid(i, n);
         if (!plx::codepages::encode(codePage, ch))
             return ch;
         i += n - 1;
@@ -38,6 +38,92 @@ int integerDigits(double d)
 {
     const double whole = std::floor(std::fabs(d));
     return whole < 1 ? 1 : int(std::floor(std::log10(whole))) + 1;
+}
+
+// Says `why` a typed text cannot be stored, when the caller asked, and stores nothing.
+std::optional<QVariant> refuse(QString *reason, const QString &why)
+{
+    if (reason)
+        *reason = why;
+    return std::nullopt;
+}
+
+// A whole number for an Integer field of `field.size` bytes (8 when unknown).
+std::optional<QVariant> storedWhole(double d, const plx::FieldInfo &field, QString *reason)
+{
+    if (d != std::floor(d))
+        return refuse(reason, QStringLiteral("is not a whole number"));
+    const double limit = field.size == 2 ? 32767.0 : field.size == 4 ? 2147483647.0 : 9.2e18;
+    if (std::fabs(d) > limit)
+        return refuse(reason, QStringLiteral("is too large for this field"));
+    return QVariant(qint64(d));
+}
+
+// A Numeric field holds field.size characters: rounded to its decimals, the number must
+// leave room for the decimal point and a minus sign.
+std::optional<QVariant> storedNumeric(double d, const plx::FieldInfo &field, QString *reason)
+{
+    const double rounded =
+        std::round(d * std::pow(10.0, field.decimals)) / std::pow(10.0, field.decimals);
+    const int room =
+        field.size - field.decimals - (field.decimals > 0 ? 1 : 0) - (rounded < 0 ? 1 : 0);
+    if (integerDigits(rounded) > room)
+        return refuse(reason,
+                      room > 0 ? QStringLiteral("is too large for this field (at most %1 "
+                                                "digits before the decimal point)")
+                                     .arg(room)
+                               : QStringLiteral("is too large for this field"));
+    return QVariant(rounded);
+}
+
+// Integer, Numeric and Double fields; a trailing '%' divides by 100.
+std::optional<QVariant> storedNumber(const QString &text, const plx::FieldInfo &field,
+                                     QString *reason)
+{
+    QString t = text.trimmed();
+    const bool percent = t.endsWith(QLatin1Char('%'));
+    if (percent)
+        t.chop(1);
+    std::optional<double> d = plx::parseNumberText(t);
+    if (!d)
+        return refuse(reason, QStringLiteral("is not a number"));
+    if (percent)
+        *d /= 100.0;
+    if (field.type == plx::FieldType::Integer)
+        return storedWhole(*d, field, reason);
+    if (field.type == plx::FieldType::Numeric && field.size > 0)
+        return storedNumeric(*d, field, reason);
+    return QVariant(*d);
+}
+
+// Date and DateTime fields: the date in the row's `format`, for DateTime optionally followed
+// by a blank and h:mm:ss or h:mm (midnight when left out).
+std::optional<QVariant> storedDate(const QString &text, const plx::FieldInfo &field,
+                                   const QString &format, QString *reason)
+{
+    QString t = text.trimmed();
+    QTime time(0, 0);
+    if (field.type == plx::FieldType::DateTime) {
+        const qsizetype blank = t.indexOf(QLatin1Char(' '));
+        if (blank > 0) {
+            time = QTime::fromString(t.mid(blank + 1).trimmed(), QStringLiteral("h:mm:ss"));
+            if (!time.isValid())
+                time = QTime::fromString(t.mid(blank + 1).trimmed(), QStringLiteral("h:mm"));
+            if (!time.isValid())
+                return refuse(reason, QStringLiteral("is not a time of day (hh:mm:ss)"));
+            t = t.left(blank);
+        }
+    }
+    const std::optional<QDate> date = plx::parseDateText(t, format);
+    if (!date) {
+        const QString shape = format.trimmed().isEmpty() || format.contains(QLatin1Char(' '))
+            ? QStringLiteral("mm/dd/yyyy")
+            : format.trimmed().toLower();
+        return refuse(reason, QStringLiteral("is not a date (%1)").arg(shape));
+    }
+    if (field.type == plx::FieldType::Date)
+        return QVariant(*date);
+    return QVariant(QDateTime(*date, time));
 }
 
 } // namespace
@@ -54,7 +140,9 @@ mvText::mvText(QWidget *parent) : mvRow(parent)
     setFocusProxy(m_line);
     watch(m_line);
     watch(m_caption);
-    applyLook();
+    // Qualified on purpose: during construction only this class's look can apply, and the
+    // editors made just above must take the row's shading before the row is first shown.
+    mvText::applyLook();
     setTwipsGeometry(0, 0, 4800);
 }
 
@@ -190,11 +278,6 @@ QString mvText::displayOf(const QVariant &stored, const plx::FieldInfo &field)
 std::optional<QVariant> mvText::storedOf(const QString &typed, const plx::FieldInfo &field,
                                          QString *reason) const
 {
-    auto refuse = [reason](const QString &why) -> std::optional<QVariant> {
-        if (reason)
-            *reason = why;
-        return std::nullopt;
-    };
     const plx::InputMode mode = plx::inputModeOf(m_mode);
     const QString text = mode == plx::InputMode::Upper ? typed.toUpper() : typed;
     if (text.trimmed().isEmpty()) {
@@ -202,107 +285,54 @@ std::optional<QVariant> mvText::storedOf(const QString &typed, const plx::FieldI
             return QVariant();
         if (field.type == plx::FieldType::Text || field.type == plx::FieldType::Memo)
             return QVariant(QString());
-        return refuse(QStringLiteral("needs a value"));
+        return refuse(reason, QStringLiteral("needs a value"));
     }
     if (mode == plx::InputMode::Digits) {
         for (const QChar ch : text)
             if (!ch.isDigit() || ch.unicode() > 127)
-                return refuse(QStringLiteral("may only hold the digits 0 to 9"));
+                return refuse(reason, QStringLiteral("may only hold the digits 0 to 9"));
     }
-    const int codePage =
-        hasDataBinding() ? const_cast<mvText *>(this)->DataBinding()->CodePage() : 0;
     switch (field.type) {
     case plx::FieldType::Text:
-    case plx::FieldType::Memo: {
-        const int limit = effectiveMaxLength(field);
-        if (limit > 0 && text.size() > limit)
-            return refuse(QStringLiteral("is longer than %1 characters").arg(limit));
-        const QString bad = firstUnstorable(text, codePage);
-        if (!bad.isEmpty())
-            return refuse(QStringLiteral("contains the character \"%1\", which this table cannot "
-                                         "store (code page %2)")
-                              .arg(bad)
-                              .arg(codePage));
-        if (field.type == plx::FieldType::Memo && m_memoCrLf) {
-            QString crlf = text;
-            crlf.replace(QLatin1String("\r\n"), QLatin1String("\n"));
-            crlf.replace(QLatin1Char('\n'), QLatin1String("\r\n"));
-            return QVariant(crlf);
-        }
-        return QVariant(text);
-    }
+    case plx::FieldType::Memo: return storedText(text, field, reason);
     case plx::FieldType::Integer:
     case plx::FieldType::Numeric:
-    case plx::FieldType::Double: {
-        QString t = text.trimmed();
-        const bool percent = t.endsWith(QLatin1Char('%'));
-        if (percent)
-            t.chop(1);
-        std::optional<double> d = plx::parseNumberText(t);
-        if (!d)
-            return refuse(QStringLiteral("is not a number"));
-        if (percent)
-            *d /= 100.0;
-        if (field.type == plx::FieldType::Integer) {
-            if (*d != std::floor(*d))
-                return refuse(QStringLiteral("is not a whole number"));
-            const double limit = field.size == 2 ? 32767.0
-                : field.size == 4                ? 2147483647.0
-                                                 : 9.2e18;
-            if (std::fabs(*d) > limit)
-                return refuse(QStringLiteral("is too large for this field"));
-            return QVariant(qint64(*d));
-        }
-        if (field.type == plx::FieldType::Numeric && field.size > 0) {
-            const double rounded =
-                std::round(*d * std::pow(10.0, field.decimals)) / std::pow(10.0, field.decimals);
-            const int room =
-                field.size - field.decimals - (field.decimals > 0 ? 1 : 0) - (rounded < 0 ? 1 : 0);
-            if (integerDigits(rounded) > room)
-                return refuse(room > 0 ? QStringLiteral("is too large for this field (at most %1 "
-                                                        "digits before the decimal point)")
-                                             .arg(room)
-                                       : QStringLiteral("is too large for this field"));
-            return QVariant(rounded);
-        }
-        return QVariant(*d);
-    }
+    case plx::FieldType::Double: return storedNumber(text, field, reason);
     case plx::FieldType::Date:
-    case plx::FieldType::DateTime: {
-        QString t = text.trimmed();
-        QTime time(0, 0);
-        if (field.type == plx::FieldType::DateTime) {
-            const qsizetype blank = t.indexOf(QLatin1Char(' '));
-            if (blank > 0) {
-                time = QTime::fromString(t.mid(blank + 1).trimmed(), QStringLiteral("h:mm:ss"));
-                if (!time.isValid())
-                    time = QTime::fromString(t.mid(blank + 1).trimmed(), QStringLiteral("h:mm"));
-                if (!time.isValid())
-                    return refuse(QStringLiteral("is not a time of day (hh:mm:ss)"));
-                t = t.left(blank);
-            }
-        }
-        const std::optional<QDate> date = plx::parseDateText(t, m_format);
-        if (!date) {
-            const QString shape =
-                m_format.trimmed().isEmpty() || m_format.contains(QLatin1Char(' '))
-                ? QStringLiteral("mm/dd/yyyy")
-                : m_format.trimmed().toLower();
-            return refuse(QStringLiteral("is not a date (%1)").arg(shape));
-        }
-        if (field.type == plx::FieldType::Date)
-            return QVariant(*date);
-        return QVariant(QDateTime(*date, time));
-    }
+    case plx::FieldType::DateTime: return storedDate(text, field, m_format, reason);
     case plx::FieldType::Boolean: {
         const std::optional<bool> b = plx::parseLogicalText(text);
         if (!b)
-            return refuse(QStringLiteral("is not Yes or No"));
+            return refuse(reason, QStringLiteral("is not Yes or No"));
         return QVariant(*b);
     }
     case plx::FieldType::Binary: break;
     }
-    return refuse(QStringLiteral("cannot be edited as text"));
+    return refuse(reason, QStringLiteral("cannot be edited as text"));
+}
+
+std::optional<QVariant> mvText::storedText(const QString &text, const plx::FieldInfo &field,
+                                           QString *reason) const
+{
+    const int limit = effectiveMaxLength(field);
+    if (limit > 0 && text.size() > limit)
+        return refuse(reason, QStringLiteral("is longer than %1 characters").arg(limit));
+    const int codePage =
+        hasDataBinding() ? const_cast<mvText *>(this)->DataBinding()->CodePage() : 0;
+    const QString bad = firstUnstorable(text, codePage);
+    if (!bad.isEmpty())
+        return refuse(reason,
+                      QStringLiteral("contains the character \"%1\", which this table cannot "
+                                     "store (code page %2)")
+                          .arg(bad)
+                          .arg(codePage));
+    if (field.type == plx::FieldType::Memo && m_memoCrLf) {
+        QString crlf = text;
+        crlf.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+        crlf.replace(QLatin1Char('\n'), QLatin1String("\r\n"));
+        return QVariant(crlf);
+    }
+    return QVariant(text);
 }
 
 void mvText::applyLook()

@@ -65,7 +65,7 @@ protected:
     QString currentText() const override;
     void showText(const QString &text) override;
     QString displayOf(const QVariant &stored, const plx::FieldInfo &field) override;
-    std::optional<QVariant> storedOf(const QString &text, const plx::FieldInfo &field,
+    std::optional<QVariant> storedOf(const QString &typed, const plx::FieldInfo &field,
                                      QString *reason) const override;
     void applyLook() override;
     void applyGeometryPixels() override;
@@ -78,6 +78,10 @@ private:
     void setMultiLine(bool on);
     void applyValidator();
     int effectiveMaxLength(const plx::FieldInfo &field) const;
+    // storedOf() for Text and Memo fields: the length limit, the table's code page and the
+    // memo's line ends.
+    std::optional<QVariant> storedText(const QString &text, const plx::FieldInfo &field,
+                                       QString *reason) const;
 
     QLabel *m_caption;
     QLineEdit *m_line;

@@ -55,6 +55,69 @@ QComboBox *combo(QWidget *parent, const char *name, bool editable)
     return box;
 }
 
+// Keys reach the find box either at the line edit or at the combo box, which hands them on
+// by a direct call that no filter sees: `keyWatcher` watches both.
+void setUpFindBox(QComboBox *find, QObject *keyWatcher)
+{
+    find->lineEdit()->setMaxLength(mvPLXRecs::kFindMaxLength);
+    find->lineEdit()->setPlaceholderText(mvPLXRecs::tr("Type to find"));
+    find->setToolTip(
+        mvPLXRecs::tr("Type the beginning of the sort's values; Enter keeps the text in the list"));
+    find->installEventFilter(keyWatcher);
+    find->lineEdit()->installEventFilter(keyWatcher);
+    find->setEnabled(false);
+}
+
+// Holding Back or Next down walks the records quickly: the first repeat after a short
+// pause, then as fast as the records can be shown.
+void repeatWhileHeld(QPushButton *step)
+{
+    step->setAutoRepeat(true);
+    step->setAutoRepeatDelay(350);
+    step->setAutoRepeatInterval(1);
+}
+
+// The frame that holds the record stepping: Back, the position bar, Next.
+QGroupBox *stepFrame(QWidget *parent, QPushButton *back, QScrollBar *position, QPushButton *next)
+{
+    auto *frame = new QGroupBox(parent);
+    frame->setObjectName(QStringLiteral("fraControls"));
+    auto *stepRow = new QHBoxLayout(frame);
+    stepRow->setContentsMargins(6, 4, 6, 6);
+    stepRow->addWidget(back);
+    stepRow->addWidget(position, 1);
+    stepRow->addWidget(next);
+    return frame;
+}
+
+struct GridCell
+{
+    QWidget *widget;
+    int row, column;
+    int columnSpan = 1;
+};
+
+QGridLayout *gridOf(std::initializer_list<GridCell> cells)
+{
+    auto *grid = new QGridLayout;
+    grid->setHorizontalSpacing(6);
+    grid->setVerticalSpacing(4);
+    for (const GridCell &cell : cells)
+        grid->addWidget(cell.widget, cell.row, cell.column, 1, cell.columnSpan);
+    return grid;
+}
+
+// Tab moves through `widgets` in the order given.
+void setTabChain(std::initializer_list<QWidget *> widgets)
+{
+    QWidget *previous = nullptr;
+    for (QWidget *widget : widgets) {
+        if (previous)
+            QWidget::setTabOrder(previous, widget);
+        previous = widget;
+    }
+}
+
 } // namespace
 
 mvPLXRecs::mvPLXRecs(QWidget *parent) : QWidget(parent)
@@ -81,17 +144,9 @@ void mvPLXRecs::buildChildren()
     m_cboSort = combo(this, "cboSort", false);
     m_cboFind = combo(this, "cboFind", true);
     m_cboFilter = combo(this, "cboFilter", false);
-    m_cboFind->lineEdit()->setMaxLength(kFindMaxLength);
-    m_cboFind->lineEdit()->setPlaceholderText(tr("Type to find"));
-    m_cboFind->setToolTip(
-        tr("Type the beginning of the sort's values; Enter keeps the text in the list"));
+    setUpFindBox(m_cboFind, this);
     m_cboSort->setToolTip(tr("Sort order"));
     m_cboFilter->setToolTip(tr("Saved filters"));
-    // Keys reach the find box either at the line edit or at the combo box, which hands
-    // them on by a direct call that no filter sees: both are watched.
-    m_cboFind->installEventFilter(this);
-    m_cboFind->lineEdit()->installEventFilter(this);
-    m_cboFind->setEnabled(false);
 
     m_cmdFind =
         iconButton(this, "cmdFind", QStyle::SP_FileDialogContentsView, tr("View search results"));
@@ -102,13 +157,8 @@ void mvPLXRecs::buildChildren()
         iconButton(this, "cmdBrowse", QStyle::SP_FileDialogListView, tr("Browse entire database"));
     m_cmdRecBack = iconButton(this, "cmdRecBack", QStyle::SP_ArrowBack, tr("Previous record"));
     m_cmdRecNext = iconButton(this, "cmdRecNext", QStyle::SP_ArrowForward, tr("Next record"));
-    // Holding Back or Next down walks the records quickly: the first repeat after a short
-    // pause, then as fast as the records can be shown.
-    for (QPushButton *step : { m_cmdRecBack, m_cmdRecNext }) {
-        step->setAutoRepeat(true);
-        step->setAutoRepeatDelay(350);
-        step->setAutoRepeatInterval(1);
-    }
+    repeatWhileHeld(m_cmdRecBack);
+    repeatWhileHeld(m_cmdRecNext);
 
     m_lblSort = buddyLabel(this, "lblSort", tr("&Sort"), m_cboSort);
     m_lblFind = buddyLabel(this, "lblFind", tr("F&ind"), m_cboFind);
@@ -120,31 +170,21 @@ void mvPLXRecs::buildChildren()
     m_hscroll->setObjectName(QStringLiteral("HScroll1"));
     m_hscroll->setToolTip(tr("Record position"));
     m_hscroll->setFocusPolicy(Qt::StrongFocus);
-
-    m_fraControls = new QGroupBox(this);
-    m_fraControls->setObjectName(QStringLiteral("fraControls"));
-    auto *stepRow = new QHBoxLayout(m_fraControls);
-    stepRow->setContentsMargins(6, 4, 6, 6);
-    stepRow->addWidget(m_cmdRecBack);
-    stepRow->addWidget(m_hscroll, 1);
-    stepRow->addWidget(m_cmdRecNext);
+    m_fraControls = stepFrame(this, m_cmdRecBack, m_hscroll, m_cmdRecNext);
     m_hscroll->setParent(m_fraControls);
     m_cmdRecBack->setParent(m_fraControls);
     m_cmdRecNext->setParent(m_fraControls);
 
-    auto *grid = new QGridLayout;
-    grid->setHorizontalSpacing(6);
-    grid->setVerticalSpacing(4);
-    grid->addWidget(m_lblSort, 0, 0);
-    grid->addWidget(m_cboSort, 0, 1);
-    grid->addWidget(m_lblFilter, 0, 2);
-    grid->addWidget(m_cboFilter, 0, 3);
-    grid->addWidget(m_cmdFilter, 0, 4);
-    grid->addWidget(m_lblFind, 1, 0);
-    grid->addWidget(m_cboFind, 1, 1, 1, 3);
-    grid->addWidget(m_cmdFind, 1, 4);
-    grid->addWidget(m_lblBrowse, 1, 5);
-    grid->addWidget(m_cmdBrowse, 1, 6);
+    QGridLayout *grid = gridOf({ { m_lblSort, 0, 0 },
+                                 { m_cboSort, 0, 1 },
+                                 { m_lblFilter, 0, 2 },
+                                 { m_cboFilter, 0, 3 },
+                                 { m_cmdFilter, 0, 4 },
+                                 { m_lblFind, 1, 0 },
+                                 { m_cboFind, 1, 1, 3 },
+                                 { m_cmdFind, 1, 4 },
+                                 { m_lblBrowse, 1, 5 },
+                                 { m_cmdBrowse, 1, 6 } });
     grid->setColumnStretch(1, 3);
     grid->setColumnStretch(3, 2);
 
@@ -164,14 +204,8 @@ void mvPLXRecs::buildChildren()
     connect(m_hscroll, &QScrollBar::valueChanged, this, &mvPLXRecs::hscrollChanged);
 
     // Keyboard order: sort, find, filter, browse, then stepping and the commands.
-    setTabOrder(m_cboSort, m_cboFind);
-    setTabOrder(m_cboFind, m_cmdFind);
-    setTabOrder(m_cmdFind, m_cboFilter);
-    setTabOrder(m_cboFilter, m_cmdFilter);
-    setTabOrder(m_cmdFilter, m_cmdBrowse);
-    setTabOrder(m_cmdBrowse, m_cmdRecBack);
-    setTabOrder(m_cmdRecBack, m_hscroll);
-    setTabOrder(m_hscroll, m_cmdRecNext);
+    setTabChain({ m_cboSort, m_cboFind, m_cmdFind, m_cboFilter, m_cmdFilter, m_cmdBrowse,
+                  m_cmdRecBack, m_hscroll, m_cmdRecNext });
 }
 
 void mvPLXRecs::buildToolbar()

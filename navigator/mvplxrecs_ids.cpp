@@ -42,6 +42,57 @@ bool writeKeyLine(const QString &diskPath, const QString &line)
     return file.commit();
 }
 
+// The table's IDs that start with "PLE", highest first: the first row holds the last key.
+QString highestIdQuery(const QString &table, const QString &idField)
+{
+    return QStringLiteral("Select * from ") + table + QStringLiteral(" WHERE  Left([") + idField
+        + QStringLiteral("],3) = 'PLE'") + QStringLiteral(" Order By ") + idField
+        + QStringLiteral(" DESC");
+}
+
+// The lines NewIDPLX logs, and for its errors also shows, one fact a line.
+
+QStringList rebuiltKeyLines(const QString &desc, const QString &query, const QString &key,
+                            const QString &code)
+{
+    return { QStringLiteral("New Key Text File for ") + desc, QStringLiteral("SQL:  ") + query,
+             QStringLiteral("Last ID Key (last 7):  ") + key,
+             QStringLiteral("Last ID ASC (last 7):  ") + code };
+}
+
+QStringList unexpectedKeyLines(const QString &desc, const QString &query, const QString &code,
+                               int lFlag)
+{
+    return { QStringLiteral("Unexpected results for Last ID in ") + desc,
+             QStringLiteral("SQL: ") + query,
+             QStringLiteral("New ID KEY ") + ascToKey(code, 3),
+             QStringLiteral("New ID ASC ") + code,
+             QStringLiteral("FindFirst ") + QString(),
+             QStringLiteral("lFlag ") + QString::number(lFlag) };
+}
+
+// What the search for a free ID had when it gave up.
+struct DuplicateId
+{
+    QString takenDesc, query, candidate, criterion;
+    int lFlag = 0;
+    int attempts = 0;
+};
+
+QStringList duplicateIdLines(const DuplicateId &d)
+{
+    return { QStringLiteral("Duplicate ID Error in mvPLXRecs.NewIDPLX"),
+             QStringLiteral("Desc Field: ") + d.takenDesc,
+             QStringLiteral("Cannot create new record."),
+             QStringLiteral("SQL:  ") + d.query,
+             QStringLiteral("New ID KEY:  ") + d.candidate,
+             QStringLiteral("New ID ASC:  ") + keyToASC(d.candidate),
+             QStringLiteral("FindFirst:  ") + d.criterion,
+             QStringLiteral("lFlag:  ") + QString::number(d.lFlag),
+             QStringLiteral("Unsuccessful after ") + QString::number(d.attempts)
+                 + QStringLiteral(" attempts") };
+}
+
 } // namespace
 
 QString mvPLXRecs::tableFilePath() const
@@ -152,9 +203,7 @@ QString mvPLXRecs::NewIDPLX()
     const QString keyFile = keyFilePath();
     if (keyFile.isEmpty() || getLenTrim(m_sIDfield) < 1)
         return QString();
-    const QString query = QStringLiteral("Select * from ") + getFileTitle(tableFilePath())
-        + QStringLiteral(" WHERE  Left([") + m_sIDfield + QStringLiteral("],3) = 'PLE'")
-        + QStringLiteral(" Order By ") + m_sIDfield + QStringLiteral(" DESC");
+    const QString query = highestIdQuery(getFileTitle(tableFilePath()), m_sIDfield);
 
     // One navigator at a time makes an ID for this table, in every process.
     Result<std::unique_ptr<LockFile>> lock = LockFile::open(keyFile + QStringLiteral(".lock"));
@@ -173,10 +222,7 @@ QString mvPLXRecs::NewIDPLX()
             key = QStringLiteral("0000000");
         const QString code = keyToASC(key);
         writeKeyLine(keyFile, code);
-        logLines({ QStringLiteral("New Key Text File for ") + m_sDesc,
-                   QStringLiteral("SQL:  ") + query,
-                   QStringLiteral("Last ID Key (last 7):  ") + key,
-                   QStringLiteral("Last ID ASC (last 7):  ") + code });
+        logLines(rebuiltKeyLines(m_sDesc, query, key, code));
     };
     if (!getFileExistLEN(keyFile, false))
         rebuild();
@@ -184,12 +230,7 @@ QString mvPLXRecs::NewIDPLX()
     const int lFlag = 0;
     QString code = readKeyLine(keyFile);
     if (getLenTrim(code) != 21) {
-        const QStringList lines{ QStringLiteral("Unexpected results for Last ID in ") + m_sDesc,
-                                 QStringLiteral("SQL: ") + query,
-                                 QStringLiteral("New ID KEY ") + ascToKey(code, 3),
-                                 QStringLiteral("New ID ASC ") + code,
-                                 QStringLiteral("FindFirst ") + QString(),
-                                 QStringLiteral("lFlag ") + QString::number(lFlag) };
+        const QStringList lines = unexpectedKeyLines(m_sDesc, query, code, lFlag);
         showBox(lines.join(kCrLf), MsgStyle::Information, QStringLiteral("Record ID Error"));
         logLines(QStringList(lines) << QStringLiteral("Len_Trim(sLastIDasc) <> 21"));
         // The table itself knows its highest key: start again from there.
@@ -202,7 +243,6 @@ QString mvPLXRecs::NewIDPLX()
     const QString lastID = m_sParentID + ascToKey(code, 3);
     auto logStep = [this](const QString &line) { logLines({ line }); };
     QString candidate = PLXIDIncrement(lastID, logStep);
-    QString candidateCode = keyToASC(candidate);
     logLines({ QStringLiteral("ParentID ") + m_sParentID, QStringLiteral("LastID   ") + lastID,
                QStringLiteral("New ID   ") + candidate, QStringLiteral("From ") + keyFile });
 
@@ -213,11 +253,10 @@ QString mvPLXRecs::NewIDPLX()
         const IdUse use = idTaken(candidate, criterion);
         if (use == IdUse::Twin && ++twins < kMaxTwins) {
             candidate = PLXIDIncrement(candidate, logStep);
-            candidateCode = keyToASC(candidate);
             continue;
         }
         if (use == IdUse::Free) {
-            if (!writeKeyLine(keyFile, candidateCode.right(21))) {
+            if (!writeKeyLine(keyFile, keyToASC(candidate).right(21))) {
                 logLines({ QStringLiteral("New ID for ") + m_sDesc
                                + QStringLiteral(": cannot write the key file"),
                            QStringLiteral("From ") + keyFile });
@@ -226,17 +265,8 @@ QString mvPLXRecs::NewIDPLX()
             return candidate;
         }
         if (attempts >= 10) {
-            const QStringList lines{ QStringLiteral("Duplicate ID Error in mvPLXRecs.NewIDPLX"),
-                                     QStringLiteral("Desc Field: ") + m_takenDesc,
-                                     QStringLiteral("Cannot create new record."),
-                                     QStringLiteral("SQL:  ") + query,
-                                     QStringLiteral("New ID KEY:  ") + candidate,
-                                     QStringLiteral("New ID ASC:  ") + candidateCode,
-                                     QStringLiteral("FindFirst:  ") + criterion,
-                                     QStringLiteral("lFlag:  ") + QString::number(lFlag),
-                                     QStringLiteral("Unsuccessful after ")
-                                         + QString::number(attempts)
-                                         + QStringLiteral(" attempts") };
+            const QStringList lines =
+                duplicateIdLines({ m_takenDesc, query, candidate, criterion, lFlag, attempts });
             logLines(lines);
             showBox(lines.join(kCrLf), MsgStyle::Critical,
                     QStringLiteral("Error on New Record ID"));
@@ -244,7 +274,6 @@ QString mvPLXRecs::NewIDPLX()
         }
         ++attempts;
         candidate = PLXIDIncrement(candidate, logStep);
-        candidateCode = keyToASC(candidate);
     }
 }
 

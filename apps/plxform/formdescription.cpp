@@ -59,18 +59,14 @@ bool isNamelike(const FieldInfo &f)
             || n == QLatin1String("DESC"));
 }
 
-} // namespace
+using Sections = QList<QPair<QString, QStringList>>;
 
-Result<FormDescription> loadFormDescription(const QString &path, QStringList *warnings)
+// A form description is a small settings file; anything this large is not one.
+constexpr qint64 kMaxDescriptionSize = qint64(4) * 1024 * 1024;
+
+// Warns of every section and key plxform does not know; true when there is a [FORM].
+bool checkKnownKeys(const Sections &sections, QStringList *warnings)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return Status(Status::Code::NotFound,
-                      QStringLiteral("cannot read the form description %1").arg(path));
-    const QByteArray text = file.read(4 * 1024 * 1024);
-    if (text.contains('\0'))
-        return Status(Status::Code::Corrupt, QStringLiteral("%1 is not a settings file").arg(path));
-    const QList<QPair<QString, QStringList>> sections = scanKeys(text);
     bool hasForm = false;
     for (const auto &[section, keys] : sections) {
         const QString upper = section.toUpper();
@@ -89,10 +85,30 @@ Result<FormDescription> loadFormDescription(const QString &path, QStringList *wa
                 warnings->append(
                     QStringLiteral("Unknown key \"%1\" in [%2] ignored").arg(key, section));
     }
-    if (!hasForm)
-        return Status(Status::Code::Corrupt, QStringLiteral("%1 has no [FORM] section").arg(path));
+    return hasForm;
+}
 
-    FormDescription form;
+// Sorts=Name:FIELD, FIELD|Name:FIELD; a sort without a name or fields is warned of and left
+// out.
+QList<QPair<QString, QString>> readSorts(const QString &text, QStringList *warnings)
+{
+    QList<QPair<QString, QString>> sorts;
+    for (const QString &sort : text.split(QLatin1Char('|'), Qt::SkipEmptyParts)) {
+        const qsizetype colon = sort.indexOf(QLatin1Char(':'));
+        if (colon < 1 || getLenTrim(sort.mid(colon + 1)) < 1) {
+            warnings->append(QStringLiteral("Sort \"%1\" ignored: write it as Name:FIELD, FIELD")
+                                 .arg(sort.trimmed()));
+            continue;
+        }
+        sorts.append({ sort.left(colon).trimmed(), sort.mid(colon + 1).trimmed() });
+    }
+    return sorts;
+}
+
+// The [FORM] section: the table and the navigator's settings. Naming neither or both of a
+// table file and a database is an error, as is a database without a table.
+Status readFormSection(const QString &path, FormDescription &form, QStringList *warnings)
+{
     const QString f = QStringLiteral("FORM");
     form.file = value(path, f, "File");
     form.database = value(path, f, "Database");
@@ -103,16 +119,7 @@ Result<FormDescription> loadFormDescription(const QString &path, QStringList *wa
     const QString parent = value(path, f, "ParentID");
     if (!parent.isEmpty())
         form.parentID = parent;
-    for (const QString &sort :
-         value(path, f, "Sorts").split(QLatin1Char('|'), Qt::SkipEmptyParts)) {
-        const qsizetype colon = sort.indexOf(QLatin1Char(':'));
-        if (colon < 1 || getLenTrim(sort.mid(colon + 1)) < 1) {
-            warnings->append(QStringLiteral("Sort \"%1\" ignored: write it as Name:FIELD, FIELD")
-                                 .arg(sort.trimmed()));
-            continue;
-        }
-        form.sorts.append({ sort.left(colon).trimmed(), sort.mid(colon + 1).trimmed() });
-    }
+    form.sorts = readSorts(value(path, f, "Sorts"), warnings);
     for (const QString &field :
          value(path, f, "Required").split(QLatin1Char(','), Qt::SkipEmptyParts))
         form.required << field.trimmed();
@@ -124,64 +131,98 @@ Result<FormDescription> loadFormDescription(const QString &path, QStringList *wa
     if (!form.database.isEmpty() && form.table.isEmpty())
         return Status(Status::Code::InvalidArgument,
                       QStringLiteral("%1 names a database but no Table=").arg(path));
+    return Status::ok();
+}
 
+// A MaxLength or LabelWidth: empty is 0, and so is anything that is not a count (with
+// `problem` warned of, naming the value and the section).
+int readCount(const QString &text, const QString &section, const QString &problem,
+              QStringList *warnings)
+{
+    bool ok = true;
+    const int count = text.isEmpty() ? 0 : text.toInt(&ok);
+    if (ok && count >= 0)
+        return count;
+    warnings->append(problem.arg(text, section));
+    return 0;
+}
+
+void readRow(const QString &path, const QString &section, FormDescription &form,
+             QStringList *warnings)
+{
+    RowDescription row{ value(path, section, "Caption"), value(path, section, "Field"),
+                        value(path, section, "Format"), value(path, section, "Mode") };
+    row.maxLength = readCount(
+        value(path, section, "MaxLength"), section,
+        QStringLiteral("MaxLength \"%1\" in [%2] is not a length; the field's size is used"),
+        warnings);
+    row.labelWidth =
+        readCount(value(path, section, "LabelWidth"), section,
+                  QStringLiteral("LabelWidth \"%1\" in [%2] is not a width in twips"), warnings);
+    if (row.field.isEmpty())
+        warnings->append(QStringLiteral("[%1] names no Field; the row is left out").arg(section));
+    else
+        form.rows.append(row);
+}
+
+void readPair(const QString &path, const QString &section, FormDescription &form,
+              QStringList *warnings)
+{
+    PairDescription pair{ value(path, section, "Caption"), value(path, section, "Field"), {} };
+    for (const QString &detail :
+         value(path, section, "Details").split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+        const qsizetype colon = detail.indexOf(QLatin1Char(':'));
+        if (colon < 1 || getLenTrim(detail.mid(colon + 1)) < 1)
+            warnings->append(
+                QStringLiteral("Detail \"%1\" in [%2] ignored: write it as Caption:FIELD")
+                    .arg(detail.trimmed(), section));
+        else
+            pair.details.append({ detail.left(colon).trimmed(), detail.mid(colon + 1).trimmed() });
+    }
+    if (pair.field.isEmpty())
+        warnings->append(QStringLiteral("[%1] names no Field; the pair is left out").arg(section));
+    else
+        form.pairs.append(pair);
+}
+
+void readCheck(const QString &path, const QString &section, FormDescription &form,
+               QStringList *warnings)
+{
+    CheckDescription check{ value(path, section, "Caption"), value(path, section, "Field") };
+    if (check.field.isEmpty())
+        warnings->append(
+            QStringLiteral("[%1] names no Field; the check box is left out").arg(section));
+    else
+        form.checks.append(check);
+}
+
+} // namespace
+
+Result<FormDescription> loadFormDescription(const QString &path, QStringList *warnings)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return Status(Status::Code::NotFound,
+                      QStringLiteral("cannot read the form description %1").arg(path));
+    const QByteArray text = file.read(kMaxDescriptionSize);
+    if (text.contains('\0'))
+        return Status(Status::Code::Corrupt, QStringLiteral("%1 is not a settings file").arg(path));
+    const Sections sections = scanKeys(text);
+    if (!checkKnownKeys(sections, warnings))
+        return Status(Status::Code::Corrupt, QStringLiteral("%1 has no [FORM] section").arg(path));
+
+    FormDescription form;
+    if (Status s = readFormSection(path, form, warnings); !s.isOk())
+        return s;
+    // Rows, pairs and check boxes appear in the order of their sections in the file.
     for (const auto &[section, keys] : sections) {
         const QString upper = section.toUpper();
-        if (upper.startsWith(QLatin1String("ROW"))) {
-            RowDescription row{ value(path, section, "Caption"), value(path, section, "Field"),
-                                value(path, section, "Format"), value(path, section, "Mode") };
-            bool ok = true;
-            const QString max = value(path, section, "MaxLength");
-            row.maxLength = max.isEmpty() ? 0 : max.toInt(&ok);
-            if (!ok || row.maxLength < 0) {
-                warnings->append(
-                    QStringLiteral(
-                        "MaxLength \"%1\" in [%2] is not a length; the field's size is used")
-                        .arg(max, section));
-                row.maxLength = 0;
-            }
-            const QString width = value(path, section, "LabelWidth");
-            ok = true;
-            row.labelWidth = width.isEmpty() ? 0 : width.toInt(&ok);
-            if (!ok || row.labelWidth < 0) {
-                warnings->append(QStringLiteral("LabelWidth \"%1\" in [%2] is not a width in twips")
-                                     .arg(width, section));
-                row.labelWidth = 0;
-            }
-            if (row.field.isEmpty())
-                warnings->append(
-                    QStringLiteral("[%1] names no Field; the row is left out").arg(section));
-            else
-                form.rows.append(row);
-        } else if (upper.startsWith(QLatin1String("PAIR"))) {
-            PairDescription pair{ value(path, section, "Caption"),
-                                  value(path, section, "Field"),
-                                  {} };
-            for (const QString &detail :
-                 value(path, section, "Details").split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-                const qsizetype colon = detail.indexOf(QLatin1Char(':'));
-                if (colon < 1 || getLenTrim(detail.mid(colon + 1)) < 1)
-                    warnings->append(
-                        QStringLiteral("Detail \"%1\" in [%2] ignored: write it as Caption:FIELD")
-                            .arg(detail.trimmed(), section));
-                else
-                    pair.details.append(
-                        { detail.left(colon).trimmed(), detail.mid(colon + 1).trimmed() });
-            }
-            if (pair.field.isEmpty())
-                warnings->append(
-                    QStringLiteral("[%1] names no Field; the pair is left out").arg(section));
-            else
-                form.pairs.append(pair);
-        } else if (upper.startsWith(QLatin1String("CHECK"))) {
-            CheckDescription check{ value(path, section, "Caption"),
-                                    value(path, section, "Field") };
-            if (check.field.isEmpty())
-                warnings->append(
-                    QStringLiteral("[%1] names no Field; the check box is left out").arg(section));
-            else
-                form.checks.append(check);
-        }
+        if (upper.startsWith(QLatin1String("ROW")))
+            readRow(path, section, form, warnings);
+        else if (upper.startsWith(QLatin1String("PAIR")))
+            readPair(path, section, form, warnings);
+        else if (upper.startsWith(QLatin1String("CHECK")))
+            readCheck(path, section, form, warnings);
     }
     return form;
 }

@@ -38,6 +38,140 @@ namespace {
 const QString kNoFilter = QStringLiteral(" [None]");
 constexpr int kRecentFiles = 6;
 
+bool hasField(const QList<FieldInfo> &fields, const QString &name)
+{
+    for (const FieldInfo &f : fields)
+        if (f.name.compare(name.trimmed(), Qt::CaseInsensitive) == 0)
+            return true;
+    return false;
+}
+
+// The rows, check boxes or pairs whose field the table has; the others were reported by
+// checkFieldNames() and are left out of the form.
+template<typename Description>
+QList<Description> withKnownField(const QList<Description> &items, const QList<FieldInfo> &fields)
+{
+    QList<Description> known;
+    for (const Description &item : items)
+        if (hasField(fields, item.field))
+            known << item;
+    return known;
+}
+
+// `form` as it will be shown. A form with no rows of its own shows every field of the
+// table, keeping the table, ID field, sorts and required fields it names.
+FormDescription completedForm(FormDescription form, const QList<FieldInfo> &fields)
+{
+    if (form.rows.isEmpty() && form.checks.isEmpty()) {
+        FormDescription generated =
+            describeTable(fields, form.desc.isEmpty() ? form.table : form.desc);
+        generated.file = form.file;
+        generated.database = form.database;
+        generated.table = form.table;
+        if (!form.idField.isEmpty())
+            generated.idField = form.idField;
+        if (!form.sorts.isEmpty())
+            generated.sorts = form.sorts;
+        generated.required = form.required;
+        form = generated;
+    }
+    if (form.desc.isEmpty())
+        form.desc = form.table;
+    return form;
+}
+
+mvName *makeTextRows(const QList<RowDescription> &shownRows, const QList<FieldInfo> &fields)
+{
+    auto *rows = new mvName;
+    rows->setObjectName(QStringLiteral("mvNameFields"));
+    rows->setNUbound(qint16(qMax<qsizetype>(0, shownRows.size() - 1)));
+    rows->setDescWidthAll(1500);
+    for (qsizetype i = 0; i < shownRows.size(); ++i) {
+        const RowDescription &r = shownRows[i];
+        const qint16 n = qint16(i);
+        rows->setSCaption(n, r.caption);
+        rows->setSFieldName(n, r.field);
+        rows->setSFormat(n, r.format);
+        rows->setSMode(n, r.mode);
+        if (r.maxLength > 0)
+            rows->setMaxLength(n, r.maxLength);
+        if (r.labelWidth > 0)
+            rows->setDescWidth(n, r.labelWidth);
+    }
+    // A memo in the last row gets room for a few lines (rows above keep their places).
+    if (!shownRows.isEmpty()) {
+        const qint16 last = qint16(shownRows.size() - 1);
+        for (const FieldInfo &f : fields)
+            if (f.type == FieldType::Memo
+                && f.name.compare(shownRows.last().field, Qt::CaseInsensitive) == 0) {
+                rows->setIHeight(last, 1300);
+                rows->setNUbound(last); // the stack takes the new height
+            }
+    }
+    return rows;
+}
+
+mvChecks *makeCheckBoxes(const QList<CheckDescription> &shownChecks)
+{
+    auto *checks = new mvChecks;
+    checks->setObjectName(QStringLiteral("mvChecksFlags"));
+    checks->setNUbound(qint16(qMax<qsizetype>(0, shownChecks.size() - 1)));
+    for (qsizetype i = 0; i < shownChecks.size(); ++i) {
+        checks->setSCaption(qint16(i), shownChecks[i].caption);
+        checks->setSFieldName(qint16(i), shownChecks[i].field);
+    }
+    checks->setVisible(!shownChecks.isEmpty());
+    return checks;
+}
+
+// A flag with the text rows that belong to it, one unit; `number` counts from 1.
+mvChkWithTxt *makePair(const PairDescription &p, qsizetype number, const QList<FieldInfo> &fields)
+{
+    auto *pair = new mvChkWithTxt;
+    pair->setObjectName(QStringLiteral("mvChkWithTxt%1").arg(number));
+    pair->setSCaptionChk(p.caption);
+    pair->setSFieldNameChk(p.field);
+    QList<QPair<QString, QString>> details;
+    for (const auto &detail : p.details)
+        if (hasField(fields, detail.second))
+            details << detail;
+    pair->setNUbound(qint16(qMax<qsizetype>(0, details.size() - 1)));
+    for (qsizetype i = 0; i < details.size(); ++i) {
+        pair->setSCaptionTxt(qint16(i), details[i].first);
+        pair->setSFieldNameTxt(qint16(i), details[i].second);
+    }
+    pair->setLocked(true);
+    return pair;
+}
+
+// The navigator on top; below it the text rows, and beside them the check boxes and the
+// pairs, all in one scroll area.
+QWidget *formLayout(mvPLXRecs *nav, mvName *rows, mvChecks *checks,
+                    const QList<mvChkWithTxt *> &pairs)
+{
+    auto *central = new QWidget;
+    auto *layout = new QVBoxLayout(central);
+    layout->setContentsMargins(8, 8, 8, 4);
+    layout->addWidget(nav);
+    auto *scroll = new QScrollArea;
+    scroll->setObjectName(QStringLiteral("scrFields"));
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    auto *stacks = new QWidget;
+    auto *side = new QHBoxLayout(stacks);
+    side->setContentsMargins(0, 6, 0, 0);
+    side->addWidget(rows, 3, Qt::AlignTop);
+    auto *flags = new QVBoxLayout;
+    flags->addWidget(checks);
+    for (mvChkWithTxt *pair : pairs)
+        flags->addWidget(pair);
+    flags->addStretch(1);
+    side->addLayout(flags, 2);
+    scroll->setWidget(stacks);
+    layout->addWidget(scroll, 1);
+    return central;
+}
+
 } // namespace
 
 QString systemUserName()
@@ -194,188 +328,56 @@ void HostForm::mirrorToolbar()
     }
 }
 
-bool HostForm::openForm(const FormDescription &wanted, QStringList *warnings, QString *error)
+bool HostForm::openTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
+                         QString *error)
 {
-    FormDescription form = wanted;
-    auto nav = std::make_unique<mvPLXRecs>();
-    nav->setServices(m_services);
-    std::shared_ptr<Database> db;
-    QList<FieldInfo> fields;
     if (form.isFoxPro()) {
         if (!QFileInfo::exists(form.file)) {
             *error = tr("The table file %1 does not exist.").arg(form.file);
             return false;
         }
-        nav->setSDBFPathFileName(form.file);
-        if (!nav->rs()) {
+        nav.setSDBFPathFileName(form.file);
+        if (!nav.rs()) {
             *error = tr("The table %1 could not be opened (see the activity log).").arg(form.file);
             return false;
         }
-        db = nav->database();
-        form.table = nav->tableName();
-    } else {
-        Result<std::unique_ptr<Database>> opened =
-            OpenDatabase(form.database, false, false, QString());
-        if (!opened.isOk()) {
-            *error = opened.status().message();
-            return false;
-        }
-        db = std::move(opened.value());
-        Result<std::unique_ptr<RecordSource>> rs =
-            db->OpenRecordset(QStringLiteral("SELECT * from ") + form.table);
-        if (!rs.isOk()) {
-            *error = rs.status().message();
-            return false;
-        }
-        nav->setDatabase(db, form.table, form.database);
-        nav->setRs(std::shared_ptr<RecordSource>(std::move(rs.value())));
+        db = nav.database();
+        form.table = nav.tableName();
+        return true;
     }
-    fields = nav->rs()->fieldInfos();
-    // A form with no rows of its own shows every field of the table.
-    if (form.rows.isEmpty() && form.checks.isEmpty()) {
-        FormDescription generated =
-            describeTable(fields, form.desc.isEmpty() ? form.table : form.desc);
-        generated.file = form.file;
-        generated.database = form.database;
-        generated.table = form.table;
-        if (!form.idField.isEmpty())
-            generated.idField = form.idField;
-        if (!form.sorts.isEmpty())
-            generated.sorts = form.sorts;
-        generated.required = form.required;
-        form = generated;
-    }
-    if (form.desc.isEmpty())
-        form.desc = form.table;
-    const QStringList wrongNames = checkFieldNames(form, fields);
-    *warnings += wrongNames;
-    auto known = [&fields](const QString &name) {
-        for (const FieldInfo &f : fields)
-            if (f.name.compare(name.trimmed(), Qt::CaseInsensitive) == 0)
-                return true;
+    Result<std::unique_ptr<Database>> opened = OpenDatabase(form.database, false, false, QString());
+    if (!opened.isOk()) {
+        *error = opened.status().message();
         return false;
-    };
+    }
+    db = std::move(opened.value());
+    Result<std::unique_ptr<RecordSource>> rs =
+        db->OpenRecordset(QStringLiteral("SELECT * from ") + form.table);
+    if (!rs.isOk()) {
+        *error = rs.status().message();
+        return false;
+    }
+    nav.setDatabase(db, form.table, form.database);
+    nav.setRs(std::shared_ptr<RecordSource>(std::move(rs.value())));
+    return true;
+}
 
-    nav->setSIDfield(form.idField);
-    nav->setSDescfield(form.descField);
-    nav->setSDesc(form.desc);
-    nav->setSUser(systemUserName());
-    nav->setSUserINIFile(userSettings());
-    nav->setSParentID(form.parentID);
-    nav->setFParent(this);
-    nav->setMyLevel(1);
+void HostForm::configureNavigator(mvPLXRecs &nav, const FormDescription &form)
+{
+    nav.setSIDfield(form.idField);
+    nav.setSDescfield(form.descField);
+    nav.setSDesc(form.desc);
+    nav.setSUser(systemUserName());
+    nav.setSUserINIFile(userSettings());
+    nav.setSParentID(form.parentID);
+    nav.setFParent(this);
+    nav.setMyLevel(1);
     for (const auto &[name, list] : form.sorts)
-        nav->AddSort(name, list);
+        nav.AddSort(name, list);
+}
 
-    auto *rows = new mvName;
-    rows->setObjectName(QStringLiteral("mvNameFields"));
-    QList<RowDescription> shownRows;
-    for (const RowDescription &r : form.rows)
-        if (known(r.field))
-            shownRows << r;
-    rows->setNUbound(qint16(qMax<qsizetype>(0, shownRows.size() - 1)));
-    rows->setDescWidthAll(1500);
-    for (qsizetype i = 0; i < shownRows.size(); ++i) {
-        const RowDescription &r = shownRows[i];
-        const qint16 n = qint16(i);
-        rows->setSCaption(n, r.caption);
-        rows->setSFieldName(n, r.field);
-        rows->setSFormat(n, r.format);
-        rows->setSMode(n, r.mode);
-        if (r.maxLength > 0)
-            rows->setMaxLength(n, r.maxLength);
-        if (r.labelWidth > 0)
-            rows->setDescWidth(n, r.labelWidth);
-    }
-    // A memo in the last row gets room for a few lines (rows above keep their places).
-    if (!shownRows.isEmpty()) {
-        const qint16 last = qint16(shownRows.size() - 1);
-        for (const FieldInfo &f : fields)
-            if (f.type == FieldType::Memo
-                && f.name.compare(shownRows.last().field, Qt::CaseInsensitive) == 0) {
-                rows->setIHeight(last, 1300);
-                rows->setNUbound(last); // the stack takes the new height
-            }
-    }
-    auto *checks = new mvChecks;
-    checks->setObjectName(QStringLiteral("mvChecksFlags"));
-    QList<CheckDescription> shownChecks;
-    for (const CheckDescription &c : form.checks)
-        if (known(c.field))
-            shownChecks << c;
-    checks->setNUbound(qint16(qMax<qsizetype>(0, shownChecks.size() - 1)));
-    for (qsizetype i = 0; i < shownChecks.size(); ++i) {
-        checks->setSCaption(qint16(i), shownChecks[i].caption);
-        checks->setSFieldName(qint16(i), shownChecks[i].field);
-    }
-    checks->setVisible(!shownChecks.isEmpty());
-    // Flags with the text rows that belong to them, each one unit.
-    QList<mvChkWithTxt *> pairs;
-    for (const PairDescription &p : form.pairs) {
-        if (!known(p.field))
-            continue;
-        auto *pair = new mvChkWithTxt;
-        pair->setObjectName(QStringLiteral("mvChkWithTxt%1").arg(pairs.size() + 1));
-        pair->setSCaptionChk(p.caption);
-        pair->setSFieldNameChk(p.field);
-        QList<QPair<QString, QString>> details;
-        for (const auto &detail : p.details)
-            if (known(detail.second))
-                details << detail;
-        pair->setNUbound(qint16(qMax<qsizetype>(0, details.size() - 1)));
-        for (qsizetype i = 0; i < details.size(); ++i) {
-            pair->setSCaptionTxt(qint16(i), details[i].first);
-            pair->setSFieldNameTxt(qint16(i), details[i].second);
-        }
-        pair->setLocked(true);
-        pairs << pair;
-    }
-    QList<BoundControl *> bound{ rows };
-    if (!shownChecks.isEmpty())
-        bound << checks;
-    for (mvChkWithTxt *pair : pairs)
-        bound << pair;
-    nav->setCMervaneControls(bound);
-    rows->setLocked(true);
-    checks->setLocked(true);
-
-    const QString problems = nav->InitControl();
-    if (!problems.isEmpty())
-        *warnings += problems.split(QStringLiteral("\r\n"));
-    nav->InitFilters();
-
-    // The new form replaces the old one only now that it works.
-    auto *central = new QWidget;
-    auto *layout = new QVBoxLayout(central);
-    layout->setContentsMargins(8, 8, 8, 4);
-    layout->addWidget(nav.get());
-    auto *scroll = new QScrollArea;
-    scroll->setObjectName(QStringLiteral("scrFields"));
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setWidgetResizable(true);
-    auto *stacks = new QWidget;
-    auto *side = new QHBoxLayout(stacks);
-    side->setContentsMargins(0, 6, 0, 0);
-    side->addWidget(rows, 3, Qt::AlignTop);
-    auto *flags = new QVBoxLayout;
-    flags->addWidget(checks);
-    for (mvChkWithTxt *pair : pairs)
-        flags->addWidget(pair);
-    flags->addStretch(1);
-    side->addLayout(flags, 2);
-    scroll->setWidget(stacks);
-    layout->addWidget(scroll, 1);
-    setCentralWidget(central);
-
-    m_form = form;
-    m_db = db;
-    m_nav = nav.release();
-    m_rows = rows;
-    m_checks = checks;
-    m_pairs.clear();
-    for (mvChkWithTxt *pair : pairs)
-        m_pairs << pair;
-    m_editing = false;
+void HostForm::connectNavigator()
+{
     connect(m_nav, &mvPLXRecs::IDChange, this, [this] {
         showRecord();
         updateStatus();
@@ -393,17 +395,64 @@ bool HostForm::openForm(const FormDescription &wanted, QStringList *warnings, QS
     connect(m_nav, &mvPLXRecs::FilterChange, this, &HostForm::filterChosen);
     connect(m_nav, &mvPLXRecs::FilterEdit, this, &HostForm::editFilters);
     mirrorToolbar();
+}
+
+bool HostForm::openForm(const FormDescription &form, QStringList *warnings, QString *error)
+{
+    FormDescription shown = form;
+    auto nav = std::make_unique<mvPLXRecs>();
+    nav->setServices(m_services);
+    std::shared_ptr<Database> db;
+    if (!openTable(shown, *nav, db, error))
+        return false;
+    const QList<FieldInfo> fields = nav->rs()->fieldInfos();
+    shown = completedForm(std::move(shown), fields);
+    *warnings += checkFieldNames(shown, fields);
+    configureNavigator(*nav, shown);
+
+    mvName *rows = makeTextRows(withKnownField(shown.rows, fields), fields);
+    const QList<CheckDescription> shownChecks = withKnownField(shown.checks, fields);
+    mvChecks *checks = makeCheckBoxes(shownChecks);
+    QList<mvChkWithTxt *> pairs;
+    for (const PairDescription &p : withKnownField(shown.pairs, fields))
+        pairs << makePair(p, pairs.size() + 1, fields);
+    QList<BoundControl *> bound{ rows };
+    if (!shownChecks.isEmpty())
+        bound << checks;
+    for (mvChkWithTxt *pair : pairs)
+        bound << pair;
+    nav->setCMervaneControls(bound);
+    rows->setLocked(true);
+    checks->setLocked(true);
+
+    const QString problems = nav->InitControl();
+    if (!problems.isEmpty())
+        *warnings += problems.split(QStringLiteral("\r\n"));
+    nav->InitFilters();
+
+    // The new form replaces the old one only now that it works.
+    setCentralWidget(formLayout(nav.get(), rows, checks, pairs));
+    m_form = shown;
+    m_db = db;
+    m_nav = nav.release();
+    m_rows = rows;
+    m_checks = checks;
+    m_pairs.clear();
+    for (mvChkWithTxt *pair : pairs)
+        m_pairs << pair;
+    m_editing = false;
+    connectNavigator();
     m_nav->setBRecDisplay(true);
     // Open on the first record of the chosen order.
     if (auto *bar = m_nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"));
         bar && m_nav->rs()->RecordCount() > 0)
         bar->setValue(0);
     showRecord();
-    setWindowTitle(form.desc + QStringLiteral(" - plxform"));
+    setWindowTitle(shown.desc + QStringLiteral(" - plxform"));
     // Each form comes back where the user left it, and always reachable on the monitors
     // there are now.
     restoreFormPlacement(this, m_form.desc, userSettings());
-    rememberRecent(form.isFoxPro() ? form.file : form.database);
+    rememberRecent(shown.isFoxPro() ? shown.file : shown.database);
     updateStatus();
     return true;
 }

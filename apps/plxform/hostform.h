@@ -62,6 +62,12 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    // openForm() in steps: the table (false with `error` when it cannot be opened), the
+    // navigator's settings from the form, and the navigator's events.
+    bool openTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
+                   QString *error);
+    void configureNavigator(mvPLXRecs &nav, const FormDescription &form);
+    void connectNavigator();
     void buildMenus();
     void mirrorToolbar();
     void updateStatus();

@@ -29,8 +29,22 @@
 
 namespace {
 
-using namespace plx;
-using namespace plx::form;
+using plx::Database;
+using plx::fromDiskPath;
+using plx::getWorkDir;
+using plx::OpenDatabase;
+using plx::prompterOf;
+using plx::Result;
+using plx::Services;
+using plx::Status;
+using plx::form::ensureSample;
+using plx::form::FormDescription;
+using plx::form::HostForm;
+using plx::form::loadFormDescription;
+using plx::form::runScript;
+using plx::form::SamplePaths;
+using plx::form::saveFormDescription;
+using plx::form::ScriptPrompter;
 
 void say(const QString &line)
 {
@@ -117,21 +131,19 @@ Result<FormDescription> describeRequest(const QCommandLineParser &args, QStringL
     return describePath(target, warnings);
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+// The offscreen platform (no display) notes every window feature it lacks; those notes are
+// no news to a user of --screenshot or --script.
+void quietOffscreenNotes()
 {
-    // The offscreen platform (no display) notes every window feature it lacks; those notes
-    // are no news to a user of --screenshot or --script.
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &message) {
         if (type != QtDebugMsg
             && !message.startsWith(QLatin1String("This plugin does not support")))
             std::fprintf(stderr, "%s\n", qPrintable(message));
     });
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("plxform"));
-    QApplication::setApplicationVersion(QStringLiteral(PLX_VERSION));
-    QCommandLineParser args;
+}
+
+void defineOptions(QCommandLineParser &args)
+{
     args.setApplicationDescription(
         QStringLiteral("A data-entry form for a FoxPro table file or a SQLite table."));
     args.addHelpOption();
@@ -154,6 +166,95 @@ int main(int argc, char **argv)
     args.addOption({ QStringLiteral("screenshot"),
                      QStringLiteral("Draw the form into a PNG file and exit."),
                      QStringLiteral("FILE.png") });
+}
+
+// --save-form: the exit code.
+int saveForm(const HostForm &form, const QString &path)
+{
+    if (Status s = saveFormDescription(form.form(), path); !s.isOk()) {
+        say(s.message());
+        return 1;
+    }
+    std::printf("%s\n", qPrintable(path));
+    return 0;
+}
+
+// --script: shows the form and runs the file's commands on it; false when the file cannot
+// be read or a command fails (both told on stderr).
+bool runScriptFile(HostForm &form, const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        say(QStringLiteral("cannot read %1").arg(file.fileName()));
+        return false;
+    }
+    QString scriptError;
+    form.show();
+    if (!runScript(form, QString::fromUtf8(file.readAll()).split(QLatin1Char('\n')),
+                   &scriptError)) {
+        say(scriptError);
+        return false;
+    }
+    return true;
+}
+
+// --screenshot: draws the form once its layout has settled; the exit code.
+int saveScreenshot(HostForm &form, const QString &path)
+{
+    form.show();
+    for (int i = 0; i < 5; ++i)
+        QApplication::processEvents();
+    if (!form.grab().save(path)) {
+        say(QStringLiteral("cannot write %1").arg(path));
+        return 1;
+    }
+    std::printf("%s\n", qPrintable(QFileInfo(path).absoluteFilePath()));
+    return 0;
+}
+
+// The problems the form opened with, in one box once the window is up.
+void showWarningsWhenShown(HostForm &form, const QStringList &warnings)
+{
+    QTimer::singleShot(0, &form, [warnings] {
+        prompterOf(nullptr).msgBox(warnings.join(QStringLiteral("\r\n")),
+                                   plx::MsgStyle::Information, QStringLiteral("plxform"));
+    });
+}
+
+// The File menu's Open and Save Form: another table or form replaces this one, and what
+// goes wrong is told in a box.
+void connectFileMenu(HostForm &form)
+{
+    QObject::connect(&form, &HostForm::openRequested, &form, [&form](const QString &path) {
+        QStringList problems;
+        Result<FormDescription> next = describePath(path, &problems);
+        QString why;
+        if (!next.isOk())
+            why = next.status().message();
+        else if (!form.openForm(next.value(), &problems, &why))
+            problems.prepend(why);
+        if (!why.isEmpty() || !problems.isEmpty())
+            prompterOf(nullptr).msgBox((why.isEmpty() ? problems : QStringList(why) + problems)
+                                           .join(QStringLiteral("\r\n")),
+                                       plx::MsgStyle::Information, QStringLiteral("plxform"));
+    });
+    QObject::connect(&form, &HostForm::saveFormRequested, &form, [&form](const QString &path) {
+        if (Status s = saveFormDescription(form.form(), path); !s.isOk())
+            prompterOf(nullptr).msgBox(s.message(), plx::MsgStyle::Critical,
+                                       QStringLiteral("plxform"));
+    });
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    quietOffscreenNotes();
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("plxform"));
+    QApplication::setApplicationVersion(QStringLiteral(PLX_VERSION));
+    QCommandLineParser args;
+    defineOptions(args);
     args.process(app);
 
     if (args.isSet(QStringLiteral("dark")))
@@ -181,67 +282,20 @@ int main(int argc, char **argv)
     }
     for (const QString &w : warnings)
         say(w);
-    if (args.isSet(QStringLiteral("save-form"))) {
-        const QString path = args.value(QStringLiteral("save-form"));
-        if (Status s = saveFormDescription(form.form(), path); !s.isOk()) {
-            say(s.message());
-            return 1;
-        }
-        std::printf("%s\n", qPrintable(path));
-        return 0;
-    }
+    if (args.isSet(QStringLiteral("save-form")))
+        return saveForm(form, args.value(QStringLiteral("save-form")));
     if (scripting) {
-        QFile file(args.value(QStringLiteral("script")));
-        if (!file.open(QIODevice::ReadOnly)) {
-            say(QStringLiteral("cannot read %1").arg(file.fileName()));
+        if (!runScriptFile(form, args.value(QStringLiteral("script"))))
             return 1;
-        }
-        QString scriptError;
-        form.show();
-        if (!runScript(form, QString::fromUtf8(file.readAll()).split(QLatin1Char('\n')),
-                       &scriptError)) {
-            say(scriptError);
-            return 1;
-        }
         // With --screenshot too, the form is drawn as the script left it.
         if (!args.isSet(QStringLiteral("screenshot")))
             return 0;
     }
-    if (args.isSet(QStringLiteral("screenshot"))) {
-        const QString path = args.value(QStringLiteral("screenshot"));
-        form.show();
-        for (int i = 0; i < 5; ++i)
-            QApplication::processEvents();
-        if (!form.grab().save(path)) {
-            say(QStringLiteral("cannot write %1").arg(path));
-            return 1;
-        }
-        std::printf("%s\n", qPrintable(QFileInfo(path).absoluteFilePath()));
-        return 0;
-    }
+    if (args.isSet(QStringLiteral("screenshot")))
+        return saveScreenshot(form, args.value(QStringLiteral("screenshot")));
     if (!warnings.isEmpty())
-        QTimer::singleShot(0, &form, [&form, warnings] {
-            prompterOf(nullptr).msgBox(warnings.join(QStringLiteral("\r\n")), MsgStyle::Information,
-                                       QStringLiteral("plxform"));
-            Q_UNUSED(form);
-        });
-    QObject::connect(&form, &HostForm::openRequested, &form, [&form](const QString &path) {
-        QStringList problems;
-        Result<FormDescription> next = describePath(path, &problems);
-        QString why;
-        if (!next.isOk())
-            why = next.status().message();
-        else if (!form.openForm(next.value(), &problems, &why))
-            problems.prepend(why);
-        if (!why.isEmpty() || !problems.isEmpty())
-            prompterOf(nullptr).msgBox((why.isEmpty() ? problems : QStringList(why) + problems)
-                                           .join(QStringLiteral("\r\n")),
-                                       MsgStyle::Information, QStringLiteral("plxform"));
-    });
-    QObject::connect(&form, &HostForm::saveFormRequested, &form, [&form](const QString &path) {
-        if (Status s = saveFormDescription(form.form(), path); !s.isOk())
-            prompterOf(nullptr).msgBox(s.message(), MsgStyle::Critical, QStringLiteral("plxform"));
-    });
+        showWarningsWhenShown(form, warnings);
+    connectFileMenu(form);
     form.show();
     return app.exec();
 }

@@ -46,6 +46,84 @@ int bitsFor(quint32 maxValue)
     return maxValue == 0 ? 0 : int(std::bit_width(maxValue));
 }
 
+// The ranks of `expr`'s Jet values over the records `recnos`, in keyset order: equal values
+// share a rank, Null ranks first.
+Result<std::vector<quint32>> valueRanks(const jet::Node &expr, RecordRow &row,
+                                        const std::vector<quint32> &recnos)
+{
+    const size_t n = recnos.size();
+    std::vector<QVariant> values(n);
+    for (size_t i = 0; i < n; ++i) {
+        row.setRecord(recnos[i]);
+        Result<QVariant> v = jet::evaluate(expr, &row, TextCompare::Binary);
+        if (!v.isOk())
+            return v.status();
+        values[i] = v.value();
+    }
+    auto valueLess = [&values](quint32 a, quint32 b) {
+        const QVariant &x = values[a], &y = values[b];
+        if (jet::isNull(x) || jet::isNull(y))
+            return jet::isNull(x) && !jet::isNull(y); // Null first
+        Result<int> c = jet::compareValues(x, y, TextCompare::Binary, 0);
+        return c.isOk() && c.value() < 0;
+    };
+    std::vector<quint32> byValue(n);
+    std::iota(byValue.begin(), byValue.end(), quint32(0));
+    std::stable_sort(byValue.begin(), byValue.end(), valueLess);
+    std::vector<quint32> ranks(n);
+    quint32 r = 0;
+    for (size_t i = 0; i < n; ++i) {
+        if (i > 0 && valueLess(byValue[i - 1], byValue[i]))
+            ++r;
+        ranks[byValue[i]] = r;
+    }
+    return ranks;
+}
+
+// The two ways FoxProRecordSource::sort() orders its keyset. They take the key list as
+// `auto` because its element type, KeyRanks, is private to the record source.
+
+// One 64-bit integer per record: the ranks, first key highest, above the record's index in
+// the keyset. A stable radix sort on the rank bits then leaves ties in record order.
+void sortByPackedRanks(const auto &keys, int rankBits, std::vector<quint32> &recnos)
+{
+    const size_t n = recnos.size();
+    const int indexBits = bitsFor(quint32(n - 1));
+    std::vector<quint64> packed(n);
+    for (size_t i = 0; i < n; ++i) {
+        quint64 v = 0;
+        for (const auto &k : keys)
+            v = (v << bitsFor(k.top)) | k.rank(recnos, i);
+        packed[i] = (v << indexBits) | i;
+    }
+    radixSort(packed, indexBits, rankBits);
+    const quint64 indexMask = (quint64(1) << indexBits) - 1;
+    std::vector<quint32> sorted(n);
+    for (size_t i = 0; i < n; ++i)
+        sorted[i] = recnos[size_t(packed[i] & indexMask)];
+    recnos = std::move(sorted);
+}
+
+// Several keys with many distinct values each, too wide to pack: compare rank by rank.
+void sortByComparingRanks(const auto &keys, std::vector<quint32> &recnos)
+{
+    const size_t n = recnos.size();
+    std::vector<quint32> byIndex(n);
+    std::iota(byIndex.begin(), byIndex.end(), quint32(0));
+    std::sort(byIndex.begin(), byIndex.end(), [&](quint32 a, quint32 b) {
+        for (const auto &k : keys) {
+            const quint32 x = k.rank(recnos, a), y = k.rank(recnos, b);
+            if (x != y)
+                return x < y;
+        }
+        return a < b;
+    });
+    std::vector<quint32> sorted(n);
+    for (size_t i = 0; i < n; ++i)
+        sorted[i] = recnos[byIndex[i]];
+    recnos = std::move(sorted);
+}
+
 } // namespace
 
 // Sorts the keys. Character, date and logical fields compare by their stored bytes (blank
@@ -57,41 +135,19 @@ Status FoxProRecordSource::sort(const std::vector<jet::OrderItem> &order,
 {
     if (order.empty() || m_keys.size() < 2)
         return Status::ok();
-    const DbfTable &table = *m_table;
     const size_t n = m_keys.size();
     std::vector<KeyRanks> keys;
-    RecordRow row(table);
+    RecordRow row(*m_table);
     for (size_t k = 0; k < order.size(); ++k) {
         const jet::OrderItem &item = order[k];
         KeyRanks key;
         if (byteKeys[k]) {
             key = std::move(*byteKeys[k]);
         } else {
-            std::vector<QVariant> values(n);
-            for (size_t i = 0; i < n; ++i) {
-                row.setRecord(m_keys[i]);
-                Result<QVariant> v = jet::evaluate(*item.expr, &row, TextCompare::Binary);
-                if (!v.isOk())
-                    return v.status();
-                values[i] = v.value();
-            }
-            auto valueLess = [&values](quint32 a, quint32 b) {
-                const QVariant &x = values[a], &y = values[b];
-                if (jet::isNull(x) || jet::isNull(y))
-                    return jet::isNull(x) && !jet::isNull(y); // Null first
-                Result<int> c = jet::compareValues(x, y, TextCompare::Binary, 0);
-                return c.isOk() && c.value() < 0;
-            };
-            std::vector<quint32> byValue(n);
-            std::iota(byValue.begin(), byValue.end(), quint32(0));
-            std::stable_sort(byValue.begin(), byValue.end(), valueLess);
-            key.own.resize(n);
-            quint32 r = 0;
-            for (size_t i = 0; i < n; ++i) {
-                if (i > 0 && valueLess(byValue[i - 1], byValue[i]))
-                    ++r;
-                key.own[byValue[i]] = r;
-            }
+            Result<std::vector<quint32>> ranks = valueRanks(*item.expr, row, m_keys);
+            if (!ranks.isOk())
+                return ranks.status();
+            key.own = std::move(ranks).value();
         }
         key.descending = item.descending;
         quint32 top = 0;
@@ -101,43 +157,13 @@ Status FoxProRecordSource::sort(const std::vector<jet::OrderItem> &order,
         keys.push_back(std::move(key));
     }
 
-    // One 64-bit integer per record: the ranks, first key highest, above the record's index
-    // in the keyset. A stable radix sort on the rank bits then leaves ties in record order.
-    const int indexBits = bitsFor(quint32(n - 1));
     int rankBits = 0;
     for (const KeyRanks &k : keys)
         rankBits += bitsFor(k.top);
-    if (rankBits + indexBits <= 64) {
-        std::vector<quint64> packed(n);
-        for (size_t i = 0; i < n; ++i) {
-            quint64 v = 0;
-            for (const KeyRanks &k : keys)
-                v = (v << bitsFor(k.top)) | k.rank(m_keys, i);
-            packed[i] = (v << indexBits) | i;
-        }
-        radixSort(packed, indexBits, rankBits);
-        const quint64 indexMask = (quint64(1) << indexBits) - 1;
-        std::vector<quint32> sorted(n);
-        for (size_t i = 0; i < n; ++i)
-            sorted[i] = m_keys[size_t(packed[i] & indexMask)];
-        m_keys = std::move(sorted);
-        return Status::ok();
-    }
-    // Several keys with many distinct values each: compare rank by rank.
-    std::vector<quint32> byIndex(n);
-    std::iota(byIndex.begin(), byIndex.end(), quint32(0));
-    std::sort(byIndex.begin(), byIndex.end(), [&](quint32 a, quint32 b) {
-        for (const KeyRanks &k : keys) {
-            const quint32 x = k.rank(m_keys, a), y = k.rank(m_keys, b);
-            if (x != y)
-                return x < y;
-        }
-        return a < b;
-    });
-    std::vector<quint32> sorted(n);
-    for (size_t i = 0; i < n; ++i)
-        sorted[i] = m_keys[byIndex[i]];
-    m_keys = std::move(sorted);
+    if (rankBits + bitsFor(quint32(n - 1)) <= 64)
+        sortByPackedRanks(keys, rankBits, m_keys);
+    else
+        sortByComparingRanks(keys, m_keys);
     return Status::ok();
 }
 

@@ -84,119 +84,177 @@ QDateTime parseJetDate(const QString &inside)
     return {};
 }
 
+namespace {
+
+// The token readers below start at the token's first character text[i], fill `tok` and,
+// once the token is complete, move `i` just past it. An error leaves `i` where it was.
+
+// '...' or "...": the delimiter doubled inside stands for itself.
+Status readTextLiteral(const QString &text, qsizetype &i, Token &tok)
+{
+    const QChar quote = text.at(i);
+    const qsizetype n = text.size();
+    QString value;
+    qsizetype j = i + 1;
+    bool closed = false;
+    while (j < n) {
+        if (text.at(j) == quote) {
+            if (j + 1 < n && text.at(j + 1) == quote) {
+                value += quote;
+                j += 2;
+                continue;
+            }
+            closed = true;
+            break;
+        }
+        value += text.at(j++);
+    }
+    if (!closed)
+        return syntaxError(QStringLiteral("unterminated text literal %1").arg(text.mid(i, 20)),
+                           tok.pos);
+    tok.kind = TokenKind::Text;
+    tok.text = value;
+    i = j + 1;
+    return Status::ok();
+}
+
+// [...] or `...`: a name whatever it holds, but never an empty one.
+Status readBracketName(const QString &text, qsizetype &i, Token &tok)
+{
+    const QChar close = text.at(i) == QLatin1Char('[') ? QLatin1Char(']') : QLatin1Char('`');
+    const qsizetype end = text.indexOf(close, i + 1);
+    if (end < 0)
+        return syntaxError(QStringLiteral("unclosed name %1").arg(text.mid(i, 20)), tok.pos);
+    tok.kind = TokenKind::BracketName;
+    tok.text = text.mid(i + 1, end - i - 1);
+    if (tok.text.trimmed().isEmpty())
+        return syntaxError(QStringLiteral("empty name %1").arg(text.mid(i, end - i + 1)), tok.pos);
+    i = end + 1;
+    return Status::ok();
+}
+
+// #...#: the token keeps the literal as written for messages, and the date it means.
+Status readDateLiteral(const QString &text, qsizetype &i, Token &tok)
+{
+    const qsizetype end = text.indexOf(QLatin1Char('#'), i + 1);
+    if (end < 0)
+        return syntaxError(QStringLiteral("unterminated date literal %1").arg(text.mid(i, 20)),
+                           tok.pos);
+    tok.kind = TokenKind::Date;
+    tok.text = text.mid(i, end - i + 1);
+    tok.date = parseJetDate(text.mid(i + 1, end - i - 1));
+    if (!tok.date.isValid())
+        return syntaxError(QStringLiteral("invalid date %1").arg(tok.text), tok.pos);
+    i = end + 1;
+    return Status::ok();
+}
+
+bool startsNumber(const QString &text, qsizetype i)
+{
+    const QChar c = text.at(i);
+    return c.isDigit()
+        || (c == QLatin1Char('.') && i + 1 < text.size() && text.at(i + 1).isDigit());
+}
+
+qsizetype skipDigits(const QString &text, qsizetype j)
+{
+    while (j < text.size() && text.at(j).isDigit())
+        ++j;
+    return j;
+}
+
+// digits [. digits] [e [+|-] digits]; an 'e' without digits after it is not part of the
+// number, and a number running into a letter is malformed (12abc).
+Status readNumber(const QString &text, qsizetype &i, Token &tok)
+{
+    const qsizetype n = text.size();
+    qsizetype j = skipDigits(text, i);
+    if (j < n && text.at(j) == QLatin1Char('.'))
+        j = skipDigits(text, j + 1);
+    if (j < n && (text.at(j) == QLatin1Char('e') || text.at(j) == QLatin1Char('E'))) {
+        qsizetype k = j + 1;
+        if (k < n && (text.at(k) == QLatin1Char('+') || text.at(k) == QLatin1Char('-')))
+            ++k;
+        if (k < n && text.at(k).isDigit())
+            j = skipDigits(text, k);
+    }
+    if (j < n && isNameStart(text.at(j)))
+        return syntaxError(QStringLiteral("malformed number %1").arg(text.mid(i, j - i + 1)),
+                           tok.pos);
+    tok.kind = TokenKind::Number;
+    tok.text = text.mid(i, j - i);
+    tok.number = tok.text.toDouble();
+    i = j;
+    return Status::ok();
+}
+
+void readName(const QString &text, qsizetype &i, Token &tok)
+{
+    qsizetype j = i + 1;
+    while (j < text.size() && isNamePart(text.at(j)))
+        ++j;
+    tok.kind = TokenKind::Name;
+    tok.text = text.mid(i, j - i);
+    i = j;
+}
+
+// The two-character operators first, so that <= is not read as < then =.
+Status readSymbol(const QString &text, qsizetype &i, Token &tok)
+{
+    static const QString twoChar[] = { QStringLiteral("<>"), QStringLiteral("<="),
+                                       QStringLiteral(">=") };
+    tok.kind = TokenKind::Symbol;
+    const QString pair = text.mid(i, 2);
+    for (const QString &s : twoChar) {
+        if (pair == s) {
+            tok.text = s;
+            i += 2;
+            return Status::ok();
+        }
+    }
+    const QChar c = text.at(i);
+    if (!QStringLiteral("&+-*/\\^=<>(),.!;").contains(c))
+        return syntaxError(QStringLiteral("unexpected character '%1'").arg(c), tok.pos);
+    tok.text = QString(c);
+    ++i;
+    return Status::ok();
+}
+
+// The first character decides the kind of token.
+Status readToken(const QString &text, qsizetype &i, Token &tok)
+{
+    const QChar c = text.at(i);
+    if (c == QLatin1Char('\'') || c == QLatin1Char('"'))
+        return readTextLiteral(text, i, tok);
+    if (c == QLatin1Char('[') || c == QLatin1Char('`'))
+        return readBracketName(text, i, tok);
+    if (c == QLatin1Char('#'))
+        return readDateLiteral(text, i, tok);
+    if (startsNumber(text, i))
+        return readNumber(text, i, tok);
+    if (isNameStart(c)) {
+        readName(text, i, tok);
+        return Status::ok();
+    }
+    return readSymbol(text, i, tok);
+}
+
+} // namespace
+
 Result<std::vector<Token>> tokenize(const QString &text)
 {
     std::vector<Token> tokens;
     const qsizetype n = text.size();
     qsizetype i = 0;
     while (i < n) {
-        const QChar c = text.at(i);
-        if (c.isSpace()) {
+        if (text.at(i).isSpace()) {
             ++i;
             continue;
         }
         Token tok;
         tok.pos = int(i) + 1;
-        if (c == QLatin1Char('\'') || c == QLatin1Char('"')) {
-            QString value;
-            qsizetype j = i + 1;
-            bool closed = false;
-            while (j < n) {
-                if (text.at(j) == c) {
-                    if (j + 1 < n && text.at(j + 1) == c) {
-                        value += c;
-                        j += 2;
-                        continue;
-                    }
-                    closed = true;
-                    break;
-                }
-                value += text.at(j++);
-            }
-            if (!closed)
-                return syntaxError(
-                    QStringLiteral("unterminated text literal %1").arg(text.mid(i, 20)), tok.pos);
-            tok.kind = TokenKind::Text;
-            tok.text = value;
-            i = j + 1;
-        } else if (c == QLatin1Char('[') || c == QLatin1Char('`')) {
-            const QChar close = c == QLatin1Char('[') ? QLatin1Char(']') : QLatin1Char('`');
-            const qsizetype end = text.indexOf(close, i + 1);
-            if (end < 0)
-                return syntaxError(QStringLiteral("unclosed name %1").arg(text.mid(i, 20)),
-                                   tok.pos);
-            tok.kind = TokenKind::BracketName;
-            tok.text = text.mid(i + 1, end - i - 1);
-            if (tok.text.trimmed().isEmpty())
-                return syntaxError(QStringLiteral("empty name %1").arg(text.mid(i, end - i + 1)),
-                                   tok.pos);
-            i = end + 1;
-        } else if (c == QLatin1Char('#')) {
-            const qsizetype end = text.indexOf(QLatin1Char('#'), i + 1);
-            if (end < 0)
-                return syntaxError(
-                    QStringLiteral("unterminated date literal %1").arg(text.mid(i, 20)), tok.pos);
-            tok.kind = TokenKind::Date;
-            tok.text = text.mid(i, end - i + 1);
-            tok.date = parseJetDate(text.mid(i + 1, end - i - 1));
-            if (!tok.date.isValid())
-                return syntaxError(QStringLiteral("invalid date %1").arg(tok.text), tok.pos);
-            i = end + 1;
-        } else if (c.isDigit()
-                   || (c == QLatin1Char('.') && i + 1 < n && text.at(i + 1).isDigit())) {
-            qsizetype j = i;
-            while (j < n && text.at(j).isDigit())
-                ++j;
-            if (j < n && text.at(j) == QLatin1Char('.')) {
-                ++j;
-                while (j < n && text.at(j).isDigit())
-                    ++j;
-            }
-            if (j < n && (text.at(j) == QLatin1Char('e') || text.at(j) == QLatin1Char('E'))) {
-                qsizetype k = j + 1;
-                if (k < n && (text.at(k) == QLatin1Char('+') || text.at(k) == QLatin1Char('-')))
-                    ++k;
-                if (k < n && text.at(k).isDigit()) {
-                    while (k < n && text.at(k).isDigit())
-                        ++k;
-                    j = k;
-                }
-            }
-            if (j < n && isNameStart(text.at(j)))
-                return syntaxError(
-                    QStringLiteral("malformed number %1").arg(text.mid(i, j - i + 1)), tok.pos);
-            tok.kind = TokenKind::Number;
-            tok.text = text.mid(i, j - i);
-            tok.number = tok.text.toDouble();
-            i = j;
-        } else if (isNameStart(c)) {
-            qsizetype j = i + 1;
-            while (j < n && isNamePart(text.at(j)))
-                ++j;
-            tok.kind = TokenKind::Name;
-            tok.text = text.mid(i, j - i);
-            i = j;
-        } else {
-            static const QString twoChar[] = { QStringLiteral("<>"), QStringLiteral("<="),
-                                               QStringLiteral(">=") };
-            tok.kind = TokenKind::Symbol;
-            const QString pair = text.mid(i, 2);
-            bool matched = false;
-            for (const QString &s : twoChar) {
-                if (pair == s) {
-                    tok.text = s;
-                    i += 2;
-                    matched = true;
-                    break;
-                }
-            }
-            if (!matched) {
-                if (!QStringLiteral("&+-*/\\^=<>(),.!;").contains(c))
-                    return syntaxError(QStringLiteral("unexpected character '%1'").arg(c), tok.pos);
-                tok.text = QString(c);
-                ++i;
-            }
-        }
+        if (Status s = readToken(text, i, tok); !s.isOk())
+            return s;
         tokens.push_back(std::move(tok));
     }
     Token end;

@@ -37,6 +37,48 @@ NodePtr makeBinary(Op op, NodePtr l, NodePtr r, int pos)
     return n;
 }
 
+// `operand` under one `op` node for each position of a run of prefix operators (Not Not x,
+// - - x); the last one read applies first, so it is the innermost.
+NodePtr wrapInPrefixRun(Op op, NodePtr operand, const std::vector<int> &positions)
+{
+    NodePtr node = std::move(operand);
+    for (size_t i = positions.size(); i-- > 0;) {
+        auto n = std::make_shared<Node>();
+        n->kind = NodeKind::Unary;
+        n->op = op;
+        n->pos = positions[i];
+        n->args = { std::move(node) };
+        setHeight(*n);
+        node = std::move(n);
+    }
+    return node;
+}
+
+// The operator of a comparison symbol (= <> < > <= >=); Op::None for any other token.
+Op comparisonOp(const Token &t)
+{
+    static const struct
+    {
+        const char *sym;
+        Op op;
+    } cmps[] = { { "=", Op::Eq }, { "<>", Op::Ne }, { "<", Op::Lt },
+                 { ">", Op::Gt }, { "<=", Op::Le }, { ">=", Op::Ge } };
+    for (const auto &c : cmps) {
+        if (t.isSymbol(QLatin1String(c.sym)))
+            return c.op;
+    }
+    return Op::None;
+}
+
+// Not Like, Not Between and Not In: a Not that negates the test after it rather than
+// starting an operand of its own.
+bool negatesNextTest(const Token &t, const Token &next)
+{
+    return t.isWord(QLatin1String("NOT"))
+        && (next.isWord(QLatin1String("LIKE")) || next.isWord(QLatin1String("BETWEEN"))
+            || next.isWord(QLatin1String("IN")));
+}
+
 } // namespace
 
 namespace detail {
@@ -106,16 +148,7 @@ Result<NodePtr> Parser::notLevel()
     Result<NodePtr> inner = comparison();
     if (!inner.isOk())
         return inner;
-    NodePtr node = inner.value();
-    for (auto pos = nots.rbegin(); pos != nots.rend(); ++pos) {
-        auto n = std::make_shared<Node>();
-        n->kind = NodeKind::Unary;
-        n->op = Op::Not;
-        n->pos = *pos;
-        n->args = { std::move(node) };
-        setHeight(*n);
-        node = std::move(n);
-    }
+    NodePtr node = wrapInPrefixRun(Op::Not, inner.value(), nots);
     if (node->height > kMaxExpressionDepth)
         return tooDeep(node->pos);
     return node;
@@ -130,35 +163,19 @@ Result<NodePtr> Parser::comparison()
     for (;;) {
         const Token &t = peek();
         const int pos = t.pos;
-        static const struct
-        {
-            const char *sym;
-            Op op;
-        } cmps[] = { { "=", Op::Eq }, { "<>", Op::Ne }, { "<", Op::Lt },
-                     { ">", Op::Gt }, { "<=", Op::Le }, { ">=", Op::Ge } };
-        bool matched = false;
-        for (const auto &c : cmps) {
-            if (t.isSymbol(QLatin1String(c.sym))) {
-                take();
-                Result<NodePtr> right = arithmetic(0);
-                if (!right.isOk())
-                    return right;
-                node = makeBinary(c.op, node, right.value(), pos);
-                if (node->height > kMaxExpressionDepth)
-                    return tooDeep(pos);
-                matched = true;
-                break;
-            }
-        }
-        if (matched)
-            continue;
-        bool negated = false;
-        if (t.isWord(QLatin1String("NOT"))
-            && (peek(1).isWord(QLatin1String("LIKE")) || peek(1).isWord(QLatin1String("BETWEEN"))
-                || peek(1).isWord(QLatin1String("IN")))) {
+        if (const Op op = comparisonOp(t); op != Op::None) {
             take();
-            negated = true;
+            Result<NodePtr> right = arithmetic(0);
+            if (!right.isOk())
+                return right;
+            node = makeBinary(op, node, right.value(), pos);
+            if (node->height > kMaxExpressionDepth)
+                return tooDeep(pos);
+            continue;
         }
+        const bool negated = negatesNextTest(t, peek(1));
+        if (negated)
+            take();
         auto n = std::make_shared<Node>();
         n->pos = pos;
         n->negated = negated;
@@ -260,16 +277,7 @@ Result<NodePtr> Parser::unary()
     Result<NodePtr> inner = power();
     if (!inner.isOk())
         return inner;
-    NodePtr node = inner.value();
-    for (auto pos = minus.rbegin(); pos != minus.rend(); ++pos) {
-        auto n = std::make_shared<Node>();
-        n->kind = NodeKind::Unary;
-        n->op = Op::Neg;
-        n->pos = *pos;
-        n->args = { std::move(node) };
-        setHeight(*n);
-        node = std::move(n);
-    }
+    NodePtr node = wrapInPrefixRun(Op::Neg, inner.value(), minus);
     if (node->height > kMaxExpressionDepth)
         return tooDeep(node->pos);
     return node;

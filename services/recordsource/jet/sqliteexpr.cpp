@@ -179,6 +179,78 @@ bool isConstant(const Node &root)
     return true;
 }
 
+namespace {
+
+// The value of a subtree without fields, as a literal. A constant that cannot be computed
+// (1/0, Chr(300)) fails now, before any row is read.
+Result<QString> constantLiteral(const Node &node, TextCompare mode)
+{
+    Result<QVariant> value = evaluate(node, nullptr, mode);
+    if (!value.isOk())
+        return value.status();
+    return literal(value.value());
+}
+
+// A run of Not or minus. Not Not Not x is Not x and Not Not x rounds x to a whole number
+// (the same for minus), so a run of one operator keeps one or two of it: SQLite's depth
+// limit is never reached by a run of any length.
+Result<QString> unaryRunText(Translator &translator, const Node &node)
+{
+    QVarLengthArray<Op, 8> ops;
+    const Node *inner = &node;
+    for (; inner->kind == NodeKind::Unary; inner = inner->args[0].get()) {
+        const qsizetype n = ops.size();
+        if (n >= 2 && ops[n - 1] == inner->op && ops[n - 2] == inner->op)
+            ops.removeLast(); // three in a row act as one
+        else
+            ops.append(inner->op);
+    }
+    Result<QString> a = translator.expr(*inner);
+    if (!a.isOk())
+        return a;
+    QString text = a.value();
+    for (qsizetype i = ops.size() - 1; i >= 0; --i)
+        text = QStringLiteral("jet_op(%1, %2, NULL)")
+                   .arg(int(ops[i] == Op::Not ? OpCode::Not : OpCode::Neg))
+                   .arg(text);
+    return text;
+}
+
+// A constant pattern (a literal, or the find's 'A' & chr(124) & '*') is checked now, so a
+// bad one fails as a syntax error before anything runs. A pattern that varies by row, or
+// whose value is no text, is left to jet_like.
+Status checkConstantPattern(const Node &pattern, TextCompare mode)
+{
+    if (!isConstant(pattern))
+        return Status::ok();
+    Result<QVariant> value = pattern.kind == NodeKind::Literal ? Result<QVariant>(pattern.value)
+                                                               : evaluate(pattern, nullptr, mode);
+    if (!value.isOk() || !isText(value.value()))
+        return Status::ok();
+    Result<LikePattern> compiled =
+        LikePattern::compile(value.value().toString(), mode, pattern.pos);
+    return compiled.isOk() ? Status::ok() : compiled.status();
+}
+
+// x Like p through jet_like, which knows Jet's wildcards and the compare mode.
+Result<QString> likeText(Translator &translator, const Node &node, TextCompare mode)
+{
+    Result<QString> a = translator.expr(*node.args[0]);
+    if (!a.isOk())
+        return a;
+    Result<QString> p = translator.expr(*node.args[1]);
+    if (!p.isOk())
+        return p;
+    if (Status s = checkConstantPattern(*node.args[1], mode); !s.isOk())
+        return s;
+    return QStringLiteral("jet_like(%1, %2, %3, %4)")
+        .arg(a.value(), p.value())
+        .arg(translator.modeArg())
+        .arg(node.negated ? 1 : 0);
+}
+
+} // namespace
+
 Result<QString> Translator::expr(const Node &node)
 {
     if (m_depth >= kMaxExpressionDepth)
@@ -229,11 +301,10 @@ Result<QString> Translator::chain(const Node &top)
         ++next;
     QString acc;
     if (constant && next > 0) {
-        // A constant that cannot be computed (1/0, Chr(300)) fails now, before any row.
-        Result<QVariant> value = evaluate(*links[next - 1], nullptr, m_mode);
+        Result<QString> value = constantLiteral(*links[next - 1], m_mode);
         if (!value.isOk())
-            return value.status();
-        acc = literal(value.value());
+            return value;
+        acc = value.value();
     } else {
         Result<QString> first = expr(*leaf);
         if (!first.isOk())
@@ -244,7 +315,7 @@ Result<QString> Translator::chain(const Node &top)
         const Op op = links[next]->op;
         const bool regroup = op == Op::Concat || op == Op::And || op == Op::Or;
         std::vector<QString> terms{ acc };
-        const Node *last = links[next];
+        const Node *last = nullptr;
         do {
             last = links[next];
             Result<QString> right = expr(*last->args[1]);
@@ -286,69 +357,19 @@ Result<QString> Translator::exprAt(const Node &node)
 {
     if (node.kind == NodeKind::Binary)
         return chain(node);
-    if (node.kind != NodeKind::Literal && isConstant(node)) {
-        // A constant that cannot be computed (1/0, Chr(300)) fails now, before any row is read.
-        Result<QVariant> value = evaluate(node, nullptr, m_mode);
-        if (!value.isOk())
-            return value.status();
-        return literal(value.value());
-    }
+    if (node.kind != NodeKind::Literal && isConstant(node))
+        return constantLiteral(node, m_mode);
 
     auto sub = [this](const Node &n) { return expr(n); };
     switch (node.kind) {
     case NodeKind::Literal: return literal(node.value);
     case NodeKind::Column: return column(node);
-    case NodeKind::Unary: {
-        // Not Not Not x is Not x and Not Not x rounds x to a whole number (the same for
-        // minus), so a run of one operator keeps one or two of it: SQLite's depth limit is
-        // never reached by a run of any length.
-        QVarLengthArray<Op, 8> ops;
-        const Node *inner = &node;
-        for (; inner->kind == NodeKind::Unary; inner = inner->args[0].get()) {
-            const qsizetype n = ops.size();
-            if (n >= 2 && ops[n - 1] == inner->op && ops[n - 2] == inner->op)
-                ops.removeLast(); // three in a row act as one
-            else
-                ops.append(inner->op);
-        }
-        Result<QString> a = sub(*inner);
-        if (!a.isOk())
-            return a;
-        QString text = a.value();
-        for (qsizetype i = ops.size() - 1; i >= 0; --i)
-            text = QStringLiteral("jet_op(%1, %2, NULL)")
-                       .arg(int(ops[i] == Op::Not ? OpCode::Not : OpCode::Neg))
-                       .arg(text);
-        return text;
-    }
+    case NodeKind::Unary: return unaryRunText(*this, node);
     case NodeKind::Binary: return chain(node);
-    case NodeKind::Like: {
+    case NodeKind::Like:
         if (std::optional<QString> fast = upperPrefixLike(node))
             return *fast;
-        Result<QString> a = sub(*node.args[0]);
-        if (!a.isOk())
-            return a;
-        Result<QString> p = sub(*node.args[1]);
-        if (!p.isOk())
-            return p;
-        // A constant pattern (a literal, or the find's 'A' & chr(124) & '*') is checked now,
-        // so a bad one fails as a syntax error before anything runs.
-        if (isConstant(*node.args[1])) {
-            Result<QVariant> pattern = node.args[1]->kind == NodeKind::Literal
-                ? Result<QVariant>(node.args[1]->value)
-                : evaluate(*node.args[1], nullptr, m_mode);
-            if (pattern.isOk() && isText(pattern.value())) {
-                Result<LikePattern> ok =
-                    LikePattern::compile(pattern.value().toString(), m_mode, node.args[1]->pos);
-                if (!ok.isOk())
-                    return ok.status();
-            }
-        }
-        return QStringLiteral("jet_like(%1, %2, %3, %4)")
-            .arg(a.value(), p.value())
-            .arg(modeArg())
-            .arg(node.negated ? 1 : 0);
-    }
+        return likeText(*this, node, m_mode);
     case NodeKind::Between: {
         QString list;
         Result<QString> r = args(node, 0, &list);
