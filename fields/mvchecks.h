@@ -15,11 +15,13 @@ public:
     explicit mvChecks(QWidget *parent = nullptr);
     ~mvChecks() override;
 
+    // Row n's caption (n in 0 .. nUbound; out of range does nothing).
     Q_INVOKABLE void setSCaption(qint16 n, const QString &caption);
     // Row 0's flag; setting it reaches every row that exists now.
     bool bBoldOnChk() const;
     void setBBoldOnChk(bool bold);
 
+    // Row n as its own control (nullptr outside 0..nUbound).
     mvCheck *checkRow(qint16 n) const { return static_cast<mvCheck *>(row(n)); }
 
 protected:

@@ -25,6 +25,8 @@ public:
     explicit mvName(QWidget *parent = nullptr);
     ~mvName() override;
 
+    // Per-row settings of mvText (see mervane/mvtext.h for what each does), n in
+    // 0 .. nUbound. Out of range, getters give "" / 0 / false and setters do nothing.
     Q_INVOKABLE QString sCaption(qint16 n) const;
     Q_INVOKABLE void setSCaption(qint16 n, const QString &caption);
     Q_INVOKABLE void setSMode(qint16 n, const QString &mode);
@@ -32,6 +34,7 @@ public:
     Q_INVOKABLE void setMaxLength(qint16 n, qint32 length);
     Q_INVOKABLE qint32 DescWidth(qint16 n) const;
     Q_INVOKABLE void setDescWidth(qint16 n, qint32 twips);
+    // Reads row 0's caption width; setting reaches every row that exists now (twips).
     qint32 DescWidthAll() const { return DescWidth(0); }
     void setDescWidthAll(qint32 twips);
     Q_INVOKABLE QString ToolTip(qint16 n) const;
@@ -45,6 +48,8 @@ public:
     Q_INVOKABLE bool BackLtGray(qint16 n) const;
     Q_INVOKABLE void setBackLtGray(qint16 n, bool on);
 
+    // Let every row's record source go (closing a table the stack opened itself once no one
+    // shares it) and delete the binding objects; field names set before are lost with them.
     Q_INVOKABLE void Disconnect() { DisconnectDBF(); }
     Q_INVOKABLE void DisconnectDBF() { disconnectRows(); }
 
@@ -52,6 +57,7 @@ public:
     mvText *textRow(qint16 n) const { return static_cast<mvText *>(row(n)); }
 
 Q_SIGNALS:
+    // Row `Index` was double-clicked.
     void DblClick(qint16 Index);
 
 protected:

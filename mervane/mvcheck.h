@@ -22,14 +22,17 @@ class mvCheck : public mvRow
 public:
     explicit mvCheck(QWidget *parent = nullptr);
 
+    // The box's label; '&' shows as itself, it marks no shortcut.
     QString sCaption() const override;
     void setSCaption(const QString &caption) override;
 
+    // Takes effect at once on the caption of a box that is checked now.
     bool bBoldOnChk() const { return m_boldOnChk; }
     void setBBoldOnChk(bool bold);
+    // The box as shown: false for "" and for a text that is no logical.
     bool Checked() const;
 
-    // Sets the value to "" (unchecked, never set).
+    // Sets the value to "" (unchecked, never set), so a Null field stays Null on save.
     Q_INVOKABLE void Clear() { showText(QString()); }
 
 protected:

@@ -34,20 +34,32 @@ public:
     explicit mvDataBinding(QObject *parent = nullptr);
     ~mvDataBinding() override;
 
+    // The record source the row reads and writes; nullptr when unbound. Setting the same
+    // source again does nothing; another one replaces the current one (closing it when this
+    // binding opened it and nobody else holds it) and looks the field up again.
     std::shared_ptr<plx::RecordSource> RecordSet() const { return m_rs; }
     void setRecordSet(std::shared_ptr<plx::RecordSource> source);
 
+    // The bound field's name, matched without regard to case and surrounding blanks when the
+    // field is looked up; a name the source lacks shows as an empty row (no error here).
     QString sFieldName() const { return m_fieldName; }
     void setSFieldName(const QString &name);
 
+    // The table file Connect() opens. Setting it also reads CodePage from the file's header
+    // (Windows-1252 for an unmarked table, 0 when the file is missing); it opens nothing.
     QString DBFPathFileName() const { return m_path; }
     void setDBFPathFileName(const QString &path);
+    // Kept for hosts that read them back; Connect() does not use them.
     QString DBFFileName() const { return m_fileName; }
     void setDBFFileName(const QString &name) { m_fileName = name; }
+    // The table Connect() selects from; blank: the file name without its extension.
     QString DBFTableName() const { return m_tableName; }
     void setDBFTableName(const QString &name) { m_tableName = name; }
+    // 1 (the default) for a FoxPro table file; stored only.
     qint16 DBFType() const { return m_type; }
     void setDBFType(qint16 type) { m_type = type; }
+    // A Jet WHERE text (without "WHERE") Connect() appends; blank: every record. Changing it
+    // affects the next Connect() only.
     QString Filter() const { return m_filter; }
     void setFilter(const QString &filter) { m_filter = filter; }
 
@@ -58,9 +70,12 @@ public:
     void setCodePage(int codePage) { m_codePage = codePage; }
 
     // Opens the table file named by DBFPathFileName/DBFTableName/Filter and makes it this
-    // binding's record source. "" on success, otherwise why it failed.
+    // binding's record source. "" on success, otherwise why it failed ("no table file is
+    // set", or the engine's message for a missing folder, unknown table or bad filter); on
+    // failure the former source stays. Shows no box.
     Q_INVOKABLE QString Connect();
-    // Drops this binding's record source (closing it when this binding opened it itself).
+    // Drops this binding's record source (closing it when this binding opened it itself and
+    // nobody else shares it). Harmless when unbound; the destructor calls it.
     Q_INVOKABLE void Disconnect();
 
     // The bound field: its index and description in the current record source; -1 and a

@@ -44,17 +44,24 @@ class mvRow : public QWidget
 public:
     ~mvRow() override;
 
+    // Where the row's boxes go; nullptr: the library-wide defaults.
     void setServices(plx::Services *services) { m_services = services; }
 
+    // The text beside the value; also names the row in validation and save messages.
     virtual QString sCaption() const = 0;
     virtual void setSCaption(const QString &caption) = 0;
 
     // What the row shows. Value is the same text; both names exist because hosts use both.
+    // Setting either only shows the text (nothing is validated or written, and a locked row
+    // takes it too); a later EditUpdate writes it when it differs from what UpdateDBF loaded.
     QString Text() const { return currentText(); }
     void setText(const QString &text) { showText(text); }
     QString Value() const { return currentText(); }
     void setValue(const QString &value) { showText(value); }
 
+    // A locked row keeps the focus and can be read, but the user cannot change its value;
+    // it takes the form's Window colour unless a colour flag or the alternate grey is set.
+    // Program writes (setText/setValue) still work.
     bool Locked() const { return m_locked; }
     void setLocked(bool locked);
     // Non-zero: the row shows the alternate grey (every other row of a long stack).
@@ -62,7 +69,8 @@ public:
     void setLAltGrayColor(qint32 altGray);
 
     // Geometry in twips (1440 to the logical inch), kept in twips so that laying rows out
-    // row by row never accumulates rounding.
+    // row by row never accumulates rounding. Negative heights and widths become 0; the row's
+    // pixel geometry follows at once.
     qint16 iHeight() const { return m_heightTw; }
     void setIHeight(qint16 twips);
     int leftTwips() const { return m_leftTw; }
@@ -70,26 +78,43 @@ public:
     int widthTwips() const { return m_widthTw; }
     void setTwipsGeometry(int left, int top, int width);
 
-    // The binding object, made on first use; releaseDataBinding() deletes it.
+    // The binding object, made on first use (so never nullptr; asking makes one);
+    // releaseDataBinding() deletes it without closing anything itself (its destructor
+    // disconnects), and hasDataBinding() asks without making one.
     Q_INVOKABLE mvDataBinding *DataBinding();
     bool hasDataBinding() const { return m_binding != nullptr; }
     void releaseDataBinding();
 
+    // True between Edit() and EditUpdate()/CancelEdit().
     bool isEditing() const { return m_editing; }
 
+    // Shows the bound field of the current record (or of the edit buffer); no current record
+    // or Null shows "". InvalidArgument without a record source (nothing changes),
+    // UnknownField when the source lacks the field (the row then shows ""). With a source,
+    // forgets a value EditUpdate wrote that Save has not saved yet.
     Q_INVOKABLE plx::Status UpdateDBF();
+    // Remembers what is shown for CancelEdit; does not unlock the row.
     Q_INVOKABLE void Edit();
+    // Ends editing. A value that differs from the loaded one and that the field takes is
+    // written into the record source's edit buffer when there is one, else kept for Save;
+    // a refused or unbound value is not written and Save reports why. Shows no box.
     Q_INVOKABLE void EditUpdate();
+    // Ends editing, drops a value not yet saved and shows the text from before Edit (or from
+    // the last UpdateDBF when Edit was not called).
     Q_INVOKABLE void CancelEdit();
     // True when the row accepts its value. A changed value that the field cannot take
     // gives false and a reason in words for the user ("is longer than 10 characters"),
     // which the stack puts behind the caption. Not silent: the row also shows it in a box.
     Q_INVOKABLE bool bValidate(bool bSilent, QString *reason);
     // "" when the row's value is in the table (or nothing was to be written), else why not;
-    // a failure is also shown to the user, because the stack does not report it.
+    // a failure is also shown to the user ("Value Not Saved"), because the stack does not
+    // report it. A record in Edit is updated here; one in AddNew only gets the value (its
+    // owner appends it); with no edit under way the record is edited and updated only when
+    // the table does not already hold the value. A failed update is cancelled.
     Q_INVOKABLE QString Save();
 
 Q_SIGNALS:
+    // A double click on any part of the row.
     void DblClick();
 
 protected:

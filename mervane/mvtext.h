@@ -35,30 +35,45 @@ class mvText : public mvRow
 public:
     explicit mvText(QWidget *parent = nullptr);
 
+    // Plain text: no markup, no shortcut marker.
     QString sCaption() const override;
     void setSCaption(const QString &caption) override;
 
+    // One of the modes above, read without regard to case; any other text types as "Text".
+    // In "Upper" mode the value is also stored in upper case; "Digits" refuses anything
+    // but 0-9 on validation as well.
     QString sMode() const { return m_mode; }
     void setSMode(const QString &mode);
+    // Used from the next UpdateDBF (what is shown now is not reformatted) and to read dates
+    // back in its day/month/year order.
     QString sFormat() const { return m_format; }
     void setSFormat(const QString &format) { m_format = format; }
+    // Negative becomes 0. For a text field the smaller of this and the field's size holds;
+    // a longer value is refused on validation ("is longer than N characters").
     qint32 MaxLength() const { return m_maxLength; }
     void setMaxLength(qint32 length);
-    // Width of the caption part in twips.
+    // Width of the caption part in twips; negative becomes 0 (no caption, the value takes
+    // the whole row), more than the row is cut to the row's width.
     qint32 DescWidth() const { return m_descWidthTw; }
     void setDescWidth(qint32 twips);
+    // Off (the default): an empty value is stored as "" in text and memo fields and refused
+    // ("needs a value") in fields of other types.
     bool bAllowNull() const { return m_allowNull; }
     void setBAllowNull(bool allow) { m_allowNull = allow; }
+    // Background flags of the value field (see rowpalette.h for which one wins); they take
+    // effect at once and also over a locked row's look.
     bool BackRed() const { return m_red; }
     void setBackRed(bool on);
     bool BackWhite() const { return m_white; }
     void setBackWhite(bool on);
     bool BackLtGray() const { return m_ltGray; }
     void setBackLtGray(bool on);
+    // Shown over the caption and the value field alike.
     QString ToolTip() const { return toolTip(); }
     void setToolTip(const QString &tip);
 
-    // True while the row edits a memo field over several lines.
+    // True while the row edits a memo field over several lines; decided by the field's type
+    // at each UpdateDBF.
     bool isMultiLine() const { return m_multiLine; }
 
 protected:

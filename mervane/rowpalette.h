@@ -12,6 +12,9 @@
 
 namespace plx {
 
+// Red tints Base towards red (more strongly in a dark theme); White is pure white in a light
+// theme and Base lifted slightly towards Text in a dark one; LightGray blends Base towards
+// Text, AlternateGray only slightly.
 enum class RowShade {
     Normal, // the palette's Base, as any entry field
     Red,
@@ -25,14 +28,14 @@ enum class RowShade {
 // locked look. Red before white before light grey when several flags are set.
 RowShade rowShade(bool red, bool white, bool lightGray, bool altGray, bool locked);
 
-// The background colour of `shade` under `palette`.
+// The background colour of `shade` under `palette`, from its Active group.
 QColor shadeColor(const QPalette &palette, RowShade shade);
 
 // `palette` with Base (and Window, for check boxes) set to the shade in the active and
 // inactive groups; the disabled group keeps the palette's own disabled look.
 QPalette shadedPalette(const QPalette &palette, RowShade shade);
 
-// True when the palette is a dark one (its Base is darker than its Text).
+// True when the palette is a dark one (its Base is darker than its Text, by lightness).
 bool isDarkPalette(const QPalette &palette);
 
 } // namespace plx

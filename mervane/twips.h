@@ -11,10 +11,11 @@ namespace plx {
 
 constexpr int TwipsPerInch = 1440;
 
-// Pixels for `twips` along x or y on `widget`'s screen (the primary screen when it has none).
+// Pixels for `twips` along x or y on `widget`'s screen (the primary screen when it has none
+// or `widget` is nullptr; 96 dpi when there is no screen at all), rounded to the nearest.
 int twipsToPixelsX(const QWidget *widget, int twips);
 int twipsToPixelsY(const QWidget *widget, int twips);
-// Twips for `pixels` on `widget`'s screen.
+// Twips for `pixels` on `widget`'s screen, on the same screen rules, rounded to the nearest.
 int pixelsToTwipsX(const QWidget *widget, int pixels);
 int pixelsToTwipsY(const QWidget *widget, int pixels);
 

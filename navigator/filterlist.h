@@ -12,10 +12,11 @@ class QComboBox;
 namespace plx {
 
 // Fills `list` with the section names of the filter file in `directory`, in file order,
-// after clearing it. A missing file leaves the list empty.
+// after clearing it. A missing file leaves the list empty; a null `list` does nothing.
 void PLXLoadFilterINI(QComboBox *list, const QString &directory);
 
-// The filter file beside the table (or database) file `tablePath`.
+// The filter file beside the table (or database) file `tablePath`: its folder joined with
+// "HBFiltersPLX.INI". The file need not exist.
 QString filterFilePath(const QString &tablePath);
 
 } // namespace plx

@@ -99,8 +99,13 @@ public:
     void setRs(std::shared_ptr<RecordSource> rs);
     std::shared_ptr<RecordSource> rs() const { return m_rs; }
 
+    // The bound field controls the record commands drive (bEdit, EditUpdate, Save,
+    // CancelEdit, UpdateDBF, Locked), in this order. Setting replaces the list and hands them
+    // the current record source. Reading leaves out controls (QObjects) deleted since.
     void setCMervaneControls(const QList<BoundControl *> &controls);
     QList<BoundControl *> cMervaneControls() const;
+    // Other widgets that are enabled while a record is edited and disabled after SAVE and
+    // CANCEL. Reading leaves out widgets deleted since.
     void setCOtherControls(const QList<QWidget *> &controls);
     QList<QWidget *> cOtherControls() const;
     // The host form; it may offer `bool OKtoSave(qint16)` as a slot or Q_INVOKABLE.
@@ -108,19 +113,33 @@ public:
     QObject *fParent() const { return m_fParent; }
 
     // --- Properties ----------------------------------------------------------------
+    // The field list (as given to AddSort) of the current sort. Set before InitControl it
+    // picks the sort whose fields equal it; choosing a sort overwrites it. Setting it later
+    // re-orders nothing.
     QString sSort() const { return m_sSort; }
     void setSSort(const QString &sort) { m_sSort = sort; }
+    // Stored for hosts that read it back; the navigator does not use it.
     QString sCBOSort() const { return m_sCBOSort; }
     void setSCBOSort(const QString &name) { m_sCBOSort = name; }
+    // The ID field (required by InitControl: "No ID Field specified"); finds, IDs and the
+    // sID of every signal come from it.
     QString sIDfield() const { return m_sIDfield; }
     void setSIDfield(const QString &field) { m_sIDfield = field; }
+    // The field whose value names a record in the delete question and ID messages.
     QString sDescfield() const { return m_sDescfield; }
     void setSDescfield(const QString &field) { m_sDescfield = field; }
+    // What the records are called in titles and messages ("mvPLXRecs " + sDesc).
     QString sDesc() const { return m_sDesc; }
     void setSDesc(const QString &desc) { m_sDesc = desc; }
+    // Connects to a FoxPro table file: database, table and record source. While a record
+    // source is attached it is refused with the "Already Connected" box and nothing
+    // changes.
     QString sDBFPathFileName() const { return m_sDBFPathFileName; }
     void setSDBFPathFileName(const QString &path);
+    // The ID each search-list entry found last, parallel to the list ("" for none).
     QStringList cArrayID() const { return m_arrayID; }
+    // Enable the find, sort, filter and browse sections (label and controls); stored and
+    // applied at once. setEnabled sets all four to its own value.
     bool EnableFind() const { return m_enableFind; }
     void setEnableFind(bool enable);
     bool EnableSort() const { return m_enableSort; }
@@ -130,29 +149,48 @@ public:
     bool EnableBrowse() const { return m_enableBrowse; }
     void setEnableBrowse(bool enable);
     bool Enabled() const { return isEnabled(); }
-    // Disabling remembers every toolbar button's state; enabling again restores it.
+    // Disabling remembers every toolbar button's state; enabling again restores it. Both
+    // also set EnableFind, EnableSort, EnableFilter and EnableBrowse to `enabled`.
     void setEnabled(bool enabled);
+    // Stored for hosts that read it back; the navigator's own look does not use it.
     qint32 lAltGrayColor() const { return m_lAltGrayColor; }
     void setLAltGrayColor(qint32 colour) { m_lAltGrayColor = colour; }
+    // Who works: written into the audit stamps, the activity log and the note of who holds
+    // a record in edit.
     QString sUser() const { return m_sUser; }
     void setSUser(const QString &user) { m_sUser = user; }
+    // Stored for hosts that read it back; the navigator does not use it.
     QString sUserINIFile() const { return m_sUserINIFile; }
     void setSUserINIFile(const QString &file) { m_sUserINIFile = file; }
+    // Text put as it is into every query the navigator runs: "SELECT * from <table>
+    // <sSQLJOIN> <sSQLWhere> ORDER BY <sort>"; so sSQLWhere includes its "WHERE". Setting
+    // them runs nothing: the next RSRefresh, sort or SetSQLFilterAndWhere does.
     QString sSQLWhere() const { return m_sSQLWhere; }
     void setSSQLWhere(const QString &where) { m_sSQLWhere = where; }
     QString sSQLJOIN() const { return m_sSQLJOIN; }
     void setSSQLJOIN(const QString &join) { m_sSQLJOIN = join; }
+    // Passed to the host form's OKtoSave(qint16) on SAVE, so nested navigators can tell
+    // which level is saving.
     qint16 MyLevel() const { return m_myLevel; }
     void setMyLevel(qint16 level) { m_myLevel = level; }
+    // The prefix of the IDs NewIDPLX makes. Moving to a record whose ID is longer than 7
+    // characters replaces it with that ID minus its last 7 (trailing blanks ignored).
     QString sParentID() const { return m_sParentID; }
     void setSParentID(const QString &id) { m_sParentID = id; }
+    // True when this navigator started the change now being signalled (a user action on
+    // it); EDIT and SAVE's RecEditEnd clear it. The host may reset it.
     bool bInitiator() const { return m_bInitiator; }
     void setBInitiator(bool initiator) { m_bInitiator = initiator; }
+    // The tag of the code path behind the latest signal ("cmdRecNext_Click",
+    // "ButtonClick: Save (RecSave)", ...); read it inside the slot.
     QString sEventInfo() const { return m_sEventInfo; }
+    // Whether a record is displayed: with false, EDIT, COPY and DELETE are disabled; with
+    // true they are enabled unless a record is in edit (SAVE enabled).
     bool bRecDisplay() const { return m_bRecDisplay; }
     void setBRecDisplay(bool display);
 
-    // No longer supported: every access says so in a box and changes nothing.
+    // No longer supported: every access says so in a box and changes nothing (reading
+    // gives 0).
     [[deprecated("lDelayMS is no longer supported")]] qint32 lDelayMS();
     [[deprecated("lDelayMS is no longer supported")]] void setLDelayMS(qint32 value);
     [[deprecated("lListIndex is no longer supported")]] qint32 lListIndex();
@@ -167,31 +205,56 @@ public:
     Q_INVOKABLE QString InitControl();
     // Re-runs the query of the current sort, filter and join, keeping the current record.
     Q_INVOKABLE void RSRefresh();
+    // Toolbar buttons by caption, without regard to case: "NEW", "EDIT", "COPY", "DELETE",
+    // "SAVE", "CANCEL", "CLOSE". An unknown caption is told in a "Button key not found: "
+    // box (false / nothing done). ClickButton runs the command as a click would; a disabled
+    // button is told in a "Button not enabled: " box and not run. "CLOSE" runs nothing (the
+    // host handles it); a click while a command runs is ignored.
     Q_INVOKABLE void ClickButton(const QString &sButton);
+    // The current record's ID as the source holds it; "" with no current record.
     Q_INVOKABLE QString sCurrentID();
     Q_INVOKABLE bool bButtonEnable(const QString &sButton);
     Q_INVOKABLE void setBButtonEnable(const QString &sButton, bool enable);
     Q_INVOKABLE void setSButtonTip(const QString &sButton, const QString &tip);
+    // No longer used: says so in a box and returns "".
     [[deprecated("sButtonEnable is no longer used")]] Q_INVOKABLE QString
     sButtonEnable(const QString &sButton);
 
     // Find and the search list.
+    // Makes the record with ID sID current (sIDfield = sID) and raises IDChange with the
+    // current ID; it sets no sEventInfo of its own. No match (or an engine error) returns
+    // to the record that was current, if any, and still raises IDChange. Without a record source
+    // it does nothing.
     Q_INVOKABLE void SetFindFromID(const QString &sID);
+    // No longer supported: says so in a box and does nothing.
     [[deprecated("SetFindFromList is no longer supported")]] Q_INVOKABLE void
     SetFindFromList(qint32 lList);
-    // The ID the search-list entry at 0-based position lList found last.
+    // The ID the search-list entry at 0-based position lList found last ("" when it has
+    // found none yet). Out of range: an "ID Error" box and "".
     Q_INVOKABLE QString sIDfromList(qint32 lList);
+    // Empties the find box's text; the search list stays.
     Q_INVOKABLE void ClearSearch();
+    // The number of search-list entries.
     Q_INVOKABLE qint16 nSearchList();
     // 0-based, most recent first; "" out of range.
     Q_INVOKABLE QString sSearchList(qint16 n);
+    // Adds `s` at the end of the search list (an equal entry is removed first, with its
+    // ID) and sSearchListCLR empties the list and cArrayID. Neither changes what is typed
+    // in the find box.
     Q_INVOKABLE void sSearchListADD(const QString &s);
     Q_INVOKABLE void sSearchListCLR();
 
     // Filters.
+    // Fills the filter list from "HBFiltersPLX.INI" beside the table (or data) file, then
+    // " [None]"; nothing selected. Raises no FilterChange. No file: only " [None]".
     Q_INVOKABLE void InitFilters();
+    // Shows sFilterDescInp in the filter list (blank: " [None]"), sets sSQLWhere and, with
+    // bRefreshRS, re-runs the query, keeping the current record when the filter keeps it
+    // (else the first). Every field control then reloads. Raises no FilterChange.
     Q_INVOKABLE void SetSQLFilterAndWhere(const QString &sFilterDescInp,
                                           const QString &sSQLWhereINP, bool bRefreshRS);
+    // Clears the filter list's selection only: sSQLWhere and the records stay. Raises no
+    // FilterChange.
     Q_INVOKABLE void ClearFilter();
 
     // Record IDs: the next free ID of the table ("" when none could be made). The last key
@@ -206,18 +269,42 @@ public:
     static constexpr int kFindMaxLength = kFindTextMaxLength;
 
 Q_SIGNALS:
+    // sID is the record's ID as the source holds it ("" with no current record). sEventInfo
+    // names the code path during each signal.
+    // The current record changed: Back/Next, the scroll bar, a find (twice, see
+    // SetFindFromID), SetFindFromID, and SAVE of a new record (after RecAdded). Not raised
+    // for a step past either end.
     void IDChange(const QString &sID);
+    // EDIT (also at the end of NEW and COPY) was accepted by every field control, which
+    // are unlocked now. A refused EDIT raises nothing.
     void RecEditStart(const QString &sID);
+    // Editing ended: after RecSave on SAVE, after RecCancel and the fields' reload on
+    // CANCEL.
     void RecEditEnd(const QString &sID);
+    // NEW appended a record with a new ID and made it current; RecEditStart follows when
+    // the field controls accept the edit.
     void RecNew();
+    // SAVE of a record made by NEW or COPY, after RecEditEnd.
     void RecAdded(const QString &sID);
+    // COPY appended a copy under the new ID sID and made it current; RecEditStart follows
+    // when the field controls accept the edit.
     void RecCopy(const QString &sID);
+    // Declared for hosts that connect to it; no code path raises it.
     void RecCopied(const QString &sID);
+    // DELETE removed the record (after both questions), or CANCEL of a new record removed
+    // it (after RecEditEnd and a Yes).
     void RecDelete(const QString &sID);
+    // SAVE wrote the record (fields saved, audit stamp, Update); RecEditEnd follows.
     void RecSave(const QString &sID);
+    // CANCEL dropped the edit; the fields reload, then RecEditEnd.
     void RecCancel(const QString &sID);
+    // The records were re-read in a new sort (the user's choice, InitControl, RSRefresh);
+    // sSort is the sort's field list. Not raised when the query failed.
     void SortChange(const QString &sSort);
+    // The user chose a saved filter (its section name, or " [None]"); the host answers
+    // with SetSQLFilterAndWhere.
     void FilterChange(const QString &sFilter);
+    // The user pressed the filter button (to edit the saved filters).
     void FilterEdit();
 
 protected:
