@@ -53,6 +53,32 @@ QColor shadeColor(const QPalette &palette, RowShade shade)
     return base;
 }
 
+QPalette darkPalette()
+{
+    const QColor text(0xe6, 0xe6, 0xe6);
+    const QColor window(0x2f, 0x31, 0x35);
+    const QColor raised(0x3a, 0x3d, 0x42);
+    QPalette p;
+    p.setColor(QPalette::Window, window);
+    p.setColor(QPalette::WindowText, text);
+    p.setColor(QPalette::Base, QColor(0x1f, 0x21, 0x24));
+    p.setColor(QPalette::AlternateBase, QColor(0x2a, 0x2c, 0x30));
+    p.setColor(QPalette::Text, text);
+    p.setColor(QPalette::Button, raised);
+    p.setColor(QPalette::ButtonText, text);
+    p.setColor(QPalette::ToolTipBase, raised);
+    p.setColor(QPalette::ToolTipText, text);
+    p.setColor(QPalette::Highlight, QColor(0x3d, 0x8e, 0xe0));
+    p.setColor(QPalette::HighlightedText, Qt::white);
+    p.setColor(QPalette::Link, QColor(0x6c, 0xb4, 0xff));
+    p.setColor(QPalette::PlaceholderText, QColor(0x8c, 0x8f, 0x94));
+    for (QPalette::ColorRole role : { QPalette::WindowText, QPalette::Text, QPalette::ButtonText })
+        p.setColor(QPalette::Disabled, role, QColor(0x80, 0x80, 0x80));
+    // A disabled field looks like the form around it, not like an entry field.
+    p.setColor(QPalette::Disabled, QPalette::Base, window);
+    return p;
+}
+
 QPalette shadedPalette(const QPalette &palette, RowShade shade)
 {
     QPalette p = palette;

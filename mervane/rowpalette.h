@@ -38,4 +38,9 @@ QPalette shadedPalette(const QPalette &palette, RowShade shade);
 // True when the palette is a dark one (its Base is darker than its Text, by lightness).
 bool isDarkPalette(const QPalette &palette);
 
+// A complete dark palette for the Fusion style (every role the controls draw with, and a
+// grey disabled text), for hosts that offer a dark theme; plxform --dark and the README's
+// dark pictures use it.
+QPalette darkPalette();
+
 } // namespace plx

@@ -11,6 +11,7 @@
 #include "apps/plxform/hostform.h"
 #include "apps/plxform/sampledata.h"
 #include "apps/plxform/scriptrunner.h"
+#include "mervane/rowpalette.h"
 
 #include "services/ini.h"
 #include "services/paths.h"
@@ -20,7 +21,6 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFile>
-#include <QPalette>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QTimer>
@@ -67,24 +67,7 @@ void prepareInstallationDirectory()
 void useDarkPalette()
 {
     QApplication::setStyle(QStringLiteral("Fusion"));
-    QPalette p;
-    p.setColor(QPalette::Window, QColor(0x2f, 0x31, 0x35));
-    p.setColor(QPalette::WindowText, QColor(0xe6, 0xe6, 0xe6));
-    p.setColor(QPalette::Base, QColor(0x1f, 0x21, 0x24));
-    p.setColor(QPalette::AlternateBase, QColor(0x2a, 0x2c, 0x30));
-    p.setColor(QPalette::Text, QColor(0xe6, 0xe6, 0xe6));
-    p.setColor(QPalette::Button, QColor(0x3a, 0x3d, 0x42));
-    p.setColor(QPalette::ButtonText, QColor(0xe6, 0xe6, 0xe6));
-    p.setColor(QPalette::ToolTipBase, QColor(0x3a, 0x3d, 0x42));
-    p.setColor(QPalette::ToolTipText, QColor(0xe6, 0xe6, 0xe6));
-    p.setColor(QPalette::Highlight, QColor(0x3d, 0x8e, 0xe0));
-    p.setColor(QPalette::HighlightedText, Qt::white);
-    p.setColor(QPalette::Link, QColor(0x6c, 0xb4, 0xff));
-    p.setColor(QPalette::PlaceholderText, QColor(0x8c, 0x8f, 0x94));
-    for (QPalette::ColorRole role : { QPalette::WindowText, QPalette::Text, QPalette::ButtonText })
-        p.setColor(QPalette::Disabled, role, QColor(0x80, 0x80, 0x80));
-    p.setColor(QPalette::Disabled, QPalette::Base, QColor(0x2f, 0x31, 0x35));
-    QApplication::setPalette(p);
+    QApplication::setPalette(plx::darkPalette());
 }
 
 // A form description file, a FoxPro table file, or a SQLite database (its first table).

@@ -6,6 +6,7 @@
 #include "fields/mvchecks.h"
 #include "fields/mvchkwithtxt.h"
 #include "fields/mvname.h"
+#include "mervane/rowpalette.h"
 #include "mervane/twips.h"
 
 #include "services/recordsource/database.h"
@@ -58,24 +59,6 @@ QString makeTable(const QString &dir)
           QStringLiteral("Y"), 1, true, QStringLiteral("12 Königsallee"),
           QStringLiteral("Düsseldorf") });
     return path;
-}
-
-QPalette darkPalette()
-{
-    QPalette p;
-    p.setColor(QPalette::Window, QColor(0x35, 0x35, 0x35));
-    p.setColor(QPalette::WindowText, QColor(0xE8, 0xE8, 0xE8));
-    p.setColor(QPalette::Base, QColor(0x24, 0x24, 0x24));
-    p.setColor(QPalette::AlternateBase, QColor(0x2E, 0x2E, 0x2E));
-    p.setColor(QPalette::Text, QColor(0xE8, 0xE8, 0xE8));
-    p.setColor(QPalette::Button, QColor(0x40, 0x40, 0x40));
-    p.setColor(QPalette::ButtonText, QColor(0xE8, 0xE8, 0xE8));
-    p.setColor(QPalette::Highlight, QColor(0x3D, 0x8E, 0xE0));
-    p.setColor(QPalette::HighlightedText, Qt::white);
-    p.setColor(QPalette::Disabled, QPalette::Text, QColor(0x80, 0x80, 0x80));
-    p.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x80, 0x80, 0x80));
-    p.setColor(QPalette::Disabled, QPalette::Base, QColor(0x35, 0x35, 0x35));
-    return p;
 }
 
 // The host form: a text stack, a check-box stack and a check box with its text rows.
@@ -192,7 +175,7 @@ int main(int argc, char **argv)
         ok &= shoot(form, out + QStringLiteral("/fields-locked.png"));
     }
     {
-        QApplication::setPalette(darkPalette());
+        QApplication::setPalette(plx::darkPalette());
         ClientForm form(table);
         form.setLocked(false);
         ok &= shoot(form, out + QStringLiteral("/fields-dark.png"));

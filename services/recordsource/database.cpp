@@ -32,19 +32,29 @@ EngineRegistry &registry()
     return instance;
 }
 
+// The engine registered as `name` (without regard to case), or null; the caller holds the
+// registry's mutex.
+const Engine *findEngine(const EngineRegistry &r, const QString &name)
+{
+    for (const Engine &e : r.engines) {
+        if (e.name.compare(name, Qt::CaseInsensitive) == 0)
+            return &e;
+    }
+    return nullptr;
+}
+
 } // namespace
 
 bool registerDatabaseEngine(const QString &engine, DatabaseOpener opener)
 {
     if (opener == nullptr)
         return false;
+    const QString name = engine.trimmed(); // as OpenDatabase reads it from a connect string
     EngineRegistry &r = registry();
     QMutexLocker lock(&r.mutex);
-    for (const Engine &e : r.engines) {
-        if (e.name.compare(engine, Qt::CaseInsensitive) == 0)
-            return false;
-    }
-    r.engines.push_back({ engine.trimmed(), opener });
+    if (findEngine(r, name) != nullptr)
+        return false;
+    r.engines.push_back({ name, opener });
     return true;
 }
 
@@ -68,12 +78,8 @@ Result<std::unique_ptr<Database>> OpenDatabase(const QString &name, bool exclusi
     {
         EngineRegistry &r = registry();
         QMutexLocker lock(&r.mutex);
-        for (const Engine &e : r.engines) {
-            if (e.name.compare(kind, Qt::CaseInsensitive) == 0) {
-                opener = e.open;
-                break;
-            }
-        }
+        if (const Engine *e = findEngine(r, kind))
+            opener = e->open;
     }
     if (opener == nullptr)
         return Status(Status::Code::NotSupported,

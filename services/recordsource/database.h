@@ -67,10 +67,10 @@ struct DatabaseOptions
 using DatabaseOpener = Result<std::unique_ptr<Database>> (*)(const QString &name,
                                                              const DatabaseOptions &options);
 
-// Makes `opener` the engine for connect strings whose first part is `engine` (compared
-// without regard to case; "" is the engine of an empty connect string). An engine
-// registers once, usually from a static object in its library; false when the name is
-// taken already, and the first registration stays. Thread-safe.
+// Makes `opener` the engine for connect strings whose first part is `engine`, compared
+// without regard to case or surrounding blanks ("" is the engine of an empty connect
+// string). An engine registers once, usually from a static object in its library; false
+// when the name is taken already, and the first registration stays. Thread-safe.
 bool registerDatabaseEngine(const QString &engine, DatabaseOpener opener);
 
 // The names of the registered engines, in the order they registered.
