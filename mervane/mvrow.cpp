@@ -216,14 +216,9 @@ QString mvRow::Save()
         plx::Status s;
         if (!rs || index < 0) {
             problem = QStringLiteral("is not bound to a field of the record");
-        } else if (rs->editMode() == plx::EditMode::Edit) {
-            // Commit now: the navigator's next Edit() on this record would drop the buffer.
-            s = rs->setValue(index, *m_pending);
-            if (s.isOk())
-                s = rs->Update();
-        } else if (rs->editMode() == plx::EditMode::AddNew) {
-            // A new record is appended by whoever started it; Update here would move the
-            // current record away from under the caller.
+        } else if (rs->editMode() != plx::EditMode::None) {
+            // Whoever started the edit writes the record, once, with every row's value in
+            // it: a write per row would leave the record half saved when one of them fails.
             s = rs->setValue(index, *m_pending);
         } else {
             const plx::Result<QVariant> held = rs->value(index);
@@ -242,11 +237,14 @@ QString mvRow::Save()
             problem = writeFailure(s);
     }
     m_pending.reset();
-    if (!problem.isEmpty())
+    if (!problem.isEmpty()) {
         showProblem(QStringLiteral("Value Not Saved"),
                     sCaption() + QLatin1Char(' ') + problem
                         + QStringLiteral("\r\n\r\nThe field keeps its former value."),
                     plx::MsgStyle::Exclamation);
+        // As the box says: the row shows the value the record kept, not the refused one.
+        showText(m_loadedText);
+    }
     return problem;
 }
 

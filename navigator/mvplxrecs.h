@@ -32,6 +32,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 
 class QAction;
 class QComboBox;
@@ -73,6 +74,7 @@ class mvPLXRecs : public QWidget
     Q_PROPERTY(bool bInitiator READ bInitiator WRITE setBInitiator)
     Q_PROPERTY(QString sEventInfo READ sEventInfo)
     Q_PROPERTY(bool bRecDisplay READ bRecDisplay WRITE setBRecDisplay)
+    Q_PROPERTY(bool bGenerateIDs READ bGenerateIDs WRITE setBGenerateIDs)
     Q_PROPERTY(qint32 lDelayMS READ lDelayMS WRITE setLDelayMS)
     Q_PROPERTY(qint32 lListIndex READ lListIndex WRITE setLListIndex)
 
@@ -177,6 +179,11 @@ public:
     // characters replaces it with that ID minus its last 7 (trailing blanks ignored).
     QString sParentID() const { return m_sParentID; }
     void setSParentID(const QString &id) { m_sParentID = id; }
+    // True (the default): NEW and COPY give the record an ID made by NewIDPLX. False for a
+    // table whose key the user types: NEW leaves the ID field blank and COPY blanks the
+    // copied one, so SAVE asks for a key (blank and taken keys are refused there either way).
+    bool bGenerateIDs() const { return m_bGenerateIDs; }
+    void setBGenerateIDs(bool generate) { m_bGenerateIDs = generate; }
     // True when this navigator started the change now being signalled (a user action on
     // it); EDIT and SAVE's RecEditEnd clear it. The host may reset it.
     bool bInitiator() const { return m_bInitiator; }
@@ -345,6 +352,7 @@ private:
     QAction *findButton(const QString &sButton, bool report);
     void toolbarClicked(QAction *button);
     void setButtonsForEditing(bool editing);
+    void applyReadOnly();
     void setNavigationEnabled(bool enabled);
     void obsolete(const QString &accessor);
 
@@ -353,6 +361,9 @@ private:
     void findEnter();
     void findActivated(int index);
     void runFind();
+    QString cutToSortFieldWidths(const QString &search) const;
+    enum class FindOutcome { Found, NothingFound, Failed };
+    FindOutcome findLongestMatch(const QString &search, std::shared_ptr<RecordSource> *found);
     bool openFindSource(const QString &searchText, std::shared_ptr<RecordSource> *found);
     void putOnTopOfSearchList(const QString &text);
     void rememberFoundID(const QString &text, const QString &id);
@@ -371,6 +382,10 @@ private:
     bool commandCopy();
     bool parentAllowsSave();
     QStringList sortFieldValues() const;
+    bool isNewRecord(const QString &id) const;
+    bool keyIsFree(const QString &id, const QString &ownID);
+    bool writeEditedRecord(const QString &heldID);
+    void moveToNeighbour(qint32 position);
     void releaseHeldRecord();
     qint32 returnPositionForNew() const;
 
@@ -379,7 +394,10 @@ private:
     QString holdersPath() const;
     QString highestKeyInTable(const QString &query, bool *ok);
     enum class IdUse { Free, Taken, Twin };
+    IdUse idUseOf(RecordSource &source, const QString &candidate);
+    IdUse idInTable(const QString &candidate, const QString &criterion, const QString &ownID);
     IdUse idTaken(const QString &candidate, const QString &criterion);
+    QString sqlTableName() const;
     void logLines(const QStringList &lines);
 
     // Filters (mvplxrecs_filters.cpp).
@@ -409,13 +427,17 @@ private:
     bool m_enableFind = true, m_enableSort = true, m_enableFilter = true, m_enableBrowse = true;
     bool m_bInitiator = false;
     bool m_bRecDisplay = false;
+    bool m_bGenerateIDs = true;
     QList<bool> m_rememberedButtons;
 
     bool m_movingScrollBar = false; // the navigator sets the bar itself: no IDChange
     bool m_findUnderWay = false;
     bool m_settingFilter = false; // SetSQLFilterAndWhere selects: no FilterChange
     bool m_commandRunning = false; // a command (and the re-read after a save) is under way
-    bool m_newRecord = false; // from NEW or COPY until saved or deleted
+    // The ID the record made by NEW or COPY had when it was made, until that record is saved
+    // or deleted. It names the record, so that a CANCEL of another record's edit never
+    // offers to delete anything.
+    std::optional<QString> m_newRecordID;
     qint32 m_returnPosition = -1; // where a cancelled new record returns to
     QString m_heldID; // the record this navigator holds in edit
     QString m_takenDesc; // description of the record that took an ID candidate

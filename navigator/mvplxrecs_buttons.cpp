@@ -87,6 +87,30 @@ void mvPLXRecs::setButtonsForEditing(bool editing)
             action->setEnabled(editing);
     }
     setNavigationEnabled(!editing);
+    applyReadOnly();
+}
+
+void mvPLXRecs::applyReadOnly()
+{
+    // A source that refuses every write gets no command that would write: each says why
+    // in its tool tip, and gets its own tip back when the source can be written again.
+    const QString reason = m_rs ? m_rs->readOnlyReason() : QString();
+    for (const char *key : { "NEW", "EDIT", "COPY", "DELETE" }) {
+        QAction *action = findButton(QString::fromLatin1(key), false);
+        if (!action)
+            continue;
+        const QVariant ownTip = action->property("plxOwnTip");
+        if (!reason.isEmpty()) {
+            if (!ownTip.isValid())
+                action->setProperty("plxOwnTip", action->toolTip());
+            action->setEnabled(false);
+            action->setToolTip(reason);
+        } else if (ownTip.isValid()) {
+            action->setToolTip(ownTip.toString());
+            action->setProperty("plxOwnTip", QVariant());
+            action->setEnabled(!bButtonEnable(QStringLiteral("SAVE")));
+        }
+    }
 }
 
 } // namespace plx

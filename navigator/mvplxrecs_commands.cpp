@@ -127,7 +127,9 @@ bool mvPLXRecs::commandEdit(const QString &id)
                 MsgStyle::Information, QStringLiteral("Access Denied"));
         return false;
     }
-    LockHolders(holdersPath()).claim(id, m_sUser, clockOf(m_services).now());
+    if (getLenTrim(id) >= 1)
+        LockHolders(holdersPath()).claim(id, m_sUser, clockOf(m_services).now());
+    // The record is known by the ID it had when the edit began, whatever is typed over it.
     m_heldID = id;
     pump();
     bool accepted = true;
@@ -174,6 +176,58 @@ bool mvPLXRecs::parentAllowsSave()
     return valid;
 }
 
+bool mvPLXRecs::isNewRecord(const QString &id) const
+{
+    return m_newRecordID && rtrimSpaces(*m_newRecordID) == rtrimSpaces(id);
+}
+
+bool mvPLXRecs::writeEditedRecord(const QString &heldID)
+{
+    // The rows put their values into the record's edit buffer and the navigator writes the
+    // buffer once, stamp included: the record on disk is the old one or the new one, never
+    // new values under the old stamp, and the lock is held until the write is done.
+    const QString notSaved =
+        QStringLiteral("'") + m_sDesc + QStringLiteral("' record has NOT been saved.");
+    if (m_rs->editMode() == EditMode::None) {
+        // A write that failed earlier may have left the edit; take the record again.
+        if (Status s = m_rs->Edit(); !s.isOk()) {
+            reportEngineError(notSaved, s);
+            return false;
+        }
+    }
+    const QList<BoundControl *> fields = cMervaneControls();
+    for (BoundControl *control : fields)
+        control->EditUpdate();
+    for (BoundControl *control : fields) {
+        const QString said = control->Save();
+        if (!said.isEmpty())
+            showBox(said, MsgStyle::Information, control->Name());
+    }
+    // The ID as the rows left it: typed over, blanked or as it was.
+    const Result<QVariant> typed = m_rs->value(m_sIDfield);
+    const QString id = typed.isOk() ? typed.value().toString() : QString();
+    if (getLenTrim(id) < 1) {
+        const QString message = blankIDMessage(notSaved);
+        logEntry(m_sUser, message, m_services);
+        showBox(message, MsgStyle::Critical, QStringLiteral("Blank ID"));
+        return false;
+    }
+    if (!keyIsFree(id, heldID)) {
+        showBox(QStringLiteral("The ID ") + rtrimSpaces(id)
+                    + QStringLiteral(" is already used by another record: ") + m_takenDesc + kCrLf
+                    + kCrLf + notSaved,
+                MsgStyle::Critical, QStringLiteral("Record Not Saved"));
+        return false;
+    }
+    (void)m_rs->setValue(QStringLiteral("PLLASTREV"), auditStamp());
+    if (Status s = m_rs->Update(); !s.isOk()) {
+        // Still in edit, with everything typed on screen: the user can try again or cancel.
+        reportEngineError(notSaved, s);
+        return false;
+    }
+    return true;
+}
+
 bool mvPLXRecs::commandSave()
 {
     QString id;
@@ -181,7 +235,8 @@ bool mvPLXRecs::commandSave()
         const Result<QVariant> value = m_rs->value(m_sIDfield);
         id = value.isOk() ? value.value().toString() : QString();
     }
-    if (getLenTrim(id) < 1) {
+    // A key the user types is still in its row here: it is checked once the rows are written.
+    if (getLenTrim(id) < 1 && (m_bGenerateIDs || !m_rs)) {
         const QString message = blankIDMessage(QStringLiteral("'") + m_sDesc
                                                + QStringLiteral("' record has NOT been saved."));
         logEntry(m_sUser, message, m_services);
@@ -194,48 +249,38 @@ bool mvPLXRecs::commandSave()
         return false;
     }
     const QList<BoundControl *> fields = cMervaneControls();
-    // The order of the records changes only when a sort field changes.
+    const QString heldID = m_heldID;
+    const bool wasNew = isNewRecord(heldID);
+    // The order of the records changes only when a sort field (or the ID) changes.
     const QStringList sortValuesBefore = sortFieldValues();
-    for (BoundControl *control : fields)
-        control->EditUpdate();
-    for (BoundControl *control : fields) {
-        const QString said = control->Save();
-        if (!said.isEmpty())
-            showBox(said, MsgStyle::Information, control->Name());
-    }
     if (m_rs) {
-        // The rows wrote into the record's edit buffer: editing again would drop it.
-        if (m_rs->editMode() == EditMode::None) {
-            if (Status s = m_rs->Edit(); !s.isOk()) {
-                reportEngineError(QStringLiteral("'") + m_sDesc
-                                      + QStringLiteral("' record has NOT been saved."),
-                                  s);
-                return false;
-            }
-        }
-        (void)m_rs->setValue(QStringLiteral("PLLASTREV"), auditStamp());
-        if (Status s = m_rs->Update(); !s.isOk()) {
-            // Still in edit: the user can try again or cancel; nothing typed is lost.
-            reportEngineError(
-                QStringLiteral("'") + m_sDesc + QStringLiteral("' record has NOT been saved."), s);
+        if (!writeEditedRecord(heldID))
             return false;
-        }
+        // From here on the record is known by the ID it was saved with.
+        id = currentIDText();
         releaseHeldRecord();
         pump();
         m_sEventInfo = QStringLiteral("ButtonClick: Save (RecSave)");
         Q_EMIT RecSave(id);
+    } else {
+        for (BoundControl *control : fields)
+            control->EditUpdate();
+        for (BoundControl *control : fields) {
+            const QString said = control->Save();
+            if (!said.isEmpty())
+                showBox(said, MsgStyle::Information, control->Name());
+        }
     }
     pump();
     for (BoundControl *control : fields)
         control->setLocked(true);
     for (QWidget *other : cOtherControls())
         other->setEnabled(false);
-    const bool wasNew = m_newRecord;
     if (m_rs) {
         m_bInitiator = false;
         m_sEventInfo = QStringLiteral("ButtonClick: Save (EditEnd)");
         Q_EMIT RecEditEnd(id);
-        if (m_newRecord) {
+        if (wasNew) {
             m_sEventInfo = QStringLiteral("ButtonClick: Save (RecAdded)");
             Q_EMIT RecAdded(id);
             pump();
@@ -245,11 +290,17 @@ bool mvPLXRecs::commandSave()
             refreshCountDisplay();
         }
     }
-    m_newRecord = false;
+    if (wasNew)
+        m_newRecordID.reset();
     // The record is re-read in its place in the order. An edit that left every sort field
-    // as it was keeps the order as it is, so the query need not run again.
-    if (m_rs && (wasNew || sortFieldValues() != sortValuesBefore))
+    // and the ID as they were keeps the order as it is, so the query need not run again.
+    if (m_rs
+        && (wasNew || rtrimSpaces(id) != rtrimSpaces(heldID)
+            || sortFieldValues() != sortValuesBefore))
         requery(id, false);
+    // The rows show what the table kept, in the record that is current now.
+    for (BoundControl *control : fields)
+        control->UpdateDBF();
     return true;
 }
 
@@ -275,17 +326,32 @@ void mvPLXRecs::releaseHeldRecord()
     m_heldID.clear();
 }
 
+void mvPLXRecs::moveToNeighbour(qint32 position)
+{
+    // A deleted record leaves no current record: its neighbour takes its place, the one
+    // after it, or the one before when it was the last.
+    const qint32 count = m_rs->RecordCount();
+    if (count > 0)
+        (void)m_rs->setAbsolutePosition(qBound(0, position, count - 1));
+    setScrollBar();
+    refreshCountDisplay();
+}
+
 bool mvPLXRecs::commandCancel(const QString &id)
 {
+    // The record is the one whose edit began under this ID, whatever the rows put into
+    // its edit buffer since; only the record NEW or COPY made is ever offered for deletion.
+    const QString editedID = m_heldID;
     if (m_rs)
         (void)m_rs->CancelUpdate();
     releaseHeldRecord();
+    const QString recordID = m_rs ? currentIDText() : id;
     const QList<BoundControl *> fields = cMervaneControls();
     for (BoundControl *control : fields)
         control->CancelEdit();
     if (m_rs) {
         m_sEventInfo = QStringLiteral("ButtonClick: Cancel (RecCancel)");
-        Q_EMIT RecCancel(id);
+        Q_EMIT RecCancel(recordID);
         pump();
     }
     for (BoundControl *control : fields)
@@ -296,27 +362,27 @@ bool mvPLXRecs::commandCancel(const QString &id)
         control->UpdateDBF();
     if (m_rs) {
         m_sEventInfo = QStringLiteral("ButtonClick: Cancel (RecEditEnd)");
-        Q_EMIT RecEditEnd(id);
+        Q_EMIT RecEditEnd(recordID);
     }
-    if (m_newRecord) {
-        const MsgAnswer answer =
-            prompterOf(m_services)
-                .msgBox(QStringLiteral("Delete the New record?"),
-                        MsgStyle::YesNo | MsgStyle::DefaultButton2, QStringLiteral("Delete?"));
-        if (answer == MsgAnswer::Yes && m_rs) {
-            if (Status s = m_rs->Delete(); !s.isOk()) {
-                reportEngineError(QStringLiteral("The new record could not be deleted."), s);
-                return true;
-            }
-            m_newRecord = false;
-            if (m_returnPosition >= 0 && m_returnPosition < m_rs->RecordCount())
-                (void)m_rs->setAbsolutePosition(m_returnPosition);
-            setScrollBar();
-            refreshCountDisplay();
-            m_sEventInfo = QStringLiteral("ButtonClick: Cancel (RecDelete)");
-            Q_EMIT RecDelete(id);
-        }
+    if (!m_rs || !isNewRecord(editedID) || !isNewRecord(recordID))
+        return true;
+    const MsgAnswer answer =
+        prompterOf(m_services)
+            .msgBox(QStringLiteral("Delete the New record?"),
+                    MsgStyle::YesNo | MsgStyle::DefaultButton2, QStringLiteral("Delete?"));
+    if (answer != MsgAnswer::Yes)
+        return true; // the record stays, and stays the new record: its SAVE adds it
+    if (Status s = m_rs->Delete(); !s.isOk()) {
+        reportEngineError(QStringLiteral("The new record could not be deleted."), s);
+        return true;
     }
+    m_newRecordID.reset();
+    if (m_returnPosition >= 0 && m_returnPosition < m_rs->RecordCount())
+        (void)m_rs->setAbsolutePosition(m_returnPosition);
+    setScrollBar();
+    refreshCountDisplay();
+    m_sEventInfo = QStringLiteral("ButtonClick: Cancel (RecDelete)");
+    Q_EMIT RecDelete(recordID);
     return true;
 }
 
@@ -336,10 +402,20 @@ bool mvPLXRecs::commandDelete(const QString &id)
         return true;
     if (prompter.msgBox(question, yesNoNo, QStringLiteral("Are you sure?")) != MsgAnswer::Yes)
         return true;
+    const qint32 position = m_rs->AbsolutePosition();
     if (Status s = m_rs->Delete(); !s.isOk()) {
-        reportEngineError(QStringLiteral("The record could not be deleted."), s);
+        QString what = QStringLiteral("The record could not be deleted.");
+        if (s.code() == Status::Code::Locked) {
+            const QString holder = LockHolders(holdersPath()).describe(id);
+            if (!holder.isEmpty())
+                what += kCrLf + holder;
+        }
+        reportEngineError(what, s);
         return true;
     }
+    if (isNewRecord(id))
+        m_newRecordID.reset();
+    moveToNeighbour(position);
     m_bInitiator = true;
     m_sEventInfo = QStringLiteral("ButtonClick: Delete (RecDelete)");
     Q_EMIT RecDelete(id);
@@ -363,6 +439,13 @@ Status mvPLXRecs::appendRecord(const QVariantList &values, const QString &id)
     // The record is in the table, with its ID and both stamps, before anyone types in it.
     const QString stamp = auditStamp();
     Status s = m_rs->AddNew();
+    if (values.isEmpty()) {
+        // A new record's flags read False, not Null: a check box has no third state to show.
+        const QList<FieldInfo> &infos = m_rs->fieldInfos();
+        for (int i = 0; s.isOk() && i < infos.size(); ++i)
+            if (infos[i].type == FieldType::Boolean)
+                s = m_rs->setValue(i, false);
+    }
     for (int i = 0; s.isOk() && i < values.size(); ++i)
         s = m_rs->setValue(i, values[i]);
     if (s.isOk())
@@ -381,8 +464,9 @@ Status mvPLXRecs::appendRecord(const QVariantList &values, const QString &id)
 bool mvPLXRecs::commandNew()
 {
     m_returnPosition = returnPositionForNew();
-    const QString id = NewIDPLX();
-    if (trimSpaces(id).isEmpty()) {
+    // A table whose key the user types gets a blank one, filled in before SAVE.
+    const QString id = m_bGenerateIDs ? NewIDPLX() : QString();
+    if (m_bGenerateIDs && trimSpaces(id).isEmpty()) {
         const QString message = blankIDMessage(QStringLiteral("New record has NOT been created."));
         logEntry(m_sUser, message, m_services);
         showBox(message, MsgStyle::Critical, QStringLiteral("Record Not Saved"));
@@ -399,7 +483,7 @@ bool mvPLXRecs::commandNew()
     idle();
     (void)m_rs->MoveLast();
     refreshCountDisplay();
-    m_newRecord = true;
+    m_newRecordID = id;
     m_bInitiator = true;
     m_sEventInfo = QStringLiteral("ButtonClick: New (RecNew)");
     Q_EMIT RecNew();
@@ -409,8 +493,8 @@ bool mvPLXRecs::commandNew()
 bool mvPLXRecs::commandCopy()
 {
     m_returnPosition = returnPositionForNew();
-    const QString id = NewIDPLX();
-    if (trimSpaces(id).isEmpty())
+    const QString id = m_bGenerateIDs ? NewIDPLX() : QString();
+    if (m_bGenerateIDs && trimSpaces(id).isEmpty())
         return true;
     const QList<FieldInfo> fields = m_rs->fieldInfos();
     QVariantList values;
@@ -423,7 +507,7 @@ bool mvPLXRecs::commandCopy()
         return false;
     }
     (void)m_rs->MoveLast();
-    m_newRecord = true;
+    m_newRecordID = id;
     m_bInitiator = true;
     m_sEventInfo = QStringLiteral("ButtonClick: Copy (RecCopy)");
     Q_EMIT RecCopy(id);

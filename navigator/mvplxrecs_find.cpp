@@ -4,6 +4,8 @@
 // navigator then moves its own record source onto that record's ID.
 #include "navigator/mvplxrecs.h"
 
+#include "navigator/navigatortext_p.h"
+
 #include "services/activitylog.h"
 #include "services/recordsource/database.h"
 #include "services/texthelpers.h"
@@ -137,14 +139,17 @@ bool mvPLXRecs::openFindSource(const QString &searchText, std::shared_ptr<Record
             continue;
         if (!conditions.isEmpty())
             conditions += QStringLiteral("AND ");
-        conditions += QStringLiteral("UCase([") + m_table + QLatin1Char('.') + field
-            + QStringLiteral("]) LIKE '") + piece + QStringLiteral("*") + QStringLiteral("'")
-            + QLatin1Char(' ');
+        const QString qualified = jetQualified(m_table, field);
+        const QString column = qualified.contains(QLatin1Char('['))
+            ? qualified
+            : QLatin1Char('[') + qualified + QLatin1Char(']');
+        conditions += QStringLiteral("UCase(") + column + QStringLiteral(") LIKE '") + piece
+            + QStringLiteral("*") + QStringLiteral("'") + QLatin1Char(' ');
     }
     if (conditions.isEmpty())
         return false;
     const QString sql =
-        fixPipeInSQL(QStringLiteral("SELECT * from ") + m_table + QStringLiteral(" WHERE ")
+        fixPipeInSQL(QStringLiteral("SELECT * from ") + sqlTableName() + QStringLiteral(" WHERE ")
                      + conditions + QStringLiteral("ORDER BY ") + orderByList(sortFields));
     Result<std::unique_ptr<RecordSource>> opened = m_db->OpenRecordset(sql);
     if (!opened.isOk()) {
@@ -157,32 +162,81 @@ bool mvPLXRecs::openFindSource(const QString &searchText, std::shared_ptr<Record
     return true;
 }
 
+QString mvPLXRecs::cutToSortFieldWidths(const QString &search) const
+{
+    // No value of a text field is longer than the field, so the characters beyond its
+    // width can never match: dropping them first spares the widening loop one query per
+    // character of a long pasted text.
+    const QString sortFields = currentSortFields();
+    QStringList pieces = search.split(QLatin1Char('\t'));
+    for (qsizetype i = 0; i < pieces.size(); ++i) {
+        const QString field =
+            trimSpaces(getDelimField(sortFields, QStringLiteral(","), qint16(i + 1), QString()));
+        const int index = m_rs->fieldIndex(field);
+        if (index < 0)
+            continue;
+        const FieldInfo &info = m_rs->fieldInfos().at(index);
+        if (info.type == FieldType::Text && info.size > 0 && pieces[i].size() > info.size)
+            pieces[i].truncate(info.size);
+    }
+    return pieces.join(QLatin1Char('\t'));
+}
+
+mvPLXRecs::FindOutcome mvPLXRecs::findLongestMatch(const QString &search,
+                                                   std::shared_ptr<RecordSource> *found)
+{
+    // The text as typed first: nearly always something starts with it. Otherwise the find
+    // widens to the longest start of the text that something starts with. A shorter start
+    // matches whatever a longer one matches, so halving the range finds that length in a
+    // few queries however long the text is.
+    auto matches = [&](qsizetype length, std::shared_ptr<RecordSource> *hit, bool *failed) {
+        std::shared_ptr<RecordSource> rs;
+        if (!openFindSource(search.left(length), &rs)) {
+            *failed = true;
+            return false;
+        }
+        if (rs->isBOF() && rs->isEOF())
+            return false;
+        *hit = std::move(rs);
+        return true;
+    };
+    bool failed = false;
+    if (matches(search.size(), found, &failed))
+        return FindOutcome::Found;
+    qsizetype known = 0; // longest length known to match (0: none yet)
+    qsizetype fails = search.size(); // shortest length known to find nothing
+    while (!failed && fails - known > 1) {
+        const qsizetype mid = known + (fails - known) / 2;
+        std::shared_ptr<RecordSource> hit;
+        if (matches(mid, &hit, &failed)) {
+            known = mid;
+            *found = std::move(hit);
+        } else {
+            fails = mid;
+        }
+    }
+    if (failed)
+        return FindOutcome::Failed; // the query could not run: said in the activity log
+    return known > 0 ? FindOutcome::Found : FindOutcome::NothingFound;
+}
+
 void mvPLXRecs::runFind()
 {
     if (!m_rs || !m_db || m_findUnderWay)
         return;
     m_findUnderWay = true;
     const QString trimmed = trimSpaces(m_cboFind->currentText());
-    QString search = trimmed.toUpper();
+    const QString search = cutToSortFieldWidths(trimmed.toUpper());
     std::shared_ptr<RecordSource> found;
-    for (;;) {
-        if (!openFindSource(search, &found)) {
-            m_findUnderWay = false;
-            return;
-        }
-        if (!found->isBOF() || !found->isEOF())
-            break;
-        found.reset();
-        if (search.size() < 2) {
+    const FindOutcome outcome = findLongestMatch(search, &found);
+    if (outcome != FindOutcome::Found) {
+        if (outcome == FindOutcome::NothingFound)
             showBox(QStringLiteral("Search ") + m_cboSort->currentText() + QStringLiteral(" for '")
                         + trimmed + QStringLiteral("'") + QStringLiteral("\r\n\r\n")
                         + QStringLiteral("The search did not find any records."),
                     MsgStyle::Information, QStringLiteral("Nothing Found"));
-            m_findUnderWay = false;
-            return;
-        }
-        // Nothing starts with all of it: widen the find one character at a time.
-        search.chop(1);
+        m_findUnderWay = false;
+        return;
     }
     m_findRs = found;
     (void)m_findRs->MoveLast();

@@ -4,6 +4,7 @@
 // it is on disk, so no two records ever get the same ID.
 #include "navigator/mvplxrecs.h"
 
+#include "navigator/navigatortext_p.h"
 #include "navigator/recordid_p.h"
 #include "services/activitylog.h"
 #include "services/paths.h"
@@ -151,59 +152,83 @@ QString mvPLXRecs::highestKeyInTable(const QString &query, bool *ok)
     return id.isOk() ? rtrimSpaces(id.value().toString()).right(7) : QString();
 }
 
-mvPLXRecs::IdUse mvPLXRecs::idTaken(const QString &candidate, const QString &criterion)
+mvPLXRecs::IdUse mvPLXRecs::idUseOf(RecordSource &source, const QString &candidate)
 {
     // Which record holds the candidate decides: the very same ID, or only one that the
     // engine's text comparison takes for it (a case-insensitive engine sees "PLE000000a" in
-    // "PLE000000A"). Such a twin could never be found apart from its record, so the
-    // candidate is skipped, but it is no sign of a key file gone wrong.
-    auto useOf = [&](RecordSource &source) {
-        const Result<QVariant> desc = source.value(m_sDescfield);
-        m_takenDesc = desc.isOk() ? desc.value().toString() : QString();
+    // "PLE000000A"). Such a twin could never be found apart from its record.
+    const Result<QVariant> desc = source.value(m_sDescfield);
+    m_takenDesc = desc.isOk() ? desc.value().toString() : QString();
+    const Result<QVariant> id = source.value(m_sIDfield);
+    return id.isOk() && rtrimSpaces(id.value().toString()) == rtrimSpaces(candidate) ? IdUse::Taken
+                                                                                     : IdUse::Twin;
+}
+
+mvPLXRecs::IdUse mvPLXRecs::idInTable(const QString &candidate, const QString &criterion,
+                                      const QString &ownID)
+{
+    // The table as it is on disk: another user may have added the ID since this
+    // navigator's query ran. The record known as `ownID` does not count.
+    if (!m_db)
+        return IdUse::Free;
+    auto isOwn = [&](RecordSource &source) {
         const Result<QVariant> id = source.value(m_sIDfield);
-        return id.isOk() && rtrimSpaces(id.value().toString()) == rtrimSpaces(candidate)
-            ? IdUse::Taken
-            : IdUse::Twin;
+        return !ownID.isNull() && id.isOk()
+            && rtrimSpaces(id.value().toString()) == rtrimSpaces(ownID);
     };
+    // A table file is searched through a fresh source over all of it (the driver finds an
+    // ID in an open source faster than it runs a WHERE over the file); a database answers
+    // the WHERE from its index.
+    const bool tableFile = getLenTrim(m_sDBFPathFileName) >= 1;
+    Result<std::unique_ptr<RecordSource>> fresh =
+        m_db->OpenRecordset(QStringLiteral("SELECT * from ") + sqlTableName()
+                            + (tableFile ? QString() : QStringLiteral(" WHERE ") + criterion));
+    if (!fresh.isOk())
+        return IdUse::Free;
+    RecordSource &source = *fresh.value();
+    bool atMatch =
+        tableFile ? source.FindFirst(criterion).isOk() && !source.NoMatch() : !source.isEOF();
+    while (atMatch) {
+        if (!isOwn(source))
+            return idUseOf(source, candidate);
+        atMatch = tableFile ? source.FindNext(criterion).isOk() && !source.NoMatch()
+                            : source.MoveNext().isOk() && !source.isEOF();
+    }
+    return IdUse::Free;
+}
+
+mvPLXRecs::IdUse mvPLXRecs::idTaken(const QString &candidate, const QString &criterion)
+{
     // The navigator's own record source first, as it stands.
     if (m_rs) {
         const qint32 position = m_rs->AbsolutePosition();
         const Status found = m_rs->FindFirst(criterion);
         const bool match = found.isOk() && !m_rs->NoMatch();
-        const IdUse use = match ? useOf(*m_rs) : IdUse::Free;
+        const IdUse use = match ? idUseOf(*m_rs, candidate) : IdUse::Free;
         if (position >= 0)
             (void)m_rs->setAbsolutePosition(position);
         if (match)
             return use;
     }
-    // Then the table as it is on disk: another user may have added the ID since this
-    // navigator's query ran.
-    if (m_db) {
-        // A table file is searched through a fresh source over all of it (the driver finds
-        // an ID in an open source faster than it runs a WHERE over the file); a database
-        // answers the WHERE from its index.
-        if (getLenTrim(m_sDBFPathFileName) >= 1) {
-            Result<std::unique_ptr<RecordSource>> fresh =
-                m_db->OpenRecordset(QStringLiteral("SELECT * from ") + m_table);
-            if (fresh.isOk() && fresh.value()->FindFirst(criterion).isOk()
-                && !fresh.value()->NoMatch())
-                return useOf(*fresh.value());
-        } else {
-            Result<std::unique_ptr<RecordSource>> fresh = m_db->OpenRecordset(
-                QStringLiteral("SELECT * from ") + m_table + QStringLiteral(" WHERE ") + criterion);
-            if (fresh.isOk() && !fresh.value()->isEOF())
-                return useOf(*fresh.value());
-        }
-    }
-    return IdUse::Free;
+    return idInTable(candidate, criterion, QString());
+}
+
+bool mvPLXRecs::keyIsFree(const QString &id, const QString &ownID)
+{
+    // A record that keeps its ID keeps it, even where the table already held it twice.
+    if (rtrimSpaces(id) == rtrimSpaces(ownID))
+        return true;
+    return idInTable(id, m_sIDfield + QStringLiteral(" = ") + strToASC(id), ownID) == IdUse::Free;
 }
 
 QString mvPLXRecs::NewIDPLX()
 {
     const QString keyFile = keyFilePath();
-    if (keyFile.isEmpty() || getLenTrim(m_sIDfield) < 1)
+    // No side files beside a table that cannot be written: its records get no new IDs.
+    if (keyFile.isEmpty() || getLenTrim(m_sIDfield) < 1
+        || (m_rs && !m_rs->readOnlyReason().isEmpty()))
         return QString();
-    const QString query = highestIdQuery(getFileTitle(tableFilePath()), m_sIDfield);
+    const QString query = highestIdQuery(sqlTableName(), m_sIDfield);
 
     // One navigator at a time makes an ID for this table, in every process.
     Result<std::unique_ptr<LockFile>> lock = LockFile::open(keyFile + QStringLiteral(".lock"));

@@ -62,6 +62,7 @@ void mvPLXRecs::setRs(std::shared_ptr<RecordSource> rs)
     }
     refreshCountDisplay();
     shareRsWithFields();
+    applyReadOnly();
 }
 
 void mvPLXRecs::shareRsWithFields()
@@ -101,7 +102,7 @@ QString mvPLXRecs::orderByList(const QString &fields) const
     for (qint16 i = 1; i <= count; ++i) {
         const QString piece = trimSpaces(getDelimField(fields, QStringLiteral(","), i, QString()));
         if (getLenTrim(piece) >= 1)
-            pieces.append(m_table + QLatin1Char('.') + piece);
+            pieces.append(jetSortPiece(m_table, piece));
     }
     return pieces.join(QStringLiteral(", "));
 }
@@ -120,8 +121,15 @@ QString mvPLXRecs::composeQuery() const
     const QString orderBy = orderByList(currentSortFields());
     const QString orderClause =
         getLenTrim(orderBy) >= 1 ? QStringLiteral(" ORDER BY ") + orderBy : QString();
-    return QStringLiteral("SELECT * from ") + m_table + QLatin1Char(' ') + m_sSQLJOIN
+    return QStringLiteral("SELECT * from ") + sqlTableName() + QLatin1Char(' ') + m_sSQLJOIN
         + QLatin1Char(' ') + m_sSQLWhere + QLatin1Char(' ') + orderClause;
+}
+
+QString mvPLXRecs::sqlTableName() const
+{
+    // Table files are named by their file, and a file name need not be an identifier
+    // ("91.dbf", "my people.dbf", "ORDER.DBF").
+    return jetName(m_table.isEmpty() ? getFileTitle(tableFilePath()) : m_table);
 }
 
 QString mvPLXRecs::currentIDText() const
@@ -137,8 +145,8 @@ bool mvPLXRecs::findIDInRs(const QString &id)
     if (!m_rs || getLenTrim(id) < 1)
         return false;
     const qint32 before = m_rs->AbsolutePosition();
-    const Status found = m_rs->FindFirst(m_table + QLatin1Char('.') + m_sIDfield
-                                         + QStringLiteral(" = ") + strToASC(id));
+    const Status found =
+        m_rs->FindFirst(jetQualified(m_table, m_sIDfield) + QStringLiteral(" = ") + strToASC(id));
     if (found.isOk() && !m_rs->NoMatch())
         return true;
     if (before >= 0)
@@ -260,7 +268,7 @@ void mvPLXRecs::connectByFile(const QString &path)
         return;
     }
     setDatabase(std::shared_ptr<Database>(std::move(db.value())), getFileTitle(libraryPath), path);
-    QString sql = QStringLiteral("SELECT * from ") + m_table;
+    QString sql = QStringLiteral("SELECT * from ") + sqlTableName();
     const QString orderBy = orderByList(currentSortFields());
     if (m_cboSort->count() > 0 && m_cboSort->currentIndex() >= 0 && getLenTrim(orderBy) >= 1)
         sql += QStringLiteral(" ORDER BY ") + orderBy;
@@ -347,6 +355,7 @@ void mvPLXRecs::setBRecDisplay(bool display)
     setBButtonEnable(QStringLiteral("EDIT"), edit);
     setBButtonEnable(QStringLiteral("COPY"), edit);
     setBButtonEnable(QStringLiteral("DELETE"), edit);
+    applyReadOnly();
 }
 
 QString mvPLXRecs::sCurrentID()

@@ -59,7 +59,6 @@ TEST_P(ChecksTest, BoxesRoundTripInTheirFieldsOwnForms)
     EXPECT_TRUE(checks.bEdit(true));
     checks.EditUpdate();
     EXPECT_EQ(checks.Save(), QString());
-    ASSERT_TRUE(rs->Edit().isOk());
     ASSERT_TRUE(rs->Update().isOk());
     EXPECT_EQ(reread(GetParam(), dir.path(), 0, QStringLiteral("ACTIVE")).toBool(), true);
     EXPECT_EQ(reread(GetParam(), dir.path(), 0, QStringLiteral("FLAGT")).toString(),

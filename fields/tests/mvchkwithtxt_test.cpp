@@ -122,7 +122,6 @@ TEST_F(ChkWithTxtTest, TableFileAndTheNavigatorsCycleCoverBothParts)
     EXPECT_TRUE(control->bEdit(true, nullptr));
     control->EditUpdate();
     EXPECT_EQ(control->Save(), QString());
-    ASSERT_TRUE(rs->Edit().isOk());
     ASSERT_TRUE(rs->Update().isOk());
     EXPECT_EQ(reread(Store::FoxPro1251, dir.path(), 0, QStringLiteral("NAME")).toString().trimmed(),
               QStringLiteral("Жук"));

@@ -172,6 +172,8 @@ TEST_F(NameStackTest, AFailingRowDoesNotStopTheOthers)
                               MsgStyle::Exclamation, MsgAnswer::OK);
     EXPECT_EQ(names.SaveDBF(), QString());
     EXPECT_EQ(names.Save(), QString());
+    EXPECT_EQ(names.sValue(1), QString()) << "the refused text is not left showing";
+    ASSERT_TRUE(rs->Update().isOk()); // the rows fill the buffer, the edit's owner writes it
     EXPECT_EQ(reread(Store::Sqlite, dir.path(), 0, QStringLiteral("BORN")).toDate(),
               QDate(2001, 12, 24));
 }
@@ -192,7 +194,7 @@ TEST_F(NameStackTest, TheNavigatorsCycleThroughTheSharedInterface)
     names.setSValue(1, QStringLiteral("99.5"));
     control->EditUpdate();
     EXPECT_EQ(control->Save(), QString());
-    ASSERT_TRUE(rs->Edit().isOk()); // the navigator's stamp
+    // The navigator's stamp, in the same write as the rows' values.
     ASSERT_TRUE(rs->setValue(QStringLiteral("FLAGT"), QStringLiteral("X")).isOk());
     ASSERT_TRUE(rs->Update().isOk());
     EXPECT_EQ(reread(Store::FoxPro1252, dir.path(), 0, QStringLiteral("NAME")).toString().trimmed(),

@@ -13,6 +13,7 @@
 #include <QComboBox>
 #include <QFile>
 #include <QGroupBox>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QSysInfo>
 #include <QTest>
@@ -290,6 +291,115 @@ TEST_P(Commands, DeleteAsksTwiceAndOnlyYesTwiceDeletes)
                   "RecDelete(PLE0000004) [ButtonClick: Delete (RecDelete)] initiator") });
     EXPECT_EQ(countOnDisk(), 9);
     EXPECT_TRUE(onDisk(QStringLiteral("PLE0000004")).isEmpty());
+    // The last record by name went: the one before it is current now.
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000005"));
+    EXPECT_EQ(nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"))->value(), 8);
+}
+
+// A session a user had: a new record kept on Cancel, then an older record edited and
+// cancelled. Only the new record is ever offered for deletion, and it still is later.
+TEST_P(Commands, CancelOffersToDeleteOnlyTheNewRecord)
+{
+    configureWithFields();
+    nav->ClickButton(QStringLiteral("NEW"));
+    env.prompter.expectMsgBox(QStringLiteral("Delete?"), QStringLiteral("Delete the New record?"),
+                              260, MsgAnswer::No);
+    nav->ClickButton(QStringLiteral("CANCEL"));
+    auto *back = nav->findChild<QPushButton *>(QStringLiteral("cmdRecBack"));
+    back->click();
+    back->click();
+    const QString older = nav->sCurrentID();
+    ASSERT_NE(older, QStringLiteral("PLE0000011"));
+    nav->ClickButton(QStringLiteral("EDIT"));
+    nav->ClickButton(QStringLiteral("CANCEL")); // the strict prompter refuses any box here
+    EXPECT_EQ(countOnDisk(), 11);
+    EXPECT_FALSE(onDisk(older).isEmpty());
+    EXPECT_EQ(nav->sCurrentID(), older);
+
+    nav->SetFindFromID(QStringLiteral("PLE0000011"));
+    nav->ClickButton(QStringLiteral("EDIT"));
+    env.prompter.expectMsgBox(QStringLiteral("Delete?"), QStringLiteral("Delete the New record?"),
+                              260, MsgAnswer::Yes);
+    nav->ClickButton(QStringLiteral("CANCEL"));
+    EXPECT_TRUE(onDisk(QStringLiteral("PLE0000011")).isEmpty());
+    EXPECT_FALSE(onDisk(older).isEmpty());
+    EXPECT_EQ(env.prompter.pending(), 0);
+}
+
+// The ID row typed over before the first SAVE: the saved record stays current under its
+// new ID, so the next EDIT and SAVE change that record and no other.
+TEST_P(Commands, ARecordSavedUnderATypedIDStaysCurrent)
+{
+    configureWithFields();
+    nav->ClickButton(QStringLiteral("NEW"));
+    fields->setSValue(0, QStringLiteral("NEWCO"));
+    fields->setSValue(2, QStringLiteral("PLX0000123"));
+    events->clear();
+    nav->ClickButton(QStringLiteral("SAVE"));
+    EXPECT_EQ(events->names(),
+              (QStringList{ QStringLiteral("RecSave"), QStringLiteral("RecEditEnd"),
+                            QStringLiteral("RecAdded"), QStringLiteral("IDChange") }));
+    EXPECT_EQ(events->events().last().argument, QStringLiteral("PLX0000123"));
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLX0000123"));
+    EXPECT_EQ(fields->sValue(2), QStringLiteral("PLX0000123"));
+
+    nav->ClickButton(QStringLiteral("EDIT"));
+    fields->setSValue(1, QStringLiteral("TOPEKA"));
+    nav->ClickButton(QStringLiteral("SAVE"));
+    EXPECT_EQ(onDisk(QStringLiteral("PLX0000123")).value(QStringLiteral("CITY")),
+              QStringLiteral("TOPEKA"));
+    EXPECT_EQ(onDisk(QStringLiteral("PLE0000006")).value(QStringLiteral("CITY")),
+              QStringLiteral("GARY")); // the first record by name is untouched
+    EXPECT_TRUE(onDisk(QStringLiteral("PLE0000011")).isEmpty());
+    EXPECT_EQ(countOnDisk(), 11);
+    EXPECT_EQ(env.prompter.pending(), 0);
+}
+
+TEST_P(Commands, AnIDAnotherRecordHoldsIsRefusedAndTheEditGoesOn)
+{
+    configureWithFields();
+    find(QStringLiteral("JONES"));
+    nav->ClickButton(QStringLiteral("EDIT"));
+    fields->setSValue(1, QStringLiteral("WACO"));
+    fields->setSValue(2, QStringLiteral("PLE0000006")); // ADAMS's
+    env.prompter.expectMsgBox(
+        QStringLiteral("Record Not Saved"),
+        QStringLiteral("The ID PLE0000006 is already used by another record: ADAMS\r\n\r\n"
+                       "'Facilities' record has NOT been saved."),
+        16, MsgAnswer::OK);
+    events->clear();
+    nav->ClickButton(QStringLiteral("SAVE"));
+    EXPECT_TRUE(events->events().isEmpty());
+    EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("SAVE"))); // still editing
+    EXPECT_EQ(fields->sValue(1), QStringLiteral("WACO")); // nothing typed is lost
+    EXPECT_EQ(onDisk(QStringLiteral("PLE0000001")).value(QStringLiteral("CITY")),
+              QStringLiteral("AUSTIN"));
+
+    // A free ID is taken; the record keeps what was typed.
+    fields->setSValue(2, QStringLiteral("PLE0000099"));
+    nav->ClickButton(QStringLiteral("SAVE"));
+    EXPECT_FALSE(nav->bButtonEnable(QStringLiteral("SAVE")));
+    EXPECT_EQ(onDisk(QStringLiteral("PLE0000099")).value(QStringLiteral("CITY")),
+              QStringLiteral("WACO"));
+    EXPECT_TRUE(onDisk(QStringLiteral("PLE0000001")).isEmpty());
+    EXPECT_EQ(onDisk(QStringLiteral("PLE0000006")).value(QStringLiteral("NAME")),
+              QStringLiteral("ADAMS"));
+    EXPECT_EQ(env.prompter.pending(), 0);
+}
+
+TEST_P(Commands, WithoutGeneratedIDsTheUserTypesTheKey)
+{
+    configureWithFields();
+    nav->setBGenerateIDs(false);
+    nav->ClickButton(QStringLiteral("NEW"));
+    EXPECT_EQ(fields->sValue(2), QString());
+    EXPECT_FALSE(QFile::exists(nav->keyFilePath())); // no key file for typed keys
+    fields->setSValue(0, QStringLiteral("KEYED"));
+    fields->setSValue(2, QStringLiteral("K1"));
+    nav->ClickButton(QStringLiteral("SAVE"));
+    EXPECT_EQ(onDisk(QStringLiteral("K1")).value(QStringLiteral("NAME")), QStringLiteral("KEYED"));
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("K1"));
+    EXPECT_EQ(env.prompter.pending(), 0);
 }
 
 TEST_P(Commands, NoCurrentRecordAndBlankIDAreRefusedWithTheirBoxes)

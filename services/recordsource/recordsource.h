@@ -151,6 +151,10 @@ public:
     // until the caller moves.
     // None outside an edit; Edit between Edit and Update/CancelUpdate; AddNew likewise.
     virtual EditMode editMode() const = 0;
+    // Why this source refuses every write (a write-protected file or folder, an index the
+    // engine cannot keep up to date), in words fit for a status bar; empty when it can be
+    // written. Edit, AddNew and Delete fail on such a source with this reason.
+    virtual QString readOnlyReason() const { return {}; }
     virtual Status AddNew() = 0;
     virtual Status Edit() = 0;
     virtual Status Update() = 0;
