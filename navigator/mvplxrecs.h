@@ -441,6 +441,8 @@ private:
     qint32 m_returnPosition = -1; // where a cancelled new record returns to
     QString m_heldID; // the record this navigator holds in edit
     QString m_takenDesc; // description of the record that took an ID candidate
+    QString m_filterInForce; // the filter box's entry whose WHERE text the records follow
+    QString m_lastQueryError; // first line of why the latest query could not be opened
 
     QComboBox *m_cboSort = nullptr;
     QComboBox *m_cboFind = nullptr;

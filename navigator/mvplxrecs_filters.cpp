@@ -69,15 +69,32 @@ void mvPLXRecs::SetSQLFilterAndWhere(const QString &sFilterDescInp, const QStrin
                                      bool bRefreshRS)
 {
     m_settingFilter = true;
-    if (getLenTrim(sFilterDescInp) >= 1)
-        setComboBox(m_cboFilter, sFilterDescInp, false);
-    else
-        setComboBox(m_cboFilter, kNoFilter, false);
+    const QString shown = getLenTrim(sFilterDescInp) >= 1 ? sFilterDescInp : kNoFilter;
+    setComboBox(m_cboFilter, shown, false);
+    const QString whereBefore = m_sSQLWhere;
     m_sSQLWhere = sSQLWhereINP;
     if (bRefreshRS) {
         // The record shown stays current when the filter keeps it; otherwise the first.
-        requery(currentIDText(), true);
+        m_lastQueryError.clear();
+        if (requery(currentIDText(), true)) {
+            m_filterInForce = shown;
+        } else {
+            // A filter that cannot run leaves everything as it was, the box included, so
+            // the next sort change runs the statement that works.
+            m_sSQLWhere = whereBefore;
+            if (m_filterInForce.isEmpty())
+                m_cboFilter->setCurrentIndex(-1);
+            else
+                setComboBox(m_cboFilter, m_filterInForce, false);
+            if (!m_lastQueryError.isEmpty())
+                showBox(QStringLiteral("The filter '") + trimSpaces(shown)
+                            + QStringLiteral("' could not be applied:") + QStringLiteral("\r\n\r\n")
+                            + m_lastQueryError,
+                        MsgStyle::Exclamation, QStringLiteral("Filter Not Applied"));
+        }
         idle();
+    } else {
+        m_filterInForce = shown;
     }
     for (BoundControl *control : cMervaneControls())
         control->UpdateDBF();

@@ -175,6 +175,7 @@ std::shared_ptr<RecordSource> mvPLXRecs::openQuery(const QString &sql)
     if (opened.isOk())
         return std::shared_ptr<RecordSource>(std::move(opened.value()));
     // The navigator stays as it was; support finds the reason in the activity log.
+    m_lastQueryError = opened.status().message().section(QLatin1Char('\n'), 0, 0);
     logEntry(m_sUser,
              messageTitle() + QStringLiteral(": query failed: ") + sql + QStringLiteral("\r\n")
                  + opened.status().message(),

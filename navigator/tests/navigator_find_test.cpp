@@ -252,6 +252,46 @@ TEST_P(Filters, AFilterThatDropsTheRecordMovesToTheFirstAndWithoutRefreshNothing
     EXPECT_EQ(events->texts(), QStringList{ QStringLiteral("FilterEdit() [cmdFilter_click] -") });
 }
 
+// A saved filter whose condition cannot run (damaged, or written for another table)
+// changes nothing: the records, the current one, the box, and the sorts that follow.
+TEST_P(Filters, AFilterThatCannotRunLeavesEverythingAsItWas)
+{
+    writeFilters(dir.path());
+    configure();
+    nav->InitFilters();
+    auto *filters = nav->findChild<QComboBox *>(QStringLiteral("cboFilter"));
+    QString where = QStringLiteral("WHERE T.CITY = 'BOSTON'");
+    QObject::connect(nav.get(), &mvPLXRecs::FilterChange, nav.get(), [&](const QString &filter) {
+        nav->SetSQLFilterAndWhere(filter, where, true);
+    });
+    filters->setCurrentIndex(0); // Boston only
+    nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"))->setValue(1);
+    const QString current = nav->sCurrentID();
+
+    where = QStringLiteral("WHERE T.NOSUCH = 1 OR (((");
+    env.prompter.expectMsgBox(QStringLiteral("Filter Not Applied"), QString(), MsgAnswer::OK);
+    filters->setCurrentIndex(2); // " [None]" stands in for any other pick
+    ASSERT_EQ(env.prompter.shown().size(), 1);
+    const QString said = env.prompter.shown().first().text;
+    const QString lead = QStringLiteral("The filter '[None]' could not be applied:\r\n\r\n");
+    EXPECT_TRUE(said.startsWith(lead)) << said.toStdString();
+    EXPECT_GT(said.size(), lead.size()) << "the engine's reason follows";
+    EXPECT_FALSE(said.mid(lead.size()).contains(QLatin1Char('\n'))) << "in one line";
+    EXPECT_EQ(filters->currentText(), QStringLiteral("Boston only"));
+    EXPECT_EQ(nav->sSQLWhere(), QStringLiteral("WHERE T.CITY = 'BOSTON'"));
+    EXPECT_EQ(nav->sCurrentID(), current);
+    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(),
+              QStringLiteral("2 records"));
+
+    // The next sort change runs, on the filter in force.
+    auto *sorts = nav->findChild<QComboBox *>(QStringLiteral("cboSort"));
+    sorts->setCurrentIndex(1);
+    Q_EMIT sorts->activated(1);
+    EXPECT_EQ(nav->sCurrentID(), current);
+    EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(),
+              QStringLiteral("2 records"));
+}
+
 INSTANTIATE_TEST_SUITE_P(BackEnds, Find, ::testing::Values("SQLite", "FoxPro"), backEndName);
 INSTANTIATE_TEST_SUITE_P(BackEnds, Filters, ::testing::Values("SQLite", "FoxPro"), backEndName);
 

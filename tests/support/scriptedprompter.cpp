@@ -41,7 +41,10 @@ bool ScriptedPrompter::takeMatching(bool input, const QString &title, const QStr
     *out = m_expected.takeFirst();
     EXPECT_EQ(out->input, input) << "a " << kind << " box came where another kind was expected";
     EXPECT_EQ(out->title.toStdString(), title.toStdString()) << "box title";
-    EXPECT_EQ(out->text.toStdString(), text.toStdString()) << "box text";
+    // A null expected text leaves the text to the test (an engine's own words, say).
+    if (!out->text.isNull()) {
+        EXPECT_EQ(out->text.toStdString(), text.toStdString()) << "box text";
+    }
     if (out->style) {
         EXPECT_EQ(*out->style, style) << "box style of \"" << title.toStdString() << "\"";
     }

@@ -29,6 +29,7 @@ public:
     ~ScriptedPrompter() override;
 
     // The next box must be a message box with this title and text; it answers `answer`.
+    // A null `text` accepts any text (the test then reads it from shown()).
     void expectMsgBox(const QString &title, const QString &text, MsgAnswer answer);
     // The same, also checking the style flags.
     void expectMsgBox(const QString &title, const QString &text, int style, MsgAnswer answer);

@@ -73,4 +73,27 @@ std::vector<quint32> DistinctRanker::ranksOfIds() const
     return rank;
 }
 
+std::vector<quint32> DistinctRanker::ranksOfIds(const SortKeyOf &keyOf) const
+{
+    struct Keyed
+    {
+        QString key;
+        quint32 id;
+    };
+    std::vector<Keyed> order(m_hashes.size());
+    for (size_t id = 0; id < order.size(); ++id)
+        order[id] = { keyOf(QByteArrayView(m_values.data() + id * m_length, qsizetype(m_length))),
+                      quint32(id) };
+    std::sort(order.begin(), order.end(),
+              [](const Keyed &a, const Keyed &b) { return a.key < b.key; });
+    std::vector<quint32> rank(order.size());
+    quint32 r = 0;
+    for (size_t i = 0; i < order.size(); ++i) {
+        if (i > 0 && order[i - 1].key != order[i].key)
+            ++r;
+        rank[order[i].id] = r;
+    }
+    return rank;
+}
+
 } // namespace plx::foxpro

@@ -6,9 +6,13 @@
 // so that comparing them does not wander over the whole file.
 #pragma once
 
-#include <QtGlobal>
+#include "services/recordsource/textcompare.h"
+
+#include <QByteArrayView>
+#include <QString>
 
 #include <cstring>
+#include <functional>
 #include <vector>
 
 namespace plx::foxpro {
@@ -38,6 +42,10 @@ public:
 
     // rank[id]: the position of value `id` among the distinct values in byte order.
     std::vector<quint32> ranksOfIds() const;
+    // rank[id] in the order of the values' sort keys, `keyOf` asked once per distinct value
+    // (its `length` bytes); values whose keys are equal share a rank.
+    using SortKeyOf = std::function<QString(QByteArrayView value)>;
+    std::vector<quint32> ranksOfIds(const SortKeyOf &keyOf) const;
 
 private:
     // A bucket holds id + 1 (0 = empty) in its low half and the high half of the value's hash
@@ -94,6 +102,7 @@ struct ScanRanking
     size_t orderIndex; // the ORDER BY item
     int field;
     int offset; // of the field in the record
+    TextCompare order; // how a character field's values rank; byte order for the others
     bool everyRecord;
     DistinctRanker ranker;
     std::vector<quint32> ids;

@@ -16,8 +16,9 @@ namespace {
 class FoxProDatabase final : public Database
 {
 public:
-    FoxProDatabase(QString directory, bool readOnly, int codePage)
-        : m_dir(std::move(directory)), m_readOnly(readOnly), m_codePage(codePage)
+    FoxProDatabase(QString directory, bool readOnly, int codePage, TextCompare collate)
+        : m_dir(std::move(directory)), m_readOnly(readOnly), m_codePage(codePage),
+          m_collate(collate)
     {
     }
 
@@ -28,7 +29,7 @@ public:
         if (needsSqlite(tableOrSql))
             return openThroughSqlite(tableOrSql);
         return FoxProRecordSource::open([this](const QString &name) { return tablePath(name); },
-                                        tableOrSql, m_readOnly, m_codePage);
+                                        tableOrSql, m_readOnly, m_codePage, m_collate);
     }
 
     void Idle() override { }
@@ -44,7 +45,7 @@ public:
         return names;
     }
 
-    TextCompare textCompare() const override { return TextCompare::Binary; }
+    TextCompare textCompare() const override { return m_collate; }
     void Close() override { m_closed = true; }
 
 private:
@@ -64,7 +65,7 @@ private:
             sqlite::Connection::open(QStringLiteral(":memory:"), false, false);
         if (!conn.isOk())
             return conn.status();
-        conn.value()->setTextCompare(TextCompare::Binary);
+        conn.value()->setTextCompare(m_collate);
         if (Status s = registerDbfModule(conn.value()->handle()); !s.isOk())
             return s;
         std::vector<jet::TableRef> tables{ stmt.from };
@@ -109,20 +110,21 @@ private:
     QString m_dir;
     bool m_readOnly;
     int m_codePage;
+    TextCompare m_collate;
     bool m_closed = false;
 };
 
 } // namespace
 
 Result<std::unique_ptr<Database>> openDatabase(const QString &directory, bool readOnly,
-                                               int codePage)
+                                               int codePage, TextCompare collate)
 {
     const QFileInfo info(directory);
     if (!info.isDir())
         return Status(Status::Code::NotFound,
                       QStringLiteral("%1 is not a directory of FoxPro tables").arg(directory));
     return std::unique_ptr<Database>(
-        new FoxProDatabase(info.absoluteFilePath(), readOnly, codePage));
+        new FoxProDatabase(info.absoluteFilePath(), readOnly, codePage, collate));
 }
 
 } // namespace plx::foxpro

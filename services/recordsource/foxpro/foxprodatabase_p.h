@@ -3,8 +3,10 @@
 //
 // Every .DBF file of the directory is a table named by its file title, matched without
 // regard to case. Text compares in the code page's byte order, case-sensitively, as Jet's
-// FoxPro driver does with its default ASCII collating sequence; the finds of the controls
-// stay case-insensitive because they compare UCase() of both sides.
+// FoxPro driver does with its default ASCII collating sequence (FoxPro's MACHINE); the finds
+// of the controls stay case-insensitive because they compare UCase() of both sides. The
+// General collating sequence compares text as the SQLite engine does instead:
+// case-insensitively, accented letters beside their base letters (jet/generalorder_p.h).
 #pragma once
 
 #include "services/recordsource/database.h"
@@ -14,8 +16,10 @@ namespace plx::foxpro {
 // Opens `directory`. NotFound when it is not a directory. Tables are opened when a record
 // source needs them; readOnly opens every table read-only. `codePage` (0: none) is the code
 // page of tables whose header carries no code-page mark; unmarked tables read as 1252
-// otherwise.
+// otherwise. `collate` is Binary for the MACHINE collating sequence, NoCase for GENERAL; it
+// applies to criteria, sort orders and finds alike.
 Result<std::unique_ptr<Database>> openDatabase(const QString &directory, bool readOnly,
-                                               int codePage = 0);
+                                               int codePage = 0,
+                                               TextCompare collate = TextCompare::Binary);
 
 } // namespace plx::foxpro

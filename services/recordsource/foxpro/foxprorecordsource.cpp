@@ -23,7 +23,8 @@ FoxProRecordSource::~FoxProRecordSource()
 
 Result<std::unique_ptr<RecordSource>> FoxProRecordSource::open(const TablePaths &paths,
                                                                const QString &tableOrSql,
-                                                               bool readOnly, int codePage)
+                                                               bool readOnly, int codePage,
+                                                               TextCompare collate)
 {
     QString sql = tableOrSql;
     if (!isStatement(tableOrSql)) {
@@ -56,6 +57,7 @@ Result<std::unique_ptr<RecordSource>> FoxProRecordSource::open(const TablePaths 
         return table.status();
     std::unique_ptr<FoxProRecordSource> source(new FoxProRecordSource);
     source->m_table = std::move(table).value();
+    source->m_collate = collate;
     source->m_tableName = stmt.from.name;
     source->m_alias = stmt.from.effectiveAlias();
     if (Status s = source->build(stmt); !s.isOk())

@@ -4,18 +4,22 @@
 // sorts their record numbers by the ORDER BY keys (4 bytes a record); values are decoded
 // from the mapped file when asked for, so they are always the file's latest. Deleted
 // records are hidden (FoxPro's SET DELETED ON, and Jet's rule). Text compares in the code
-// page's byte order.
+// page's byte order, or in the General order (case-insensitive, accented letters beside
+// their base letters) when the database was opened with Collate=General.
 //
 // Two shapes skip the general evaluator, because the controls send them on every find
 // and every save: UCase(field) Like 'PREFIX*' (the find query) is tested on the raw bytes
 // through per-byte tables (prefixscan_p.h), and field = constant (the ID criterion)
-// compares the raw bytes of the field. Sorts reuse the ranks an earlier sort of the
-// unchanged file kept (rankcache.h).
+// compares the raw bytes of the field (through a table of each byte's case-folded class in
+// the General order). Sorts reuse the ranks an earlier sort of the unchanged file kept
+// (rankcache_p.h); in the General order a character field ranks its distinct values by
+// their sort keys, so no record goes through the evaluator for it either.
 #pragma once
 
 #include "services/recordsource/dbf/dbftable_p.h"
 #include "services/recordsource/positionedrecordsource_p.h"
 #include "services/recordsource/jet/ast_p.h"
+#include "services/recordsource/textcompare.h"
 
 #include <functional>
 #include <memory>
@@ -34,9 +38,12 @@ class FoxProRecordSource final : public PositionedRecordSource
 public:
     // A table name or a SELECT on one table with WHERE and ORDER BY. NotFound for an unknown
     // table, the Jet front end's errors for a bad text, NotSupported for a join.
-    // `codePage` applies to tables without a code-page mark (0: Windows-1252).
-    static Result<std::unique_ptr<RecordSource>>
-    open(const TablePaths &paths, const QString &tableOrSql, bool readOnly, int codePage = 0);
+    // `codePage` applies to tables without a code-page mark (0: Windows-1252); `collate` is
+    // how text compares in the statement and in later finds (Binary: byte order).
+    static Result<std::unique_ptr<RecordSource>> open(const TablePaths &paths,
+                                                      const QString &tableOrSql, bool readOnly,
+                                                      int codePage = 0,
+                                                      TextCompare collate = TextCompare::Binary);
     ~FoxProRecordSource() override;
 
     const QList<FieldInfo> &fieldInfos() const override { return m_table->fieldInfos(); }
@@ -91,6 +98,7 @@ private:
                 std::vector<std::optional<KeyRanks>> byteKeys);
 
     std::unique_ptr<DbfTable> m_table;
+    TextCompare m_collate = TextCompare::Binary;
     QString m_tableName;
     QString m_alias;
     std::vector<quint32> m_keys; // record numbers in the source's order

@@ -7,10 +7,14 @@
 #include "services/recordsource/foxpro/recordrow_p.h"
 
 #include "services/recordsource/jet/evaluator_p.h"
+#include "services/recordsource/jet/generalorder_p.h"
 #include "services/recordsource/jet/parser_p.h"
 #include "services/recordsource/jet/values_p.h"
 
+#include <QHash>
+
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <optional>
 
@@ -39,10 +43,58 @@ bool isTextField(const DbfTable &table, int column)
     return t == 'C';
 }
 
+using ByteClasses = std::array<quint8, 256>;
+
+// Each byte's class in the General order: bytes whose characters are equal in it (differ in
+// case only) share the lowest of them. Nothing when a byte does not read as one character
+// that stands alone (none, half a surrogate pair, or an accent that would join the letter
+// before it): equal texts could then differ in length, and the evaluator has to judge.
+std::optional<ByteClasses> generalByteClasses(const DbfTable &table)
+{
+    ByteClasses classes{};
+    QHash<QString, quint8> classOfKey;
+    for (int b = 0; b < 256; ++b) {
+        const char c = char(b);
+        const QString text = table.decode(QByteArrayView(&c, 1));
+        if (text.size() != 1 || text.at(0).isMark() || text.at(0).isSurrogate())
+            return std::nullopt;
+        const QString key = jet::generalSortKey(text);
+        auto known = classOfKey.constFind(key);
+        if (known == classOfKey.cend())
+            known = classOfKey.insert(key, quint8(b));
+        classes[size_t(b)] = known.value();
+    }
+    return classes;
+}
+
+// The General order's equality on a character field: the same length, and byte by byte the
+// same class.
+std::function<bool(quint32)> generalEquality(const DbfTable &table, int field, const QString &text)
+{
+    const std::optional<ByteClasses> classes = generalByteClasses(table);
+    Result<QByteArray> bytes = table.encode(text);
+    if (!classes || !bytes.isOk())
+        return nullptr; // a character the code page lacks may still equal one it has
+    QByteArray wanted = bytes.value();
+    for (char &c : wanted)
+        c = char((*classes)[quint8(c)]);
+    return [&table, field, wanted, classes = *classes](quint32 recno) {
+        const QByteArrayView stored = table.rawText(recno, field);
+        if (stored.size() != wanted.size())
+            return false;
+        for (qsizetype i = 0; i < stored.size(); ++i) {
+            if (char(classes[quint8(stored[i])]) != wanted[i])
+                return false;
+        }
+        return true;
+    };
+}
+
 // field = 'text' on a character field (the ID criterion; binding has already computed the
 // CHR(n) & ... chain into one literal): the text's bytes in the table's code page, compared
-// with the stored bytes less their padding.
-std::function<bool(quint32)> equalityPredicate(const DbfTable &table, const Node &node)
+// with the stored bytes less their padding, in byte order byte for byte.
+std::function<bool(quint32)> equalityPredicate(const DbfTable &table, const Node &node,
+                                               TextCompare collate)
 {
     if (node.kind != NodeKind::Binary || node.op != jet::Op::Eq)
         return nullptr;
@@ -53,12 +105,28 @@ std::function<bool(quint32)> equalityPredicate(const DbfTable &table, const Node
     if (column->kind != NodeKind::Column || !isTextField(table, column->column)
         || constant->kind != NodeKind::Literal || !jet::isText(constant->value))
         return nullptr;
+    if (collate == TextCompare::NoCase)
+        return generalEquality(table, column->column, constant->value.toString());
     Result<QByteArray> bytes = table.encode(constant->value.toString());
     if (!bytes.isOk())
         return [](quint32) { return false; }; // no stored text can hold that character
     const QByteArray wanted = bytes.value();
     const int field = column->column;
     return [&table, wanted, field](quint32 recno) { return table.rawText(recno, field) == wanted; };
+}
+
+// The ranks of the distinct values a scan numbered: in byte order (FoxPro's own index order),
+// or in the General order of their text as the field reads (trailing blanks dropped).
+std::vector<quint32> distinctRanks(const DbfTable &table, const ScanRanking &r)
+{
+    if (r.order == TextCompare::Binary)
+        return r.ranker.ranksOfIds();
+    return r.ranker.ranksOfIds([&table](QByteArrayView value) {
+        qsizetype n = value.size();
+        while (n > 0 && (value[n - 1] == ' ' || value[n - 1] == '\0'))
+            --n;
+        return jet::generalSortKey(table.decode(value.first(n)));
+    });
 }
 
 } // namespace
@@ -104,7 +172,7 @@ Result<std::vector<quint32>> FoxProRecordSource::filter(const NodePtr &where,
             r.ids.push_back(0); // ids indexed by record number, which starts at 1
     }
     const std::optional<PrefixScan> scan =
-        where ? PrefixScan::compile(table, *where) : std::nullopt;
+        where ? PrefixScan::compile(table, *where, m_collate) : std::nullopt;
     RecordRow row(table);
     const qsizetype stride = table.header().recordLength;
     Status failed;
@@ -128,7 +196,7 @@ Result<std::vector<quint32>> FoxProRecordSource::filter(const NodePtr &where,
                     continue;
                 if (verdict == Verdict::Undecided) {
                     row.setRecord(recno);
-                    Result<QVariant> v = jet::evaluate(*where, &row, TextCompare::Binary);
+                    Result<QVariant> v = jet::evaluate(*where, &row, m_collate);
                     if (!v.isOk()) {
                         failed = v.status();
                         return false;
@@ -182,14 +250,21 @@ Status FoxProRecordSource::build(const jet::SelectStatement &stmt)
         const DbfField &field = table.fields().at(expr.column);
         if (field.type != 'C' && field.type != 'D' && field.type != 'L')
             continue;
+        const TextCompare order = field.type == 'C' ? m_collate : TextCompare::Binary;
         if (stamp.isOk()) {
-            if (RankCache::Ranks kept = RankCache::global().find(stamp.value(), expr.column)) {
+            if (RankCache::Ranks kept =
+                    RankCache::global().find(stamp.value(), expr.column, order)) {
                 byteKeys[k].emplace().kept = std::move(kept);
                 continue;
             }
         }
-        rankings.push_back(
-            { k, expr.column, field.offset, keep, DistinctRanker(size_t(field.length)), {} });
+        rankings.push_back({ k,
+                             expr.column,
+                             field.offset,
+                             order,
+                             keep,
+                             DistinctRanker(size_t(field.length)),
+                             {} });
     }
 
     Result<std::vector<quint32>> keys = filter(stmt.where, rankings);
@@ -201,7 +276,7 @@ Status FoxProRecordSource::build(const jet::SelectStatement &stmt)
     const Result<DbfChangeStamp> after = keep ? table.changeStamp() : stamp;
     const bool unchanged = after.isOk() && after->sameContents(stamp.value());
     for (ScanRanking &r : rankings) {
-        const std::vector<quint32> rankOfId = r.ranker.ranksOfIds();
+        const std::vector<quint32> rankOfId = distinctRanks(table, r);
         for (quint32 &id : r.ids)
             id = rankOfId.empty() ? 0 : rankOfId[id];
         KeyRanks &key = byteKeys[r.orderIndex].emplace();
@@ -209,7 +284,7 @@ Status FoxProRecordSource::build(const jet::SelectStatement &stmt)
             const bool whole = r.ids.size() == size_t(table.recordCount()) + 1;
             key.kept = std::make_shared<const std::vector<quint32>>(std::move(r.ids));
             if (unchanged && whole)
-                RankCache::global().store(stamp.value(), r.field, key.kept);
+                RankCache::global().store(stamp.value(), r.field, r.order, key.kept);
         } else {
             key.own = std::move(r.ids);
         }
@@ -259,9 +334,9 @@ Result<qint64> FoxProRecordSource::locate(const QString &criterion, qint64 start
     if (!bound.isOk())
         return bound.status();
     const Node &node = *bound.value();
-    const std::function<bool(quint32)> equal = equalityPredicate(*m_table, node);
+    const std::function<bool(quint32)> equal = equalityPredicate(*m_table, node, m_collate);
     const std::optional<PrefixScan> scan =
-        equal ? std::nullopt : PrefixScan::compile(*m_table, node);
+        equal ? std::nullopt : PrefixScan::compile(*m_table, node, m_collate);
     if (equal && !m_recnoOrder)
         return locateInFileOrder(equal, start);
     RecordRow row(*m_table);
@@ -281,7 +356,7 @@ Result<qint64> FoxProRecordSource::locate(const QString &criterion, qint64 start
         if (verdict == Verdict::Reject)
             continue;
         row.setRecord(recno);
-        Result<QVariant> v = jet::evaluate(node, &row, TextCompare::Binary);
+        Result<QVariant> v = jet::evaluate(node, &row, m_collate);
         if (!v.isOk())
             return v.status();
         if (jet::isTrue(v.value()))

@@ -2,7 +2,8 @@
 //
 // Every key becomes one small integer per record, its rank: for character, date and logical
 // fields the rank of the stored bytes among the field's distinct values (FoxPro's own index
-// order), for anything else the rank of the Jet value. The ranks of all keys are packed into
+// order; a character field in the General order ranks its distinct values by their sort
+// keys instead), for anything else the rank of the Jet value. The ranks of all keys are packed into
 // one 64-bit integer where they fit, and the records sorted by that integer with a stable
 // radix sort, which leaves ties in record order.
 #include "services/recordsource/foxpro/foxprorecordsource_p.h"
@@ -46,25 +47,25 @@ int bitsFor(quint32 maxValue)
     return maxValue == 0 ? 0 : int(std::bit_width(maxValue));
 }
 
-// The ranks of `expr`'s Jet values over the records `recnos`, in keyset order: equal values
-// share a rank, Null ranks first.
+// The ranks of `expr`'s Jet values over the records `recnos`, in keyset order, text compared
+// as `collate` says: equal values share a rank, Null ranks first.
 Result<std::vector<quint32>> valueRanks(const jet::Node &expr, RecordRow &row,
-                                        const std::vector<quint32> &recnos)
+                                        const std::vector<quint32> &recnos, TextCompare collate)
 {
     const size_t n = recnos.size();
     std::vector<QVariant> values(n);
     for (size_t i = 0; i < n; ++i) {
         row.setRecord(recnos[i]);
-        Result<QVariant> v = jet::evaluate(expr, &row, TextCompare::Binary);
+        Result<QVariant> v = jet::evaluate(expr, &row, collate);
         if (!v.isOk())
             return v.status();
         values[i] = v.value();
     }
-    auto valueLess = [&values](quint32 a, quint32 b) {
+    auto valueLess = [&values, collate](quint32 a, quint32 b) {
         const QVariant &x = values[a], &y = values[b];
         if (jet::isNull(x) || jet::isNull(y))
             return jet::isNull(x) && !jet::isNull(y); // Null first
-        Result<int> c = jet::compareValues(x, y, TextCompare::Binary, 0);
+        Result<int> c = jet::compareValues(x, y, collate, 0);
         return c.isOk() && c.value() < 0;
     };
     std::vector<quint32> byValue(n);
@@ -128,8 +129,8 @@ void sortByComparingRanks(const auto &keys, std::vector<quint32> &recnos)
 
 // Sorts the keys. Character, date and logical fields compare by their stored bytes (blank
 // padded, so shorter texts come first, in the code page's byte order as FoxPro's own
-// indexes); numeric fields by value; any other expression by its Jet value. Nulls first,
-// ties in record order.
+// indexes), character fields in the General order by their text's sort keys; numeric fields
+// by value; any other expression by its Jet value. Nulls first, ties in record order.
 Status FoxProRecordSource::sort(const std::vector<jet::OrderItem> &order,
                                 std::vector<std::optional<KeyRanks>> byteKeys)
 {
@@ -144,7 +145,7 @@ Status FoxProRecordSource::sort(const std::vector<jet::OrderItem> &order,
         if (byteKeys[k]) {
             key = std::move(*byteKeys[k]);
         } else {
-            Result<std::vector<quint32>> ranks = valueRanks(*item.expr, row, m_keys);
+            Result<std::vector<quint32>> ranks = valueRanks(*item.expr, row, m_keys, m_collate);
             if (!ranks.isOk())
                 return ranks.status();
             key.own = std::move(ranks).value();

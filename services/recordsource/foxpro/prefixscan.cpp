@@ -9,7 +9,8 @@ namespace plx::foxpro {
 using jet::Node;
 using jet::NodeKind;
 
-std::optional<PrefixScan::Test> PrefixScan::compileOne(const DbfTable &table, const Node &like)
+std::optional<PrefixScan::Test> PrefixScan::compileOne(const DbfTable &table, const Node &like,
+                                                       TextCompare collate)
 {
     if (like.kind != NodeKind::Like || like.negated)
         return std::nullopt;
@@ -26,7 +27,7 @@ std::optional<PrefixScan::Test> PrefixScan::compileOne(const DbfTable &table, co
     if (pattern.kind != NodeKind::Literal || !jet::isText(pattern.value))
         return std::nullopt;
     Result<jet::LikePattern> compiled =
-        jet::LikePattern::compile(pattern.value.toString(), TextCompare::Binary);
+        jet::LikePattern::compile(pattern.value.toString(), collate);
     if (!compiled.isOk() || !compiled->isPrefixPattern())
         return std::nullopt;
     const QString prefix = compiled->prefix();
@@ -40,7 +41,8 @@ std::optional<PrefixScan::Test> PrefixScan::compileOne(const DbfTable &table, co
         return t;
     }
     t.blankLast = !prefix.isEmpty() && prefix.back() == QLatin1Char(' ');
-    // What each byte reads as once upper-cased: one character, or none (undecided).
+    // What each byte reads as once upper-cased (and case-folded where Like ignores case, as
+    // the pattern's prefix is): one character, or none (undecided).
     std::array<QChar, 256> upper;
     std::array<bool, 256> single;
     for (int b = 0; b < 256; ++b) {
@@ -48,6 +50,8 @@ std::optional<PrefixScan::Test> PrefixScan::compileOne(const DbfTable &table, co
         const QString up = table.decode(QByteArrayView(&c, 1)).toUpper();
         single[size_t(b)] = up.size() == 1;
         upper[size_t(b)] = single[size_t(b)] ? up.at(0) : QChar();
+        if (collate == TextCompare::NoCase)
+            upper[size_t(b)] = upper[size_t(b)].toCaseFolded();
     }
     t.verdict.resize(size_t(t.prefixLength) * 256);
     for (int i = 0; i < t.prefixLength; ++i) {
@@ -62,7 +66,8 @@ std::optional<PrefixScan::Test> PrefixScan::compileOne(const DbfTable &table, co
     return t;
 }
 
-std::optional<PrefixScan> PrefixScan::compile(const DbfTable &table, const Node &where)
+std::optional<PrefixScan> PrefixScan::compile(const DbfTable &table, const Node &where,
+                                              TextCompare collate)
 {
     PrefixScan scan;
     std::vector<const Node *> pending{ &where };
@@ -74,7 +79,7 @@ std::optional<PrefixScan> PrefixScan::compile(const DbfTable &table, const Node 
             pending.push_back(node->args[0].get());
             continue;
         }
-        std::optional<Test> t = compileOne(table, *node);
+        std::optional<Test> t = compileOne(table, *node, collate);
         if (!t)
             return std::nullopt;
         scan.m_tests.push_back(std::move(*t));

@@ -6,11 +6,13 @@
 // prefix and each byte of the code page, whether the byte's upper-case character is the
 // prefix's character there. A byte whose upper-case form is not one character (German sharp
 // s becomes "SS") or that has no character makes the record undecided: that record alone goes
-// to the general evaluator, which keeps every answer identical to it.
+// to the general evaluator, which keeps every answer identical to it. In the General order
+// Like ignores case, so the tables compare case-folded characters, as the evaluator does.
 #pragma once
 
 #include "services/recordsource/dbf/dbftable_p.h"
 #include "services/recordsource/jet/ast_p.h"
+#include "services/recordsource/textcompare.h"
 
 #include <optional>
 #include <vector>
@@ -23,8 +25,9 @@ class PrefixScan
 {
 public:
     // The scan for `where` when it is one find condition on a character field or several
-    // joined with AND; nothing for any other condition.
-    static std::optional<PrefixScan> compile(const DbfTable &table, const jet::Node &where);
+    // joined with AND, Like comparing as `collate` says; nothing for any other condition.
+    static std::optional<PrefixScan> compile(const DbfTable &table, const jet::Node &where,
+                                             TextCompare collate);
 
     // The verdict on one record's bytes (delete flag first).
     Verdict test(const char *record) const
@@ -73,7 +76,8 @@ private:
             return Verdict::Accept;
         }
     };
-    static std::optional<Test> compileOne(const DbfTable &table, const jet::Node &like);
+    static std::optional<Test> compileOne(const DbfTable &table, const jet::Node &like,
+                                          TextCompare collate);
 
     std::vector<Test> m_tests;
 };

@@ -20,11 +20,11 @@ RankCache &RankCache::global()
     return cache;
 }
 
-RankCache::Ranks RankCache::find(const DbfChangeStamp &stamp, int field)
+RankCache::Ranks RankCache::find(const DbfChangeStamp &stamp, int field, TextCompare order)
 {
     QMutexLocker lock(&m_mutex);
     for (auto it = m_entries.begin(); it != m_entries.end(); ++it) {
-        if (!it->stamp.sameFile(stamp) || it->field != field)
+        if (!it->stamp.sameFile(stamp) || it->field != field || it->order != order)
             continue;
         if (!it->stamp.sameContents(stamp)) {
             m_entries.erase(it);
@@ -38,15 +38,16 @@ RankCache::Ranks RankCache::find(const DbfChangeStamp &stamp, int field)
     return nullptr;
 }
 
-void RankCache::store(const DbfChangeStamp &stamp, int field, Ranks ranks)
+void RankCache::store(const DbfChangeStamp &stamp, int field, TextCompare order, Ranks ranks)
 {
     if (!stamp.settled || entryBytes(ranks) > kBudgetBytes)
         return;
     QMutexLocker lock(&m_mutex);
     std::erase_if(m_entries, [&](const Entry &e) {
-        return e.stamp.sameFile(stamp) && (e.field == field || !e.stamp.sameContents(stamp));
+        return e.stamp.sameFile(stamp)
+            && ((e.field == field && e.order == order) || !e.stamp.sameContents(stamp));
     });
-    m_entries.push_front({ stamp, field, std::move(ranks) });
+    m_entries.push_front({ stamp, field, order, std::move(ranks) });
     size_t total = 0;
     for (auto it = m_entries.begin(); it != m_entries.end(); ++it) {
         total += entryBytes(it->ranks);

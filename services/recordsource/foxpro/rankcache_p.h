@@ -5,11 +5,13 @@
 // of each key; the navigator then sends the find query, in that same order, on every
 // keystroke, and the sort query again after every save. The ranks of a whole-table sort are
 // kept here, per file and field, and reused for as long as the file's change stamp shows it
-// unchanged. Ranks are only stored for a settled file (see DbfChangeStamp): a file written a
+// unchanged, and for the text order they were made in (a character field ranks differently
+// in byte order and in the General order). Ranks are only stored for a settled file (see DbfChangeStamp): a file written a
 // moment ago could be written again without its times moving.
 #pragma once
 
 #include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/textcompare.h"
 
 #include <QMutex>
 
@@ -23,16 +25,16 @@ class RankCache
 {
 public:
     // rank[recno]: the position of the record's value among the field's distinct values in
-    // byte order (index 0 unused).
+    // the text order they were made in (index 0 unused); values equal in it share a rank.
     using Ranks = std::shared_ptr<const std::vector<quint32>>;
 
     static RankCache &global();
 
-    // The ranks stored for this field of the file with this stamp; null when there are none
-    // or the file changed since (then they are dropped).
-    Ranks find(const DbfChangeStamp &stamp, int field);
+    // The ranks stored for this field of the file with this stamp in this text order; null
+    // when there are none or the file changed since (then they are dropped).
+    Ranks find(const DbfChangeStamp &stamp, int field, TextCompare order);
     // Keeps `ranks`, dropping the least recently used ones beyond the budget.
-    void store(const DbfChangeStamp &stamp, int field, Ranks ranks);
+    void store(const DbfChangeStamp &stamp, int field, TextCompare order, Ranks ranks);
     void clear();
     size_t bytes() const;
 
@@ -45,6 +47,7 @@ private:
     {
         DbfChangeStamp stamp;
         int field;
+        TextCompare order;
         Ranks ranks;
     };
     mutable QMutex m_mutex;

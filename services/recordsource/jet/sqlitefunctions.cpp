@@ -314,8 +314,9 @@ void jetFunction(sqlite3_context *ctx, int argc, sqlite3_value **argv)
     }
 }
 
-// Case-insensitive order: ASCII folded byte by byte, anything else through Qt's Unicode
-// case folding, so that the order agrees with the evaluator's comparisons.
+// The General order (case-insensitive, accented letters beside their base letters): ASCII
+// folded byte by byte, anything else through the evaluator's comparison, so that the two
+// agree.
 int jetNoCase(void *, int n1, const void *p1, int n2, const void *p2)
 {
     try {
@@ -324,12 +325,10 @@ int jetNoCase(void *, int n1, const void *p1, int n2, const void *p2)
         const int n = std::min(n1, n2);
         for (int i = 0; i < n; ++i) {
             unsigned char x = a[i], y = b[i];
-            if (x >= 0x80 || y >= 0x80) {
-                const int c = QString::fromUtf8(reinterpret_cast<const char *>(a), n1)
-                                  .compare(QString::fromUtf8(reinterpret_cast<const char *>(b), n2),
-                                           Qt::CaseInsensitive);
-                return c < 0 ? -1 : (c > 0 ? 1 : 0);
-            }
+            if (x >= 0x80 || y >= 0x80)
+                return compareText(QString::fromUtf8(reinterpret_cast<const char *>(a), n1),
+                                   QString::fromUtf8(reinterpret_cast<const char *>(b), n2),
+                                   TextCompare::NoCase);
             if (x >= 'A' && x <= 'Z')
                 x = x - 'A' + 'a';
             if (y >= 'A' && y <= 'Z')

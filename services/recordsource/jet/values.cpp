@@ -3,6 +3,7 @@
 
 #include "services/cp1252.h"
 #include "services/recordsource/jet/functionlibrary_p.h"
+#include "services/recordsource/jet/generalorder_p.h"
 #include "services/recordsource/jet/jetformat_p.h"
 #include "services/recordsource/jet/lexer_p.h"
 
@@ -245,8 +246,7 @@ int compareText(QStringView a, QStringView b, TextCompare mode)
         }
         return a.size() < b.size() ? -1 : (a.size() > b.size() ? 1 : 0);
     }
-    const int c = a.compare(b, Qt::CaseInsensitive);
-    return c < 0 ? -1 : (c > 0 ? 1 : 0);
+    return compareGeneral(a, b);
 }
 
 Result<int> compareValues(const QVariant &a, const QVariant &b, TextCompare mode, int pos)

@@ -39,8 +39,8 @@ QDateTime toDateTime(const QVariant &v); // invalid when the value is no date
 // written month first ("1/31/2004").
 QDateTime parseDateText(const QString &text);
 
-// Compares two texts: case-insensitively for NoCase (Unicode case folding), by code
-// point for Binary.
+// Compares two texts: in the General order for NoCase (case-insensitive, accented letters
+// beside their base letters, generalorder_p.h), by Windows-1252 byte for Binary.
 int compareText(QStringView a, QStringView b, TextCompare mode);
 // Compares two non-Null values of compatible kinds; TypeMismatch at `pos` when text meets
 // a number that it cannot be read as.

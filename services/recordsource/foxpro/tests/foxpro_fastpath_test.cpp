@@ -198,6 +198,34 @@ TEST_F(FoxProFastPathTest, KeptRanksFollowEveryChangeToTheFile)
               texts({ "2" }));
 }
 
+// A character field ranks differently in byte order and in the General order: ranks kept from
+// a sort in one are never taken for the other, and both stay kept side by side.
+TEST_F(FoxProFastPathTest, KeptRanksBelongToTheirCollatingSequence)
+{
+    makeTable({ texts({ "1", "beta", "X" }), texts({ "2", "Alpha", "X" }),
+                texts({ "3", "alpha", "X" }), texts({ "4", "Beta", "X" }) });
+    waitUntilSettled();
+    auto general =
+        OpenDatabase(m_dir.path(), false, false, QStringLiteral("FoxPro 2.6;Collate=General"));
+    ASSERT_TRUE(general.isOk());
+    const QString sorted = QStringLiteral("SELECT * from P ORDER BY P.NAME");
+    auto generalOrder = [&] {
+        return foxprotest::fieldOfEachRecord(*general.value(), sorted, QStringLiteral("ID"));
+    };
+    const QStringList machineIds = texts({ "2", "4", "3", "1" }); // Alpha Beta alpha beta
+    const QStringList generalIds = texts({ "2", "3", "1", "4" }); // ties in record order
+
+    EXPECT_EQ(column(sorted), machineIds);
+    const size_t machineBytes = foxpro::RankCache::global().bytes();
+    EXPECT_GT(machineBytes, 0u);
+    EXPECT_EQ(generalOrder(), generalIds);
+    const size_t bothBytes = foxpro::RankCache::global().bytes();
+    EXPECT_GT(bothBytes, machineBytes);
+    EXPECT_EQ(column(sorted), machineIds);
+    EXPECT_EQ(generalOrder(), generalIds);
+    EXPECT_EQ(foxpro::RankCache::global().bytes(), bothBytes);
+}
+
 // A sorted keyset finds the ID by a pass in file order; FindNext must still walk the matches
 // in the keyset's order, for one match and for many.
 TEST_F(FoxProFastPathTest, IdSearchInASortedKeysetFollowsTheKeysetOrder)

@@ -114,8 +114,10 @@ QStringList ids(std::initializer_list<const char *> list)
 TEST_F(JetSqliteTest, SortQueryOrdersCaseInsensitivelyWithBlanksFromEmptyParts)
 {
     // "SELECT * from " & table & " " & join & " " & where & " ORDER BY " & fields
+    // The three Bostons tie whatever their case; among them "Émile" sorts with the e's,
+    // before "small" and "Smith".
     EXPECT_EQ(run(QStringLiteral("SELECT * from T   ORDER BY T.CITY, T.NAME")),
-              ids({ "PLE0000002", "XYZ0000004", "PLE0000001", "PLE0000006", "PLE0000003",
+              ids({ "PLE0000002", "PLE0000006", "XYZ0000004", "PLE0000001", "PLE0000003",
                     "PLE0000005" }));
     EXPECT_EQ(run(QStringLiteral("SELECT * from T ORDER BY T.AMOUNT DESC")).first(),
               QStringLiteral("PLE0000002"));
