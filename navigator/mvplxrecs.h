@@ -399,6 +399,7 @@ private:
     IdUse idTaken(const QString &candidate, const QString &criterion);
     QString sqlTableName() const;
     void logLines(const QStringList &lines);
+    void keyFileProblem(const QString &keyFile, const QString &reason);
 
     // Filters (mvplxrecs_filters.cpp).
     void filterClicked(int index);
@@ -441,6 +442,7 @@ private:
     qint32 m_returnPosition = -1; // where a cancelled new record returns to
     QString m_heldID; // the record this navigator holds in edit
     QString m_takenDesc; // description of the record that took an ID candidate
+    bool m_idProblemShown = false; // NewIDPLX told the user why it made no ID
     QString m_filterInForce; // the filter box's entry whose WHERE text the records follow
     QString m_lastQueryError; // first line of why the latest query could not be opened
 

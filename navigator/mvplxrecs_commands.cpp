@@ -467,9 +467,14 @@ bool mvPLXRecs::commandNew()
     // A table whose key the user types gets a blank one, filled in before SAVE.
     const QString id = m_bGenerateIDs ? NewIDPLX() : QString();
     if (m_bGenerateIDs && trimSpaces(id).isEmpty()) {
-        const QString message = blankIDMessage(QStringLiteral("New record has NOT been created."));
-        logEntry(m_sUser, message, m_services);
-        showBox(message, MsgStyle::Critical, QStringLiteral("Record Not Saved"));
+        // A key file that cannot be used has been named already; a second box blaming a
+        // blank ID would only mislead.
+        if (!m_idProblemShown) {
+            const QString message =
+                blankIDMessage(QStringLiteral("New record has NOT been created."));
+            logEntry(m_sUser, message, m_services);
+            showBox(message, MsgStyle::Critical, QStringLiteral("Record Not Saved"));
+        }
         return false;
     }
     if (!m_rs) {

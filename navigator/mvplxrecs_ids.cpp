@@ -34,13 +34,36 @@ QString readKeyLine(const QString &diskPath)
 }
 
 // Replaces the key file's line in one step: readers see the old line or the new one.
-bool writeKeyLine(const QString &diskPath, const QString &line)
+// Returns why it could not (a full disk, a write-protected folder), or "".
+QString writeKeyLine(const QString &diskPath, const QString &line)
 {
     QSaveFile file(diskPath);
-    if (!file.open(QIODevice::WriteOnly))
+    if (file.open(QIODevice::WriteOnly)) {
+        file.write(line.toLatin1() + "\r\n");
+        if (file.commit())
+            return QString();
+    }
+    return file.errorString().isEmpty() ? QStringLiteral("cannot write") : file.errorString();
+}
+
+// True for a line this generator writes: seven character codes of three digits each, none
+// of them 0 or the blank, and not the last key there is (seven times 255), after which
+// the next key would carry into the parent ID.
+bool isGeneratorKeyLine(const QString &code)
+{
+    if (code.size() != 21)
         return false;
-    file.write(line.toLatin1() + "\r\n");
-    return file.commit();
+    int highest = 0;
+    for (int i = 0; i < 21; i += 3) {
+        bool digits = true;
+        for (int j = i; j < i + 3; ++j)
+            digits = digits && code[j] >= QLatin1Char('0') && code[j] <= QLatin1Char('9');
+        const int c = digits ? code.mid(i, 3).toInt() : -1;
+        if (c < 1 || c > 255 || c == 32)
+            return false;
+        highest += c == 255 ? 1 : 0;
+    }
+    return highest < 7;
 }
 
 // The table's IDs that start with "PLE", highest first: the first row holds the last key.
@@ -221,6 +244,17 @@ bool mvPLXRecs::keyIsFree(const QString &id, const QString &ownID)
     return idInTable(id, m_sIDfield + QStringLiteral(" = ") + strToASC(id), ownID) == IdUse::Free;
 }
 
+void mvPLXRecs::keyFileProblem(const QString &keyFile, const QString &reason)
+{
+    // Not "blank ID": the user (or support) must know it is the key file that failed.
+    const QString text = QStringLiteral("The record ID key file for ") + m_sDesc
+        + QStringLiteral(" cannot be used:") + kCrLf + fromDiskPath(keyFile) + kCrLf + kCrLf
+        + reason + kCrLf + kCrLf + QStringLiteral("New record has NOT been created.");
+    logLines({ text });
+    showBox(text, MsgStyle::Critical, QStringLiteral("Record ID Error"));
+    m_idProblemShown = true;
+}
+
 QString mvPLXRecs::NewIDPLX()
 {
     const QString keyFile = keyFilePath();
@@ -232,36 +266,47 @@ QString mvPLXRecs::NewIDPLX()
 
     // One navigator at a time makes an ID for this table, in every process.
     Result<std::unique_ptr<LockFile>> lock = LockFile::open(keyFile + QStringLiteral(".lock"));
+    m_idProblemShown = false;
     if (!lock.isOk() || !lock.value()->lock(0, 1, LockKind::Exclusive, kKeyLockWaitMs).isOk()) {
-        logLines(
-            { QStringLiteral("New ID for ") + m_sDesc + QStringLiteral(": the key file is in use"),
-              QStringLiteral("From ") + keyFile });
+        keyFileProblem(keyFile,
+                       lock.isOk() ? QStringLiteral("another program holds it too long")
+                                   : lock.status().message());
         return QString();
     }
 
+    // The table itself knows its highest key; an empty table starts at zero, so that its
+    // first ID ends in 0000001.
     auto rebuild = [&]() {
         bool ok = false;
         QString key = highestKeyInTable(query, &ok);
-        // An empty table starts its keys at zero, so the first ID ends in 0000001.
         if (ok && key.size() != 7)
             key = QStringLiteral("0000000");
         const QString code = keyToASC(key);
-        writeKeyLine(keyFile, code);
+        const QString failed = writeKeyLine(keyFile, code);
+        if (!failed.isEmpty()) {
+            keyFileProblem(keyFile, failed);
+            return false;
+        }
         logLines(rebuiltKeyLines(m_sDesc, query, key, code));
+        return true;
     };
-    if (!getFileExistLEN(keyFile, false))
-        rebuild();
+    if (!getFileExistLEN(keyFile, false) && !rebuild())
+        return QString();
 
     const int lFlag = 0;
     QString code = readKeyLine(keyFile);
-    if (getLenTrim(code) != 21) {
+    if (!isGeneratorKeyLine(trimSpaces(code))) {
+        // Damaged, written by something else, or the last key there is: said, and rebuilt.
         const QStringList lines = unexpectedKeyLines(m_sDesc, query, code, lFlag);
         showBox(lines.join(kCrLf), MsgStyle::Information, QStringLiteral("Record ID Error"));
-        logLines(QStringList(lines) << QStringLiteral("Len_Trim(sLastIDasc) <> 21"));
-        // The table itself knows its highest key: start again from there.
-        rebuild();
+        logLines(QStringList(lines)
+                 << (getLenTrim(code) != 21 ? QStringLiteral("Len_Trim(sLastIDasc) <> 21")
+                                            : QStringLiteral("sLastIDasc is not a key of seven "
+                                                             "character codes")));
+        if (!rebuild())
+            return QString();
         code = readKeyLine(keyFile);
-        if (getLenTrim(code) != 21)
+        if (!isGeneratorKeyLine(trimSpaces(code)))
             return QString();
     }
 
@@ -273,6 +318,7 @@ QString mvPLXRecs::NewIDPLX()
 
     // Case twins are skipped without counting as attempts; the key space bounds them.
     int twins = 0;
+    bool caughtUp = false;
     for (int attempts = 0;;) {
         const QString criterion = m_sIDfield + QStringLiteral(" = ") + strToASC(candidate);
         const IdUse use = idTaken(candidate, criterion);
@@ -281,13 +327,26 @@ QString mvPLXRecs::NewIDPLX()
             continue;
         }
         if (use == IdUse::Free) {
-            if (!writeKeyLine(keyFile, keyToASC(candidate).right(21))) {
-                logLines({ QStringLiteral("New ID for ") + m_sDesc
-                               + QStringLiteral(": cannot write the key file"),
-                           QStringLiteral("From ") + keyFile });
+            if (const QString failed = writeKeyLine(keyFile, keyToASC(candidate).right(21));
+                !failed.isEmpty()) {
+                keyFileProblem(keyFile, failed);
                 return QString();
             }
             return candidate;
+        }
+        if (!caughtUp) {
+            // A key file behind the table (restored from a backup, copied from another
+            // machine) would fail every NEW: the table's highest key takes its place once.
+            caughtUp = true;
+            bool ok = false;
+            const QString highest = highestKeyInTable(query, &ok);
+            if (ok && highest.size() == 7 && keyToASC(highest) > keyToASC(candidate.right(7))) {
+                logLines({ QStringLiteral("Key file behind the table for ") + m_sDesc,
+                           QStringLiteral("Last ID Key (last 7):  ") + highest,
+                           QStringLiteral("From ") + keyFile });
+                candidate = PLXIDIncrement(m_sParentID + highest, logStep);
+                continue;
+            }
         }
         if (attempts >= 10) {
             const QStringList lines =

@@ -11,6 +11,7 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QDir>
 #include <QFile>
 #include <QGroupBox>
 #include <QPushButton>
@@ -483,6 +484,64 @@ TEST_P(Commands, ASecondNavigatorOnTheRecordIsDeniedAndToldWhoHoldsIt)
     other.ClickButton(QStringLiteral("EDIT"));
     EXPECT_EQ(boxes.titles.size(), 1);
     EXPECT_TRUE(other.bButtonEnable(QStringLiteral("SAVE")));
+}
+
+// Key files as users' machines leave them: damaged by another program, the last key
+// there is, restored from an older backup, or impossible to write. NEW always ends with
+// a record whose ID is the parent ID and seven characters the generator makes, or with
+// one box saying what failed.
+TEST_P(Commands, DamagedLaggingAndUnwritableKeyFiles)
+{
+    configureWithFields();
+    const QString keyFile = nav->keyFilePath();
+    const QString damaged = QStringLiteral("Unexpected results for Last ID in Facilities\r\n");
+    const struct
+    {
+        const char *line;
+        bool told;
+    } cases[] = {
+        { "abcdefghijklmnopqrstu", true }, // not digits
+        { "999048048048048048048", true }, // a code above 255
+        { "000048048048048048048", true }, // a NUL
+        { "032048048048048048048", true }, // the blank
+        { "255255255255255255255", true }, // the last key: the next would carry into "PLE"
+        { "04804804804804804804", true }, // one digit short
+        { "048048048048048048049", false }, // a backup: ten IDs behind the table
+    };
+    QString expected = QStringLiteral("PLE0000011");
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.line);
+        QFile file(keyFile);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(QByteArray(c.line) + "\r\n");
+        file.close();
+        if (c.told)
+            env.prompter.expectMsgBox(QStringLiteral("Record ID Error"), QString(), 64,
+                                      MsgAnswer::OK);
+        nav->ClickButton(QStringLiteral("NEW"));
+        if (c.told) {
+            ASSERT_FALSE(env.prompter.shown().isEmpty());
+            EXPECT_TRUE(env.prompter.shown().last().text.startsWith(damaged));
+        }
+        EXPECT_EQ(nav->sCurrentID(), expected);
+        EXPECT_FALSE(onDisk(expected).isEmpty());
+        nav->ClickButton(QStringLiteral("SAVE"));
+        expected = QStringLiteral("PLE00000") + QString::number(expected.right(2).toInt() + 1);
+    }
+    EXPECT_EQ(env.prompter.pending(), 0);
+
+    // A key file that cannot be written is named as such, in one box.
+    QFile::remove(keyFile);
+    ASSERT_TRUE(QDir().mkdir(keyFile));
+    env.prompter.expectMsgBox(QStringLiteral("Record ID Error"), QString(), 16, MsgAnswer::OK);
+    const qint32 count = countOnDisk();
+    nav->ClickButton(QStringLiteral("NEW"));
+    EXPECT_TRUE(env.prompter.shown().last().text.startsWith(
+        QStringLiteral("The record ID key file for Facilities cannot be used:\r\n")))
+        << env.prompter.shown().last().text.toStdString();
+    EXPECT_EQ(countOnDisk(), count);
+    EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("NEW")));
+    EXPECT_EQ(env.prompter.pending(), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(BackEnds, Commands, ::testing::Values("SQLite", "FoxPro"), backEndName);
