@@ -31,7 +31,8 @@ public:
     ~mvChkWithTxt() override;
 
     // Passed on to the check box and the text stack.
-    void setServices(plx::Services *services);
+    void setServices(plx::Services *services) override;
+    plx::Services *services() const override { return m_services; }
 
     // Captions. Text rows are indexed 0 .. nUbound; out of range gives "" / does nothing.
     QString sCaptionChk() const { return m_chk->sCaption(); }

@@ -35,7 +35,7 @@ public:
     ~RowStack() override;
 
     // Passed on to every row now and to rows added later; nullptr: library-wide defaults.
-    void setServices(plx::Services *services);
+    void setServices(plx::Services *services) override;
 
     // The highest row index. Growing adds rows below the last one (same left edge, empty,
     // with the start values of a new row); shrinking deletes the rows above n with their
@@ -136,7 +136,7 @@ protected:
 
     bool inRange(qint16 n) const { return n >= 0 && n < m_rows.size(); }
     const QList<mvRow *> &rows() const { return m_rows; }
-    plx::Services *services() const { return m_services; }
+    plx::Services *services() const override { return m_services; }
     void yieldOnce();
     // Asks every row's binding object to disconnect and releases it.
     void disconnectRows();

@@ -289,7 +289,24 @@ void mvPLXRecs::setCMervaneControls(const QList<BoundControl *> &controls)
         m_mervaneObjects.append(object);
         m_mervaneTracked.append(object != nullptr);
     }
+    lendServicesToFields();
     shareRsWithFields();
+}
+
+void mvPLXRecs::setServices(Services *services)
+{
+    m_services = services;
+    lendServicesToFields();
+}
+
+void mvPLXRecs::lendServicesToFields()
+{
+    // Field controls the host gave no services of their own show their boxes through the
+    // navigator's, like the navigator's own boxes.
+    for (BoundControl *control : cMervaneControls())
+        if (!control->services() || control->services() == m_lentServices)
+            control->setServices(m_services);
+    m_lentServices = m_services;
 }
 
 QList<BoundControl *> mvPLXRecs::cMervaneControls() const

@@ -84,7 +84,9 @@ public:
 
     // Where boxes, the clock and the UI pump come from; nullptr: the library-wide
     // defaults (Services::defaults(), which a host may replace with Services::setDefaults).
-    void setServices(Services *services) { m_services = services; }
+    // The message boxes, clock and event pump the navigator uses; field controls registered
+    // in cMervaneControls without services of their own use these too.
+    void setServices(Services *services);
     Services *services() const { return m_services; }
 
     // --- Record source -------------------------------------------------------------
@@ -345,6 +347,7 @@ private:
     void stepClicked(bool forward);
     void connectByFile(const QString &path);
     void shareRsWithFields();
+    void lendServicesToFields();
     bool beginLongWork(const QString &text);
     void endLongWork();
 
@@ -406,6 +409,7 @@ private:
     void filterButtonClicked();
 
     Services *m_services = nullptr;
+    Services *m_lentServices = nullptr; // what the field controls were given by the navigator
     std::shared_ptr<Database> m_db;
     std::shared_ptr<RecordSource> m_rs;
     std::shared_ptr<RecordSource> m_findRs;

@@ -15,6 +15,7 @@
 namespace plx {
 
 class RecordSource;
+struct Services;
 
 class BoundControl
 {
@@ -57,6 +58,12 @@ public:
     // re-read), so rows never keep a source the navigator has replaced.
     virtual std::shared_ptr<RecordSource> RecordSet() const = 0;
     virtual void setRecordSet(std::shared_ptr<RecordSource> source) = 0;
+
+    // The services the control shows its boxes through (nullptr: the library's defaults).
+    // A control registered with a navigator without services of its own takes the
+    // navigator's, so a host that gave the navigator its prompter sees every box.
+    virtual Services *services() const { return nullptr; }
+    virtual void setServices(Services *services) { (void)services; }
 };
 
 } // namespace plx

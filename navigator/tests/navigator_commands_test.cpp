@@ -486,6 +486,29 @@ TEST_P(Commands, ASecondNavigatorOnTheRecordIsDeniedAndToldWhoHoldsIt)
     EXPECT_TRUE(other.bButtonEnable(QStringLiteral("SAVE")));
 }
 
+// A row that cannot store what was typed says so through the host's prompter (the rows
+// were given none: they use the navigator's), shows what the record kept, and the rest
+// of the record is saved once.
+TEST_P(Commands, ARefusedValueIsToldThroughTheHostAndNotLeftShowing)
+{
+    configureWithFields();
+    find(QStringLiteral("JONES"));
+    nav->ClickButton(QStringLiteral("EDIT"));
+    fields->setSValue(0, QString(31, QLatin1Char('W'))); // NAME holds 30
+    fields->setSValue(1, QStringLiteral("WACO"));
+    env.prompter.expectMsgBox(QStringLiteral("Value Not Saved"), QString(), 48, MsgAnswer::OK);
+    nav->ClickButton(QStringLiteral("SAVE"));
+    ASSERT_EQ(env.prompter.shown().size(), 1);
+    EXPECT_TRUE(env.prompter.shown().first().text.startsWith(QStringLiteral("NAME ")))
+        << env.prompter.shown().first().text.toStdString();
+    EXPECT_FALSE(nav->bButtonEnable(QStringLiteral("SAVE")));
+    EXPECT_EQ(fields->sValue(0), QStringLiteral("JONES"));
+    EXPECT_EQ(onDisk(QStringLiteral("PLE0000001")).value(QStringLiteral("NAME")),
+              QStringLiteral("JONES"));
+    EXPECT_EQ(onDisk(QStringLiteral("PLE0000001")).value(QStringLiteral("CITY")),
+              QStringLiteral("WACO"));
+}
+
 // Key files as users' machines leave them: damaged by another program, the last key
 // there is, restored from an older backup, or impossible to write. NEW always ends with
 // a record whose ID is the parent ID and seven characters the generator makes, or with
