@@ -75,17 +75,25 @@ std::vector<quint32> DistinctRanker::ranksOfIds() const
 
 std::vector<quint32> DistinctRanker::ranksOfIds(const SortKeyOf &keyOf) const
 {
+    // As above: the first four code units of the key as one integer, the rest only to settle
+    // ties.
     struct Keyed
     {
+        quint64 lead;
         QString key;
         quint32 id;
     };
     std::vector<Keyed> order(m_hashes.size());
-    for (size_t id = 0; id < order.size(); ++id)
-        order[id] = { keyOf(QByteArrayView(m_values.data() + id * m_length, qsizetype(m_length))),
-                      quint32(id) };
-    std::sort(order.begin(), order.end(),
-              [](const Keyed &a, const Keyed &b) { return a.key < b.key; });
+    for (size_t id = 0; id < order.size(); ++id) {
+        QString key = keyOf(QByteArrayView(m_values.data() + id * m_length, qsizetype(m_length)));
+        quint64 lead = 0;
+        for (qsizetype i = 0; i < 4; ++i)
+            lead = (lead << 16) | (i < key.size() ? key.at(i).unicode() : 0u);
+        order[id] = { lead, std::move(key), quint32(id) };
+    }
+    std::sort(order.begin(), order.end(), [](const Keyed &a, const Keyed &b) {
+        return a.lead != b.lead ? a.lead < b.lead : a.key < b.key;
+    });
     std::vector<quint32> rank(order.size());
     quint32 r = 0;
     for (size_t i = 0; i < order.size(); ++i) {
