@@ -91,6 +91,14 @@ public:
     static void chooseCodePage(DbfTable &t, int codePage);
     static void openCompanions(DbfTable &t, bool writable);
     static void decideWritable(DbfTable &t, bool writable, bool openedWritable);
+    // Records a problem that leaves the table readable but not writable: the sentence for
+    // warnings() and the short reason for a status bar.
+    static void readOnlyBecause(DbfTable &t, const QString &warning, const QString &reason)
+    {
+        t.m_warnings << warning;
+        if (t.m_warningReason.isEmpty())
+            t.m_warningReason = reason;
+    }
 };
 
 Status DbfTableOpener::readHeader(DbfTable &t, qint64 size)
@@ -202,11 +210,13 @@ Status DbfTableOpener::readFields(DbfTable &t, const QByteArray &header)
                            .arg(offset)
                            .arg(hd.recordLength));
     if (offset < hd.recordLength)
-        t.m_warnings << QStringLiteral("%1: the fields use %2 of the %3 bytes of a record; the "
+        readOnlyBecause(t,
+                        QStringLiteral("%1: the fields use %2 of the %3 bytes of a record; the "
                                        "table is read only")
                             .arg(QFileInfo(t.m_path).fileName())
                             .arg(offset)
-                            .arg(hd.recordLength);
+                            .arg(hd.recordLength),
+                        QStringLiteral("the table's records hold bytes no field describes"));
     if (t.m_nullFlagsOffset >= 0 && t.m_nullFlagsLength * 8 < nullBit)
         t.m_nullFlagsOffset = -1; // too short to hold the bits: ignore rather than misread
     for (const DbfField &f : std::as_const(t.m_fields))
@@ -222,11 +232,13 @@ void DbfTableOpener::chooseCodePage(DbfTable &t, int codePage)
     else
         t.m_header.codePage = codePage ? codePage : 1252;
     if (t.m_header.codePageMark && !marked)
-        t.m_warnings << QStringLiteral("%1: unknown code page mark 0x%2; text is read as code "
+        readOnlyBecause(t,
+                        QStringLiteral("%1: unknown code page mark 0x%2; text is read as code "
                                        "page %3")
                             .arg(QFileInfo(t.m_path).fileName())
                             .arg(t.m_header.codePageMark, 2, 16, QLatin1Char('0'))
-                            .arg(t.m_header.codePage);
+                            .arg(t.m_header.codePage),
+                        QStringLiteral("the table's code page is unknown"));
 }
 
 void DbfTableOpener::openCompanions(DbfTable &t, bool writable)
@@ -243,28 +255,38 @@ void DbfTableOpener::openCompanions(DbfTable &t, bool writable)
         const QString memoPath =
             dbfio::companionFile(t.m_path, hd.memoKind == DbfMemoKind::Fpt ? ".fpt" : ".dbt");
         if (memoPath.isEmpty()) {
-            t.m_warnings << QStringLiteral("%1: the memo file is missing; memo fields cannot be "
+            readOnlyBecause(t,
+                            QStringLiteral("%1: the memo file is missing; memo fields cannot be "
                                            "read and the table is read only")
-                                .arg(name);
+                                .arg(name),
+                            QStringLiteral("the memo file is missing"));
         } else {
+            const QString memoName = QFileInfo(memoPath).fileName();
             auto memo = DbfMemoFile::open(memoPath, hd.memoKind, writable);
             if (!memo.isOk() && writable) {
                 memo = DbfMemoFile::open(memoPath, hd.memoKind, false);
                 if (memo.isOk())
-                    t.m_warnings << QStringLiteral("%1: the memo file is write-protected; the "
-                                                   "table is read only")
-                                        .arg(name);
+                    readOnlyBecause(
+                        t,
+                        QStringLiteral("%1: the memo file is write-protected; the "
+                                       "table is read only")
+                            .arg(name),
+                        QStringLiteral("the memo file is write-protected (%1)").arg(memoName));
             }
             if (memo.isOk())
                 t.m_memo = std::move(*memo);
             else
-                t.m_warnings << memo.status().message();
+                readOnlyBecause(t, memo.status().message(),
+                                QStringLiteral("the memo file cannot be read (%1)").arg(memoName));
         }
     }
     if (hd.structuralIndex && dbfio::companionFile(t.m_path, ".cdx").isEmpty())
-        t.m_warnings << QStringLiteral("%1: the header announces a structural index but the .CDX "
+        readOnlyBecause(t,
+                        QStringLiteral("%1: the header announces a structural index but the .CDX "
                                        "file is missing; the table is read only")
-                            .arg(name);
+                            .arg(name),
+                        QStringLiteral("the table's index file is missing (%1.CDX)")
+                            .arg(QFileInfo(t.m_path).completeBaseName()));
 }
 
 void DbfTableOpener::decideWritable(DbfTable &t, bool writable, bool openedWritable)
@@ -274,28 +296,41 @@ void DbfTableOpener::decideWritable(DbfTable &t, bool writable, bool openedWrita
     const QString version = QStringLiteral("0x%1").arg(
         QString::number(hd.version, 16).toUpper().rightJustified(2, QLatin1Char('0')));
     QString reason;
-    if (!writable)
+    QString shortReason;
+    if (!writable) {
         reason = QStringLiteral("%1 is open read only").arg(name);
-    else if (!openedWritable)
+        shortReason = QStringLiteral("the table was opened read-only");
+    } else if (!openedWritable) {
         reason = QStringLiteral("%1 is write-protected").arg(name);
-    else if (hd.visualFoxPro)
+        shortReason = QStringLiteral("the file is write-protected");
+    } else if (hd.visualFoxPro) {
         reason = QStringLiteral("%1 is a Visual FoxPro table (version byte %2); it is read only "
                                 "because writing it needs Visual FoxPro's null flags, "
                                 "autoincrement counters and index formats")
                      .arg(name, version);
-    else if (hd.version == 0x8B)
+        shortReason = QStringLiteral("the table is in Visual FoxPro's format, which this program "
+                                     "only reads");
+    } else if (hd.version == 0x8B) {
         reason = QStringLiteral("%1 is a dBASE IV table with memo (version byte %2); it is read "
                                 "only")
                      .arg(name, version);
-    else if (hd.structuralIndex)
+        shortReason = QStringLiteral("the table is in dBASE IV's format with memos, which this "
+                                     "program only reads");
+    } else if (hd.structuralIndex && !dbfio::companionFile(t.m_path, ".cdx").isEmpty()) {
         reason = QStringLiteral("%1 has a structural index (.CDX) that this program does not "
                                 "maintain; writing would leave the index stale for FoxPro and "
                                 "the other programs that trust it, so the table is read only")
                      .arg(name);
-    else if (!t.m_warnings.isEmpty())
+        shortReason = QStringLiteral("the table has an index this program cannot keep up to "
+                                     "date (%1)")
+                          .arg(QFileInfo(dbfio::companionFile(t.m_path, ".cdx")).fileName());
+    } else if (!t.m_warnings.isEmpty()) {
         reason = t.m_warnings.first();
+        shortReason = t.m_warningReason;
+    }
     if (!reason.isEmpty())
         t.m_writable = Status(Status::Code::NotSupported, reason);
+    t.m_readOnlyReason = shortReason;
 }
 
 DbfTable::DbfTable() : m_fd(dbfio::noFile()) { }
@@ -347,11 +382,14 @@ Result<std::unique_ptr<DbfTable>> DbfTable::open(const QString &path, OpenMode m
     }
     t->m_count = qMin(hd.headerCount, hd.physicalCount);
     if (hd.headerCount > hd.physicalCount)
-        t->m_warnings << QStringLiteral("%1: the header counts %2 records but the file holds only "
-                                        "%3; the table is read only")
-                             .arg(QFileInfo(path).fileName())
-                             .arg(hd.headerCount)
-                             .arg(hd.physicalCount);
+        DbfTableOpener::readOnlyBecause(
+            *t,
+            QStringLiteral("%1: the header counts %2 records but the file holds only %3; the "
+                           "table is read only")
+                .arg(QFileInfo(path).fileName())
+                .arg(hd.headerCount)
+                .arg(hd.physicalCount),
+            QStringLiteral("the table file is shorter than its header says"));
     DbfTableOpener::openCompanions(*t, openedWritable);
     DbfTableOpener::decideWritable(*t, wantWrite, openedWritable);
     t->m_scheme =

@@ -177,6 +177,10 @@ public:
     // with the sentence that every write call returns, e.g. why a CDX table is read only.
     Status writable() const { return m_writable; }
     bool isWritable() const { return m_writable.isOk(); }
+    // The same reason in a few words for a status bar ("the file is write-protected", "the
+    // table has an index this program cannot keep up to date (CALLS.CDX)"); empty when
+    // writes are allowed.
+    const QString &readOnlyReason() const { return m_readOnlyReason; }
 
     // Records usable now: min(header count, records physically in the file), as of open or
     // the last refreshCount()/appendRecord(). Record numbers run 1..recordCount().
@@ -325,7 +329,9 @@ private:
     QList<DbfField> m_fields;
     QList<FieldInfo> m_infos;
     QStringList m_warnings;
+    QString m_warningReason; // the short reason of the first warning
     Status m_writable;
+    QString m_readOnlyReason;
     DbfLockScheme m_scheme = DbfLockScheme::FoxPro2;
     int m_nullFlagsOffset = -1; // offset of _NullFlags in the record; -1 when none
     int m_nullFlagsLength = 0;

@@ -62,7 +62,7 @@ private:
     {
         const jet::SelectStatement stmt = jet::parseSelect(sql).value();
         Result<std::shared_ptr<sqlite::Connection>> conn =
-            sqlite::Connection::open(QStringLiteral(":memory:"), false, false);
+            sqlite::Connection::open(QStringLiteral(":memory:"), {});
         if (!conn.isOk())
             return conn.status();
         conn.value()->setTextCompare(m_collate);
@@ -120,6 +120,9 @@ Result<std::unique_ptr<Database>> openDatabase(const QString &directory, bool re
                                                int codePage, TextCompare collate)
 {
     const QFileInfo info(directory);
+    if (!info.exists())
+        return Status(Status::Code::NotFound,
+                      QStringLiteral("the folder %1 was not found").arg(directory));
     if (!info.isDir())
         return Status(Status::Code::NotFound,
                       QStringLiteral("%1 is not a directory of FoxPro tables").arg(directory));

@@ -3,9 +3,23 @@
 
 #include "services/recordsource/jet/parser_p.h"
 
+#include <QFileInfo>
+
 namespace plx::foxpro {
 
 namespace {
+
+// Why no table of the database can be written, whatever the table: a read-only open, or a
+// write-protected folder, which marks data not to be changed (a read-only share, a CD) and
+// where the files the controls keep beside a table could not be written either.
+QString databaseRefusal(const QString &tablePath, bool readOnly)
+{
+    if (readOnly)
+        return QStringLiteral("the database was opened read-only");
+    if (!QFileInfo(QFileInfo(tablePath).absolutePath()).isWritable())
+        return QStringLiteral("the folder is write-protected");
+    return {};
+}
 
 // "SELECT" as the first word marks a statement; anything else names a table.
 bool isStatement(const QString &text)
@@ -51,12 +65,15 @@ Result<std::unique_ptr<RecordSource>> FoxProRecordSource::open(const TablePaths 
                       QStringLiteral("no table named %1 at position %2")
                           .arg(stmt.from.name)
                           .arg(stmt.from.pos));
+    const QString refusal = databaseRefusal(path, readOnly);
     Result<std::unique_ptr<DbfTable>> table = DbfTable::open(
-        path, readOnly ? DbfTable::OpenMode::ReadOnly : DbfTable::OpenMode::ReadWrite, codePage);
+        path, refusal.isEmpty() ? DbfTable::OpenMode::ReadWrite : DbfTable::OpenMode::ReadOnly,
+        codePage);
     if (!table.isOk())
         return table.status();
     std::unique_ptr<FoxProRecordSource> source(new FoxProRecordSource);
     source->m_table = std::move(table).value();
+    source->m_readOnlyReason = refusal.isEmpty() ? source->m_table->readOnlyReason() : refusal;
     source->m_collate = collate;
     source->m_tableName = stmt.from.name;
     source->m_alias = stmt.from.effectiveAlias();

@@ -67,6 +67,14 @@ Result<QVariant> fieldValue(const FieldInfo &f, const QVariant &value)
 
 } // namespace
 
+Status FoxProRecordSource::checkWritable() const
+{
+    if (m_readOnlyReason.isEmpty())
+        return Status::ok();
+    // The table layer's full sentence goes along for the log.
+    return Status(Status::Code::NotSupported, m_readOnlyReason, 0, m_table->writable().message());
+}
+
 void FoxProRecordSource::endEdit()
 {
     if (m_mode == EditMode::Edit && m_table && m_editRecno != 0)
@@ -80,7 +88,7 @@ Status FoxProRecordSource::AddNew()
 {
     if (Status s = checkOpen(); !s.isOk())
         return s;
-    if (Status w = m_table->writable(); !w.isOk())
+    if (Status w = checkWritable(); !w.isOk())
         return w;
     endEdit();
     m_buffer = QVariantList(m_table->fieldInfos().size());
@@ -92,7 +100,7 @@ Status FoxProRecordSource::Edit()
 {
     if (Status s = checkOpen(); !s.isOk())
         return s;
-    if (Status w = m_table->writable(); !w.isOk())
+    if (Status w = checkWritable(); !w.isOk())
         return w;
     if (!hasCurrent())
         return Status(Status::Code::NotFound, QStringLiteral("no current record to edit"));
@@ -170,7 +178,7 @@ Status FoxProRecordSource::Delete()
 {
     if (Status s = checkOpen(); !s.isOk())
         return s;
-    if (Status w = m_table->writable(); !w.isOk())
+    if (Status w = checkWritable(); !w.isOk())
         return w;
     if (!hasCurrent())
         return Status(Status::Code::NotFound, QStringLiteral("no current record to delete"));

@@ -51,6 +51,9 @@ public:
     Status setValue(int index, const QVariant &value) override;
 
     EditMode editMode() const override { return m_mode; }
+    // A read-only open, a write-protected folder, or why the table itself cannot be written
+    // (DbfTable::readOnlyReason).
+    QString readOnlyReason() const override { return m_readOnlyReason; }
     Status AddNew() override;
     Status Edit() override;
     Status Update() override;
@@ -72,6 +75,8 @@ private:
     FoxProRecordSource() = default;
 
     Status build(const jet::SelectStatement &stmt);
+    // NotSupported with readOnlyReason() when writes are refused; OK otherwise.
+    Status checkWritable() const;
     Result<jet::NodePtr> bindExpression(const jet::NodePtr &node) const;
     Result<std::vector<quint32>> filter(const jet::NodePtr &where,
                                         std::vector<ScanRanking> &rankings) const;
@@ -103,6 +108,8 @@ private:
     QString m_alias;
     std::vector<quint32> m_keys; // record numbers in the source's order
     bool m_recnoOrder = true; // no ORDER BY: m_keys ascend
+
+    QString m_readOnlyReason; // decided at open; empty when writable
 
     EditMode m_mode = EditMode::None;
     QVariantList m_buffer;

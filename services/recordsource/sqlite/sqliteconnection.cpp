@@ -1,5 +1,5 @@
-// services/recordsource/sqlite/sqliteconnection.cpp: opening SQLite files, statements,
-// error mapping and table look-ups for the Jet front end.
+// services/recordsource/sqlite/sqliteconnection.cpp: statements, error mapping and table
+// look-ups for the Jet front end.
 #include "services/recordsource/sqlite/sqliteconnection_p.h"
 
 #include <sqlite3.h>
@@ -26,13 +26,7 @@ Connection::~Connection()
     sqlite3_close_v2(m_db);
 }
 
-namespace {
-
-// Readers wait this long for a writer of another connection before giving up; writes
-// are single-record transactions, so a longer wait means something is stuck.
-constexpr int BusyTimeoutMs = 5000;
-
-Status codeFor(int rc, const QString &what, const QString &engineText)
+Status statusFor(int rc, const QString &what, const QString &engineText)
 {
     Status::Code code = Status::Code::Engine;
     const int primary = rc & 0xFF;
@@ -53,41 +47,6 @@ Status codeFor(int rc, const QString &what, const QString &engineText)
     else if (engineText.contains(QLatin1String("syntax error")))
         code = Status::Code::Syntax;
     return Status(code, what, rc, engineText);
-}
-
-} // namespace
-
-Result<std::shared_ptr<Connection>> Connection::open(const QString &path, bool exclusive,
-                                                     bool readOnly)
-{
-    sqlite3 *db = nullptr;
-    const int flags =
-        readOnly ? SQLITE_OPEN_READONLY : (SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-    const int rc =
-        sqlite3_open_v2(path.toUtf8().constData(), &db, flags | SQLITE_OPEN_NOMUTEX, nullptr);
-    if (rc != SQLITE_OK) {
-        const QString text = db ? QString::fromUtf8(sqlite3_errmsg(db)) : QString();
-        sqlite3_close_v2(db);
-        return codeFor(rc, QStringLiteral("cannot open the database %1").arg(path), text);
-    }
-    sqlite3_extended_result_codes(db, 1);
-    sqlite3_busy_timeout(db, BusyTimeoutMs);
-    std::shared_ptr<Connection> conn(new Connection(db, path, readOnly));
-    // WAL lets readers of other connections go on while one record is written, and
-    // synchronous=FULL makes every committed Update durable when it returns.
-    if (!readOnly) {
-        Status s = conn->exec(QStringLiteral("PRAGMA journal_mode=WAL"));
-        if (s.isOk())
-            s = conn->exec(QStringLiteral("PRAGMA synchronous=FULL"));
-        if (s.isOk() && exclusive)
-            s = conn->exec(QStringLiteral("PRAGMA locking_mode=EXCLUSIVE"));
-        if (!s.isOk())
-            return s;
-    }
-    Status s = jet::registerJetFunctions(db);
-    if (!s.isOk())
-        return s;
-    return conn;
 }
 
 Result<Statement> Connection::prepare(const QString &sql) const
@@ -123,7 +82,7 @@ Status Connection::engineError(const QString &what) const
 
 Status Connection::engineError(const QString &what, int rc) const
 {
-    return codeFor(rc, what, QString::fromUtf8(sqlite3_errmsg(m_db)));
+    return statusFor(rc, what, QString::fromUtf8(sqlite3_errmsg(m_db)));
 }
 
 QStringList Connection::tableNames() const
@@ -191,7 +150,7 @@ void Connection::rollback() const
 
 void Connection::checkpoint() const
 {
-    if (!m_readOnly)
+    if (!isReadOnly())
         sqlite3_wal_checkpoint_v2(m_db, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
 }
 

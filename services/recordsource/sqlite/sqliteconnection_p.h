@@ -18,6 +18,14 @@ struct sqlite3_stmt;
 
 namespace plx::sqlite {
 
+// How a database file is opened.
+struct ConnectOptions
+{
+    bool exclusive = false; // keep other processes out while it is open
+    bool readOnly = false; // refuse every write
+    bool create = false; // make an empty database when the file is missing
+};
+
 // An owned prepared statement; finalized when it goes out of scope.
 class Statement
 {
@@ -37,6 +45,11 @@ private:
     sqlite3_stmt *m_stmt = nullptr;
 };
 
+// The Status for SQLite result code `rc`: Locked, IoError, Corrupt, NotSupported (read-only),
+// NotFound, UnknownField, UnknownFunction or Syntax where the code or text says so, Engine
+// otherwise; `what` is the message, SQLite's code and text are kept.
+Status statusFor(int rc, const QString &what, const QString &engineText);
+
 class Connection
 {
 public:
@@ -44,10 +57,12 @@ public:
     Connection(const Connection &) = delete;
     Connection &operator=(const Connection &) = delete;
 
-    // Opens (creating unless readOnly) the database file `path` and installs the Jet
-    // functions. exclusive keeps the file locked against other processes while open.
-    static Result<std::shared_ptr<Connection>> open(const QString &path, bool exclusive,
-                                                    bool readOnly);
+    // Opens the database file `path` (or ":memory:") and installs the Jet functions.
+    // NotFound when the file is missing and options.create is false. A file that cannot be
+    // written (read-only option, write-protected file, folder or companion file) opens
+    // read-only and says why in readOnlyReason(). The file's journal mode is left as it is.
+    static Result<std::shared_ptr<Connection>> open(const QString &path,
+                                                    const ConnectOptions &options);
 
     sqlite3 *handle() const { return m_db; }
     // How the Jet texts run on this connection compare text: case-insensitively for a
@@ -56,7 +71,9 @@ public:
     TextCompare textCompare() const { return m_compare; }
     void setTextCompare(TextCompare compare) { m_compare = compare; }
     const QString &path() const { return m_path; }
-    bool isReadOnly() const { return m_readOnly; }
+    bool isReadOnly() const { return !m_readOnlyReason.isEmpty(); }
+    // Why every write is refused, in words for a status bar; empty when writable.
+    const QString &readOnlyReason() const { return m_readOnlyReason; }
 
     // Prepares one statement; Engine (or Syntax for a parse error) with SQLite's text.
     Result<Statement> prepare(const QString &sql) const;
@@ -65,8 +82,13 @@ public:
     // A Status for the connection's last error, with our `what` as the message.
     Status engineError(const QString &what) const;
     Status engineError(const QString &what, int rc) const;
+    // A failed write to `table`: a NOT NULL, CHECK or UNIQUE failure names the columns
+    // concerned (InvalidArgument); anything else is engineError("cannot write to <table>").
+    Status writeError(const QString &table, int rc) const;
 
     QStringList tableNames() const;
+    // The CREATE TABLE statement of a table, matched case-insensitively; empty if none.
+    QString createStatement(const QString &table) const;
     // The table's stored name and columns, matched case-insensitively; nullopt if none.
     std::optional<jet::TableColumns> lookupTable(const QString &name) const;
     jet::TableLookup tableLookup() const;
@@ -81,13 +103,14 @@ public:
     void checkpoint() const;
 
 private:
-    Connection(sqlite3 *db, QString path, bool readOnly)
-        : m_db(db), m_path(std::move(path)), m_readOnly(readOnly)
+    Connection(sqlite3 *db, QString path, QString readOnlyReason)
+        : m_db(db), m_path(std::move(path)), m_readOnlyReason(std::move(readOnlyReason))
     {
     }
+    Status configure(const ConnectOptions &options) const;
     sqlite3 *m_db;
     QString m_path;
-    bool m_readOnly;
+    QString m_readOnlyReason;
     TextCompare m_compare = TextCompare::NoCase;
 };
 

@@ -23,9 +23,9 @@ public:
     }
 
     // Writes are committed and synced by Update itself and record locks are released by
-    // Update/CancelUpdate, so nothing is pending. A passive WAL checkpoint keeps the
+    // Update/CancelUpdate, so nothing is pending. In WAL mode a passive checkpoint keeps the
     // write-ahead log short; it never waits for readers and costs nothing when the log
-    // is already written back.
+    // is already written back (or the file has no WAL).
     void Idle() override
     {
         if (m_conn)
@@ -45,10 +45,10 @@ private:
 
 } // namespace
 
-Result<std::unique_ptr<Database>> openSqliteDatabase(const QString &path, bool exclusive,
-                                                     bool readOnly)
+Result<std::unique_ptr<Database>> openSqliteDatabase(const QString &path,
+                                                     const ConnectOptions &options)
 {
-    Result<std::shared_ptr<Connection>> conn = Connection::open(path, exclusive, readOnly);
+    Result<std::shared_ptr<Connection>> conn = Connection::open(path, options);
     if (!conn.isOk())
         return conn.status();
     return std::unique_ptr<Database>(new SqliteDatabase(std::move(conn).value()));

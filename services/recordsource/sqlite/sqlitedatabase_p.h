@@ -1,17 +1,19 @@
 // services/recordsource/sqlite/sqlitedatabase_p.h: a SQLite database file as a Database.
 //
-// OpenDatabase(name, ..., "") lands here. The file is created when missing (unless
-// read-only) and switched to WAL with synchronous=FULL, so other connections keep
-// reading while one record is written and every Update is durable when it returns.
+// OpenDatabase(name, ..., "") lands here; the connect string ";Create=Yes" makes a new
+// empty database when the file is missing (NotFound otherwise). The file keeps its journal
+// mode; the connection runs with synchronous=FULL, so every Update is durable when it
+// returns.
 #pragma once
 
 #include "services/recordsource/database.h"
+#include "services/recordsource/sqlite/sqliteconnection_p.h"
 
 namespace plx::sqlite {
 
-// Opens the SQLite database file `path`. exclusive keeps other processes out while it is
-// open; readOnly opens the file read-only and refuses every write.
-Result<std::unique_ptr<Database>> openSqliteDatabase(const QString &path, bool exclusive,
-                                                     bool readOnly);
+// Opens the SQLite database file `path` (see Connection::open for what the options do and
+// when the database opens read-only).
+Result<std::unique_ptr<Database>> openSqliteDatabase(const QString &path,
+                                                     const ConnectOptions &options);
 
 } // namespace plx::sqlite

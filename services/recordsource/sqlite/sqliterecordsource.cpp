@@ -1,6 +1,7 @@
 // services/recordsource/sqlite/sqliterecordsource.cpp: opening, positions and reading.
 #include "services/recordsource/sqlite/sqliterecordsource_p.h"
 
+#include "services/recordsource/jet/parser_p.h"
 #include "services/recordsource/sqlite/sqlitevalues_p.h"
 
 #include <QRegularExpression>
@@ -11,11 +12,13 @@ namespace plx::sqlite {
 
 namespace {
 
-// A bare name is a table (every SELECT has a blank); "SELECT * FROM [name]" reads it.
-bool isTableName(const QString &text)
+// A text starting with the word SELECT is a statement; anything else names a table, bare or
+// in brackets, whatever it holds ("my people", "ORDER", "91").
+bool isStatement(const QString &text)
 {
-    static const QRegularExpression bare(QStringLiteral("^\\[?[^\\s\\[\\]]+\\]?$"));
-    return bare.match(text).hasMatch();
+    static const QRegularExpression select(QStringLiteral("^SELECT\\b"),
+                                           QRegularExpression::CaseInsensitiveOption);
+    return select.match(text).hasMatch();
 }
 
 QString plainName(QString name)
@@ -58,6 +61,25 @@ bool isRowPerBaseRow(const jet::TranslatedSelect &select)
     return !aggregate.match(unquoted(select.selectList)).hasMatch();
 }
 
+// The translator reports a table it cannot find as an unknown name; to the caller of
+// OpenRecordset it is NotFound, as on every back end. OK when every table is there.
+Status missingTable(const Connection &connection, const QString &sql)
+{
+    const Result<jet::SelectStatement> stmt = jet::parseSelect(sql);
+    if (!stmt.isOk())
+        return Status::ok();
+    std::vector<jet::TableRef> tables{ stmt->from };
+    for (const jet::Join &j : stmt->joins)
+        tables.push_back(j.table);
+    for (const jet::TableRef &t : tables) {
+        if (!connection.lookupTable(t.name))
+            return Status(
+                Status::Code::NotFound,
+                QStringLiteral("no table named %1 at position %2").arg(t.name).arg(t.pos));
+    }
+    return Status::ok();
+}
+
 } // namespace
 
 SqliteRecordSource::SqliteRecordSource(std::shared_ptr<Connection> connection)
@@ -74,16 +96,21 @@ Result<std::unique_ptr<RecordSource>>
 SqliteRecordSource::open(std::shared_ptr<Connection> connection, const QString &tableOrSql)
 {
     QString sql = tableOrSql.trimmed();
-    if (isTableName(sql)) {
-        const QString table = plainName(sql);
-        if (!connection->lookupTable(table))
-            return Status(Status::Code::NotFound, QStringLiteral("no table named %1").arg(table));
-        sql = QStringLiteral("SELECT * FROM [%1]").arg(table);
+    if (!isStatement(sql)) {
+        const std::optional<jet::TableColumns> table = connection->lookupTable(plainName(sql));
+        if (!table)
+            return Status(Status::Code::NotFound,
+                          QStringLiteral("no table named %1").arg(plainName(sql)));
+        sql = QStringLiteral("SELECT * FROM [%1]").arg(table->table);
     }
     Result<jet::TranslatedSelect> translated =
         jet::translateSelect(sql, connection->tableLookup(), connection->textCompare());
-    if (!translated.isOk())
+    if (!translated.isOk()) {
+        if (translated.status().code() == Status::Code::UnknownField)
+            if (Status missing = missingTable(*connection, sql); !missing.isOk())
+                return missing;
         return translated.status();
+    }
     std::unique_ptr<SqliteRecordSource> source(new SqliteRecordSource(std::move(connection)));
     source->m_select = std::move(translated).value();
     source->m_plainShape = hasPlainShape(source->m_select);
@@ -92,6 +119,10 @@ SqliteRecordSource::open(std::shared_ptr<Connection> connection, const QString &
         s = isRowPerBaseRow(source->m_select) ? source->loadKeyset() : source->loadHeldRows();
     if (!s.isOk())
         return s;
+    source->m_readOnlyReason = source->m_conn->readOnlyReason();
+    if (source->m_readOnlyReason.isEmpty() && !source->m_keyed)
+        source->m_readOnlyReason = QStringLiteral(
+            "the records come from a query that cannot be written back to one table");
     if (source->size() > 0)
         (void)source->moveTo(0);
     return std::unique_ptr<RecordSource>(std::move(source));

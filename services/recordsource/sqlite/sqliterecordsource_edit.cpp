@@ -39,11 +39,8 @@ Status SqliteRecordSource::checkWritable() const
     Status s = checkOpen();
     if (!s.isOk())
         return s;
-    if (m_conn->isReadOnly())
-        return Status(Status::Code::NotSupported, QStringLiteral("the database is open read-only"));
-    if (!m_keyed)
-        return Status(Status::Code::NotSupported,
-                      QStringLiteral("this query cannot be updated: it reads no single table"));
+    if (!m_readOnlyReason.isEmpty())
+        return Status(Status::Code::NotSupported, m_readOnlyReason);
     return Status::ok();
 }
 
@@ -121,7 +118,7 @@ Status SqliteRecordSource::runWrite(Statement &stmt)
         return s;
     const int rc = sqlite3_step(stmt.get());
     if (rc != SQLITE_DONE) {
-        s = m_conn->engineError(QStringLiteral("cannot write to %1").arg(m_select.baseTable), rc);
+        s = m_conn->writeError(m_select.baseTable, rc);
         m_conn->rollback();
         return s;
     }

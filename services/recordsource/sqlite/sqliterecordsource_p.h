@@ -34,6 +34,9 @@ public:
     Status setValue(int index, const QVariant &value) override;
 
     EditMode editMode() const override { return m_mode; }
+    // The connection's reason (a write-protected file or folder, a read-only open), or that
+    // the statement reads no single table.
+    QString readOnlyReason() const override { return m_readOnlyReason; }
     Status AddNew() override;
     Status Edit() override;
     Status Update() override;
@@ -72,6 +75,7 @@ private:
     QStringList m_baseColumns; // the base-table column each field writes to; empty: read-only
     bool m_keyed = false;
     bool m_plainShape = false; // the statement is its parts recombined (see hasPlainShape)
+    QString m_readOnlyReason; // decided at open; empty when writable
     KeySet m_keys;
     std::vector<QVariantList> m_rows; // held rows when not keyed
     Statement m_rowStmt; // the values of one record by rowid

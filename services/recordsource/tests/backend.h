@@ -34,6 +34,10 @@ public:
     virtual Status createTables(const QString &dir, const QList<TableDef> &tables) const = 0;
     // Opens the database kept in `dir`; called again for a second, independent connection.
     virtual Result<std::unique_ptr<Database>> open(const QString &dir) const = 0;
+    // The same, opened read-only (OpenDatabase's readOnly).
+    virtual Result<std::unique_ptr<Database>> openReadOnly(const QString &dir) const = 0;
+    // The file that holds `table` inside `dir` (for SQLite the one database file).
+    virtual QString tableFile(const QString &dir, const QString &table) const = 0;
 };
 
 // Every back end the suite runs on.

@@ -39,6 +39,16 @@ public:
     {
         return OpenDatabase(dir, false, false, QStringLiteral("FoxPro 2.6"));
     }
+
+    Result<std::unique_ptr<Database>> openReadOnly(const QString &dir) const override
+    {
+        return OpenDatabase(dir, false, true, QStringLiteral("FoxPro 2.6"));
+    }
+
+    QString tableFile(const QString &dir, const QString &table) const override
+    {
+        return QDir(dir).filePath(table + QStringLiteral(".DBF"));
+    }
 };
 
 } // namespace

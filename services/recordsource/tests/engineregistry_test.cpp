@@ -20,7 +20,8 @@ TEST(EngineRegistryTest, TheLinkedInEnginesRegisteredThemselves)
 
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
-    auto sqlite = OpenDatabase(dir.filePath(QStringLiteral("a.db")), false, false, QString());
+    auto sqlite = OpenDatabase(dir.filePath(QStringLiteral("a.db")), false, false,
+                               QStringLiteral(";Create=Yes"));
     ASSERT_TRUE(sqlite.isOk()) << sqlite.status().toString().toStdString();
     EXPECT_EQ(sqlite.value()->textCompare(), TextCompare::NoCase);
     // Case and options do not matter to the choice of engine.

@@ -127,7 +127,6 @@ TEST_F(SqliteBackEndTest, WrittenDatesAndLogicalsKeepTheStoredForms)
     EXPECT_EQ(rawText("SELECT DAY FROM K WHERE CODE='C3'"), QStringLiteral("2025-12-31"));
     EXPECT_EQ(rawText("SELECT PRICE FROM K WHERE CODE='C3'"), QStringLiteral("2.346"));
     EXPECT_EQ(rawText("SELECT N FROM K WHERE CODE='C3'"), QStringLiteral("42"));
-    EXPECT_TRUE(QFile::exists(m_file + QStringLiteral("-wal")) || QFile::exists(m_file));
 }
 
 // Programs outside this layer take no record locks; their delete must not let our Update
@@ -205,11 +204,41 @@ TEST(SqliteOpenDatabaseTest, ConnectStringChoosesTheEngine)
               Code::NotFound);
     EXPECT_EQ(OpenDatabase(dir.path(), false, false, QStringLiteral("Paradox 4.x")).status().code(),
               Code::NotSupported);
-    // A missing file is created; a read-only open of a missing file fails.
-    EXPECT_TRUE(
-        OpenDatabase(dir.filePath(QStringLiteral("new.sqlite")), false, false, QString()).isOk());
-    EXPECT_FALSE(
-        OpenDatabase(dir.filePath(QStringLiteral("none.sqlite")), false, true, QString()).isOk());
+}
+
+// A mistyped path must not silently become a new, empty database: only the Create option
+// makes one, and never for a read-only open.
+TEST(SqliteOpenDatabaseTest, AMissingFileIsNotFoundUnlessCreateIsAskedFor)
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("new.sqlite"));
+    for (bool readOnly : { false, true }) {
+        const Status s = OpenDatabase(file, false, readOnly, QString()).status();
+        EXPECT_EQ(s.code(), Code::NotFound);
+        EXPECT_EQ(s.message(), QStringLiteral("the database %1 was not found").arg(file));
+    }
+    EXPECT_EQ(OpenDatabase(file, false, true, QStringLiteral(";Create=Yes")).status().code(),
+              Code::NotFound);
+    EXPECT_FALSE(QFile::exists(file));
+
+    auto created = OpenDatabase(file, false, false, QStringLiteral(";create=yes"));
+    ASSERT_TRUE(created.isOk()) << created.status().toString().toStdString();
+    EXPECT_TRUE(QFile::exists(file));
+    EXPECT_TRUE(created.value()->tableNames().isEmpty());
+    // An existing file opens as it is under the same option.
+    EXPECT_TRUE(OpenDatabase(file, false, false, QStringLiteral(";Create=Yes")).isOk());
+}
+
+TEST(SqliteOpenDatabaseTest, AFileThatIsNoDatabaseFailsAtOpen)
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("notes.txt"));
+    QFile text(file);
+    ASSERT_TRUE(text.open(QIODevice::WriteOnly));
+    text.write(QByteArray("just some text, long enough to be read as a header").repeated(20));
+    text.close();
+    EXPECT_EQ(OpenDatabase(file, false, false, QString()).status().code(), Code::Corrupt);
+    EXPECT_EQ(OpenDatabase(file, false, true, QString()).status().code(), Code::Corrupt);
 }
 
 } // namespace

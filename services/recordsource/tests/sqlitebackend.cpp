@@ -82,6 +82,13 @@ public:
         return OpenDatabase(fileIn(dir), false, false, QString());
     }
 
+    Result<std::unique_ptr<Database>> openReadOnly(const QString &dir) const override
+    {
+        return OpenDatabase(fileIn(dir), false, true, QString());
+    }
+
+    QString tableFile(const QString &dir, const QString &) const override { return fileIn(dir); }
+
 private:
     static QString fileIn(const QString &dir) { return dir + QStringLiteral("/contract.sqlite"); }
 };

@@ -1,6 +1,6 @@
 // What is particular to FoxPro tables behind the record source (the contract suite covers
-// what all back ends share): byte-order comparison, deleted records, read-only tables with
-// a structural index, and the statements the driver refuses.
+// what all back ends share): byte-order comparison, deleted records, and the statements the
+// driver refuses (read-only tables: foxpro_samplefiles_test.cpp).
 #include "services/recordsource/database.h"
 #include "services/recordsource/dbf/dbftable_p.h"
 #include "services/recordsource/foxpro/tests/foxprotestsupport.h"
@@ -132,37 +132,6 @@ TEST_F(FoxProRecordSourceTest, JoinsRunThroughTheVirtualTableModule)
     EXPECT_EQ(unknown.status().code(), Status::Code::UnknownField);
     EXPECT_EQ(db->OpenRecordset(QStringLiteral("VEGETABLE")).status().code(),
               Status::Code::NotFound);
-}
-
-// A table with a structural index is read, but never written: the index would go stale for
-// the FoxPro programs that trust it.
-TEST(FoxProCdxTableTest, ReadsButRefusesEveryWrite)
-{
-    QTemporaryDir dir;
-    const QString samples = QStringLiteral(PLX_TESTDATA_DIR);
-    if (!QFile::exists(samples + QStringLiteral("/calls.dbf"))) {
-        if (qEnvironmentVariable("CI") == QLatin1String("true"))
-            FAIL() << "the sample tables are missing: " << samples.toStdString();
-        GTEST_SKIP() << "the sample tables are not beside this checkout (" << samples.toStdString()
-                     << ")";
-    }
-    for (const char *file : { "calls.dbf", "calls.FPT", "calls.CDX" }) {
-        const QString name = QString::fromLatin1(file);
-        ASSERT_TRUE(QFile::copy(samples + QLatin1Char('/') + name, dir.filePath(name))) << file;
-        QFile(dir.filePath(name)).setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-    }
-    auto db = OpenDatabase(dir.path(), false, false, QStringLiteral("FoxPro 2.6"));
-    ASSERT_TRUE(db.isOk());
-    auto rs = db.value()->OpenRecordset(QStringLiteral("SELECT * FROM calls ORDER BY CALL_ID"));
-    ASSERT_TRUE(rs.isOk()) << rs.status().toString().toStdString();
-    RecordSource &r = *rs.value();
-    ASSERT_TRUE(r.MoveLast().isOk());
-    EXPECT_EQ(r.RecordCount(), 16);
-    for (const Status &s : { r.Edit(), r.AddNew(), r.Delete() }) {
-        EXPECT_EQ(s.code(), Status::Code::NotSupported);
-        EXPECT_TRUE(s.message().contains(QStringLiteral("index"), Qt::CaseInsensitive))
-            << s.message().toStdString();
-    }
 }
 
 // A table whose header carries no code-page mark is read as Windows-1252 unless the

@@ -1,0 +1,228 @@
+// Table files other programs wrote (copies of the shared samples), opened as a user would:
+// under file names that are no identifiers, and read-only for each reason a table can have,
+// which the record source announces and every write repeats.
+#include "services/recordsource/database.h"
+#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/foxpro/tests/foxprotestsupport.h"
+#include "services/recordsource/tests/writeprotection.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace plx;
+
+namespace {
+
+using Code = Status::Code;
+
+class FoxProSampleFilesTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_dir.isValid());
+        if (!QFile::exists(m_samples + QStringLiteral("/people.dbf"))) {
+            if (qEnvironmentVariable("CI") == QLatin1String("true"))
+                FAIL() << "the sample tables are missing: " << m_samples.toStdString();
+            GTEST_SKIP() << "the sample tables are not beside this checkout ("
+                         << m_samples.toStdString() << ")";
+        }
+    }
+
+    // Copies a sample into the test folder under `as` (its own name by default), writable.
+    QString copy(const char *sample, const QString &as = {}) const
+    {
+        const QString name = QString::fromLatin1(sample);
+        const QString target = m_dir.filePath(as.isEmpty() ? name : as);
+        EXPECT_TRUE(QFile::copy(m_samples + QLatin1Char('/') + name, target)) << sample;
+        QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner);
+        return target;
+    }
+
+    std::unique_ptr<Database> database() const { return foxprotest::openDirectory(m_dir.path()); }
+
+    // Opens `table`: its reason must be `reason`, and each write must fail at once with it,
+    // leaving the table file as it was.
+    void expectRefused(const QString &table, const QString &file, const QString &reason) const
+    {
+        const QByteArray before = fileBytes(file);
+        auto db = database();
+        ASSERT_TRUE(db);
+        auto rs = db->OpenRecordset(table);
+        ASSERT_TRUE(rs.isOk()) << rs.status().toString().toStdString();
+        RecordSource &r = *rs.value();
+        EXPECT_EQ(r.readOnlyReason(), reason);
+        ASSERT_TRUE(r.MoveLast().isOk());
+        EXPECT_GT(r.RecordCount(), 0);
+        for (int write = 0; write < 3; ++write) {
+            QElapsedTimer clock;
+            clock.start();
+            const Status s = write == 0 ? r.Edit() : write == 1 ? r.AddNew() : r.Delete();
+            EXPECT_LT(clock.elapsed(), 500) << write;
+            EXPECT_EQ(s.code(), Code::NotSupported) << write;
+            EXPECT_EQ(s.message(), reason) << write;
+        }
+        EXPECT_EQ(fileBytes(file), before);
+    }
+
+    static QByteArray fileBytes(const QString &path)
+    {
+        QFile f(path);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
+
+    const QString m_samples = QStringLiteral(PLX_TESTDATA_DIR);
+    QTemporaryDir m_dir;
+};
+
+TEST_F(FoxProSampleFilesTest, FilesNamedByNumbersBlanksOrKeywordsOpen)
+{
+    copy("people.dbf", QStringLiteral("91.dbf"));
+    copy("people.dbf", QStringLiteral("my people.dbf"));
+    copy("people.dbf", QStringLiteral("ORDER.DBF"));
+    auto db = database();
+    ASSERT_TRUE(db);
+    const QStringList tables = db->tableNames();
+    for (const char *name : { "91", "my people", "ORDER" })
+        EXPECT_TRUE(tables.contains(QString::fromLatin1(name))) << name;
+
+    // people.dbf holds three records, one of them deleted.
+    const QStringList live =
+        foxprotest::fieldOfEachRecord(*db, QStringLiteral("91"), QStringLiteral("NAME"));
+    ASSERT_EQ(live.size(), 2);
+    QStringList descending = live;
+    std::sort(descending.begin(), descending.end(), std::greater<>());
+    const QString name = QStringLiteral("NAME");
+    for (const char *text : { "[91]", "my people", "[my people]", "ORDER", "[ORDER]",
+                              "SELECT * from [my people]", "SELECT * FROM [order]" })
+        EXPECT_EQ(foxprotest::fieldOfEachRecord(*db, QString::fromLatin1(text), name), live)
+            << text;
+    EXPECT_EQ(
+        foxprotest::fieldOfEachRecord(
+            *db, QStringLiteral("SELECT * from [my people] ORDER BY [my people].NAME DESC"), name),
+        descending);
+    EXPECT_EQ(foxprotest::fieldOfEachRecord(
+                  *db, QStringLiteral("SELECT * from [ORDER] ORDER BY [ORDER].NAME DESC"), name),
+              descending);
+    // A join runs in SQLite, where the names become quoted virtual tables.
+    EXPECT_EQ(foxprotest::fieldOfEachRecord(
+                  *db,
+                  QStringLiteral("SELECT A.NAME FROM [my people] AS A INNER JOIN [91] AS B "
+                                 "ON A.NAME = B.NAME ORDER BY A.NAME DESC"),
+                  name),
+              descending);
+}
+
+// dBASE III's catalogue has a field named ORDER.
+TEST_F(FoxProSampleFilesTest, AFieldNamedByAKeywordIsReadInBrackets)
+{
+    copy("dbase_83.dbf");
+    copy("dbase_83.dbt");
+    auto table = DbfTable::open(m_dir.filePath(QStringLiteral("dbase_83.dbf")),
+                                DbfTable::OpenMode::ReadOnly);
+    ASSERT_TRUE(table.isOk());
+    const int orderField = table.value()->fieldIndex(QStringLiteral("ORDER"));
+    ASSERT_GE(orderField, 0);
+    QList<double> positive;
+    for (quint32 r = 1; r <= table.value()->recordCount(); ++r) {
+        const double order = table.value()->value(r, orderField).value().toDouble();
+        if (!table.value()->isDeleted(r) && order > 0)
+            positive << order;
+    }
+    std::sort(positive.begin(), positive.end());
+    ASSERT_FALSE(positive.isEmpty());
+
+    auto db = database();
+    ASSERT_TRUE(db);
+    const QStringList read = foxprotest::fieldOfEachRecord(
+        *db,
+        QStringLiteral("SELECT * from dbase_83 WHERE [ORDER] > 0 ORDER BY dbase_83.[ORDER], ID"),
+        QStringLiteral("ORDER"));
+    QList<double> got;
+    for (const QString &v : read)
+        got << v.toDouble();
+    EXPECT_EQ(got, positive);
+}
+
+TEST_F(FoxProSampleFilesTest, TablesThatCanBeWrittenSayNothing)
+{
+    copy("dbase_f5.dbf");
+    copy("dbase_f5.fpt");
+    copy("pr90.dbf");
+    copy("pr90.fpt");
+    auto db = database();
+    ASSERT_TRUE(db);
+    for (const char *table : { "dbase_f5", "pr90" }) {
+        auto rs = db->OpenRecordset(QString::fromLatin1(table));
+        ASSERT_TRUE(rs.isOk()) << table;
+        EXPECT_EQ(rs.value()->readOnlyReason(), QString()) << table;
+        EXPECT_TRUE(rs.value()->Edit().isOk()) << table;
+        EXPECT_TRUE(rs.value()->CancelUpdate().isOk()) << table;
+    }
+}
+
+TEST_F(FoxProSampleFilesTest, AVisualFoxProTableSaysItIsOnlyRead)
+{
+    const QString file = copy("calls.dbf");
+    copy("calls.FPT");
+    copy("calls.CDX");
+    expectRefused(QStringLiteral("calls"), file,
+                  QStringLiteral("the table is in Visual FoxPro's format, which this program "
+                                 "only reads"));
+}
+
+// FoxPro and the programs beside it trust the structural index; writing the table without
+// keeping it up to date would make their searches miss records.
+TEST_F(FoxProSampleFilesTest, AStructuralIndexNamesItsFile)
+{
+    const QString file = copy("dbase_f5.dbf");
+    copy("dbase_f5.fpt");
+    {
+        QFile dbf(file);
+        ASSERT_TRUE(dbf.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(dbf.seek(28));
+        ASSERT_EQ(dbf.write(QByteArray(1, '\x01')), 1); // the header announces a .CDX
+    }
+    expectRefused(QStringLiteral("dbase_f5"), file,
+                  QStringLiteral("the table's index file is missing (dbase_f5.CDX)"));
+    copy("calls.CDX", QStringLiteral("DBASE_F5.CDX"));
+    expectRefused(QStringLiteral("dbase_f5"), file,
+                  QStringLiteral("the table has an index this program cannot keep up to date "
+                                 "(DBASE_F5.CDX)"));
+}
+
+TEST_F(FoxProSampleFilesTest, AWriteProtectedTableFileSaysSo)
+{
+    const QString file = copy("pr90.dbf");
+    copy("pr90.fpt");
+    plx::testing::WriteProtection protection(file);
+    if (!protection.failure().isEmpty())
+        GTEST_SKIP() << protection.failure().toStdString();
+    expectRefused(QStringLiteral("pr90"), file, QStringLiteral("the file is write-protected"));
+}
+
+TEST_F(FoxProSampleFilesTest, AWriteProtectedMemoFileSaysSo)
+{
+    const QString file = copy("pr90.dbf");
+    plx::testing::WriteProtection protection(copy("pr90.fpt"));
+    if (!protection.failure().isEmpty())
+        GTEST_SKIP() << protection.failure().toStdString();
+    expectRefused(QStringLiteral("pr90"), file,
+                  QStringLiteral("the memo file is write-protected (pr90.fpt)"));
+}
+
+TEST_F(FoxProSampleFilesTest, AWriteProtectedFolderSaysSo)
+{
+    const QString file = copy("dbase_f5.dbf");
+    copy("dbase_f5.fpt");
+    plx::testing::WriteProtection protection(m_dir.path());
+    if (!protection.failure().isEmpty())
+        GTEST_SKIP() << protection.failure().toStdString();
+    expectRefused(QStringLiteral("dbase_f5"), file,
+                  QStringLiteral("the folder is write-protected"));
+}
+
+} // namespace

@@ -1,0 +1,139 @@
+// services/recordsource/tests/recordsource_readonly_test.cpp: a source that cannot be
+// written says why, on every back end, and refuses each write at once with that reason,
+// while browsing goes on; a path that is not there is NotFound and stays not there.
+#include "services/recordsource/tests/contractfixture.h"
+#include "services/recordsource/tests/writeprotection.h"
+
+#include <QElapsedTimer>
+
+namespace plx::testing {
+namespace {
+
+using Code = Status::Code;
+
+TableDef notesTable()
+{
+    return { QStringLiteral("T"),
+             { { QStringLiteral("ID"), FieldType::Text, 10, 0 },
+               { QStringLiteral("NOTES"), FieldType::Memo, 0, 0 } },
+             { { QStringLiteral("A1"), QStringLiteral("first") },
+               { QStringLiteral("B2"), QStringLiteral("second") } } };
+}
+
+class ReadOnlySourceTest : public ::testing::TestWithParam<std::shared_ptr<BackEnd>>
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_dir.isValid());
+        const Status s = GetParam()->createTables(m_dir.path(), { notesTable() });
+        ASSERT_TRUE(s.isOk()) << s.toString().toStdString();
+        m_file = GetParam()->tableFile(m_dir.path(), QStringLiteral("T"));
+    }
+
+    // Browses the table, then tries every write: each must fail at once with `reason`, and
+    // the file must be as it was.
+    void expectBrowsableButRefused(Database &db, const QString &reason) const
+    {
+        QFile file(m_file);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray before = file.readAll();
+        file.close();
+
+        auto rs = db.OpenRecordset(QStringLiteral("SELECT * from T ORDER BY T.ID"));
+        ASSERT_TRUE(rs.isOk()) << rs.status().toString().toStdString();
+        RecordSource &t = *rs.value();
+        EXPECT_EQ(t.readOnlyReason(), reason);
+        ASSERT_TRUE(t.MoveLast().isOk());
+        EXPECT_EQ(t.RecordCount(), 2);
+        EXPECT_EQ(textOf(t, QStringLiteral("NOTES")), QStringLiteral("second"));
+        const std::pair<const char *, std::function<Status()>> writes[] = {
+            { "Edit", [&t] { return t.Edit(); } },
+            { "AddNew", [&t] { return t.AddNew(); } },
+            { "Delete", [&t] { return t.Delete(); } },
+        };
+        for (const auto &[name, write] : writes) {
+            QElapsedTimer clock;
+            clock.start();
+            const Status s = write();
+            EXPECT_LT(clock.elapsed(), 500) << name;
+            EXPECT_EQ(s.code(), Code::NotSupported) << name;
+            EXPECT_EQ(s.message(), reason) << name;
+            EXPECT_EQ(t.editMode(), EditMode::None) << name;
+        }
+        EXPECT_EQ(textOf(t, QStringLiteral("ID")), QStringLiteral("B2"));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(file.readAll(), before);
+    }
+
+    std::unique_ptr<Database> openDatabase(bool readOnly = false) const
+    {
+        auto db =
+            readOnly ? GetParam()->openReadOnly(m_dir.path()) : GetParam()->open(m_dir.path());
+        EXPECT_TRUE(db.isOk()) << db.status().toString().toStdString();
+        return db.isOk() ? std::move(db).value() : nullptr;
+    }
+
+    QTemporaryDir m_dir;
+    QString m_file;
+};
+
+// The control for the cases below: the same files, not protected, are written.
+TEST_P(ReadOnlySourceTest, AWritableSourceHasNoReasonAndIsWritten)
+{
+    auto db = openDatabase();
+    ASSERT_TRUE(db);
+    auto rs = db->OpenRecordset(QStringLiteral("T"));
+    ASSERT_TRUE(rs.isOk());
+    EXPECT_EQ(rs.value()->readOnlyReason(), QString());
+    ASSERT_TRUE(rs.value()->Edit().isOk());
+    ASSERT_TRUE(rs.value()->setValue(QStringLiteral("NOTES"), QStringLiteral("changed")).isOk());
+    EXPECT_TRUE(rs.value()->Update().isOk());
+}
+
+TEST_P(ReadOnlySourceTest, ADatabaseOpenedReadOnlySaysSo)
+{
+    auto db = openDatabase(true);
+    ASSERT_TRUE(db);
+    expectBrowsableButRefused(*db, QStringLiteral("the database was opened read-only"));
+}
+
+TEST_P(ReadOnlySourceTest, AWriteProtectedFolderSaysSo)
+{
+    WriteProtection folder(m_dir.path());
+    if (!folder.failure().isEmpty())
+        GTEST_SKIP() << folder.failure().toStdString();
+    auto db = openDatabase();
+    ASSERT_TRUE(db);
+    expectBrowsableButRefused(*db, QStringLiteral("the folder is write-protected"));
+}
+
+TEST_P(ReadOnlySourceTest, AWriteProtectedFileSaysSo)
+{
+    WriteProtection file(m_file);
+    if (!file.failure().isEmpty())
+        GTEST_SKIP() << file.failure().toStdString();
+    auto db = openDatabase();
+    ASSERT_TRUE(db);
+    expectBrowsableButRefused(*db, QStringLiteral("the file is write-protected"));
+}
+
+// A mistyped path must not become a new, empty database.
+TEST_P(ReadOnlySourceTest, AMissingPathIsNotFoundAndNotCreated)
+{
+    const QString missing = m_dir.filePath(QStringLiteral("elsewhere"));
+    for (bool readOnly : { false, true }) {
+        auto db = readOnly ? GetParam()->openReadOnly(missing) : GetParam()->open(missing);
+        EXPECT_EQ(db.status().code(), Code::NotFound) << readOnly;
+        EXPECT_TRUE(db.status().message().contains(QStringLiteral("not found")))
+            << db.status().message().toStdString();
+        EXPECT_FALSE(QFileInfo::exists(missing));
+        EXPECT_FALSE(QFileInfo::exists(GetParam()->tableFile(missing, QStringLiteral("T"))));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(AllBackEnds, ReadOnlySourceTest, ::testing::ValuesIn(allBackEnds()),
+                         backEndName);
+
+} // namespace
+} // namespace plx::testing
