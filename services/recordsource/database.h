@@ -6,7 +6,8 @@
 // the first ';' names the engine, the rest are options for it. The engines that come with
 // the library register themselves when their library is linked in (plx::sqlite,
 // plx::foxpro; plx::backends has both):
-//   ""             a SQLite database file (the embedded default); created when missing
+//   ""             a SQLite database file (the embedded default); NotFound when missing,
+//                  ";Create=Yes" makes a new empty database there
 //   "FoxPro 2.6"   a directory of FoxPro 2.6 table files; each file is a table named by
 //                  its file title. "FoxPro 2.6;CodePage=850" reads tables without a
 //                  code-page mark in that code page (Windows-1252 otherwise).
@@ -52,7 +53,7 @@ public:
 // users out while it is open where the engine can; readOnly refuses every write through
 // the database's record sources. NotSupported "unknown connect string" when no linked-in
 // engine answers to the connect string; otherwise whatever the engine reports (NotFound
-// for a missing directory, Engine or IoError for a file it cannot open).
+// for a missing directory or database file, Engine or IoError for a file it cannot open).
 Result<std::unique_ptr<Database>> OpenDatabase(const QString &name, bool exclusive, bool readOnly,
                                                const QString &connect);
 
