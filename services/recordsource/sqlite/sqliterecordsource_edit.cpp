@@ -194,9 +194,12 @@ Status SqliteRecordSource::Update()
     if (m_mode == EditMode::None)
         return notEditing();
     s = m_mode == EditMode::AddNew ? insertBuffer() : updateBuffer();
-    // A failed write ends the edit too: the lock of a deleted record protects nothing,
-    // and a refused write would be refused again.
-    endEdit();
+    // A write that failed for a full disk, an I/O error or a refused value keeps the edit,
+    // buffer and lock, as the FoxPro engine does: the user can make room or change the
+    // value and write again, or cancel. Only a record deleted meanwhile ends it, as its
+    // lock protects nothing any more.
+    if (s.isOk() || s.code() == Status::Code::NotFound)
+        endEdit();
     m_cacheValid = false;
     return s;
 }

@@ -180,14 +180,25 @@ TEST_F(SqliteRuleTest, RefusedValuesNameTheirColumns)
     EXPECT_EQ(m_rs->RecordCount(), 2);
 }
 
-TEST_F(SqliteRuleTest, AnEditThatBreaksARuleNamesTheColumnAndEndsTheEdit)
+// The refused edit goes on, buffer and lock kept: the user corrects the value and writes
+// again, or cancels and finds the record as it was.
+TEST_F(SqliteRuleTest, AnEditThatBreaksARuleNamesTheColumnAndGoesOn)
 {
     ASSERT_TRUE(m_rs->Edit().isOk());
     ASSERT_TRUE(m_rs->setValue(QStringLiteral("NAME"), QVariant()).isOk());
     const Status s = m_rs->Update();
     EXPECT_EQ(s.message(), QStringLiteral("the value for NAME may not be empty"));
+    EXPECT_EQ(m_rs->editMode(), EditMode::Edit);
+    ASSERT_TRUE(m_rs->setValue(QStringLiteral("NAME"), QStringLiteral("nut")).isOk());
+    ASSERT_TRUE(m_rs->Update().isOk());
     EXPECT_EQ(m_rs->editMode(), EditMode::None);
-    EXPECT_EQ(m_rs->value(QStringLiteral("NAME")).value().toString(), QStringLiteral("bolt"));
+    EXPECT_EQ(m_rs->value(QStringLiteral("NAME")).value().toString(), QStringLiteral("nut"));
+
+    ASSERT_TRUE(m_rs->Edit().isOk());
+    ASSERT_TRUE(m_rs->setValue(QStringLiteral("NAME"), QVariant()).isOk());
+    EXPECT_FALSE(m_rs->Update().isOk());
+    ASSERT_TRUE(m_rs->CancelUpdate().isOk());
+    EXPECT_EQ(m_rs->value(QStringLiteral("NAME")).value().toString(), QStringLiteral("nut"));
 }
 
 } // namespace
