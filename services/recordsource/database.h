@@ -11,6 +11,9 @@
 //   "FoxPro 2.6"   a directory of FoxPro 2.6 table files; each file is a table named by
 //                  its file title. "FoxPro 2.6;CodePage=850" reads tables without a
 //                  code-page mark in that code page (Windows-1252 otherwise).
+//                  "FoxPro 2.6;Collate=General" compares text as the SQLite engine does
+//                  (case-insensitive, accents beside their letters); Collate=Machine, the
+//                  default, compares the code page's bytes.
 // Record sources keep what they need of the database alive, so a source may outlive the
 // Database object that opened it.
 #pragma once
