@@ -1,0 +1,646 @@
+// apps/plxform/tests/sessionwalk_model.cpp: the rules of the record commands, the order,
+// find and filters, and the rows, written out for the sample form.
+#include "apps/plxform/tests/sessionwalk_model.h"
+
+#include <QDate>
+#include <QLocale>
+
+#include <algorithm>
+#include <cmath>
+
+namespace plx::walk {
+
+namespace {
+
+const QString kCrLf = QStringLiteral("\r\n");
+const QString kNoFilter = QStringLiteral(" [None]");
+constexpr int kYesNoNo = MsgStyle::YesNo | MsgStyle::DefaultButton2; // 260
+
+QStringList sortFields(const QString &sort)
+{
+    if (sort == QLatin1String("City"))
+        return { QStringLiteral("CITY"), QStringLiteral("NAME") };
+    if (sort == QLatin1String("State"))
+        return { QStringLiteral("STATE"), QStringLiteral("CITY") };
+    if (sort == QLatin1String("ID"))
+        return { QStringLiteral("ID") };
+    return { QStringLiteral("NAME"), QStringLiteral("CITY") };
+}
+
+int compareKeys(const QStringList &a, const QStringList &b)
+{
+    for (qsizetype i = 0; i < a.size() && i < b.size(); ++i)
+        if (const int c = a[i].compare(b[i]); c != 0)
+            return c;
+    return 0;
+}
+
+ExpectedBox exactBox(const QString &title, const QString &text, int style)
+{
+    return { title,
+             QRegularExpression(
+                 QRegularExpression::anchoredPattern(QRegularExpression::escape(text))),
+             style };
+}
+
+ExpectedBox patternBox(const QString &title, const QString &pattern, int style)
+{
+    return { title,
+             QRegularExpression(QRegularExpression::anchoredPattern(pattern),
+                                QRegularExpression::DotMatchesEverythingOption),
+             style };
+}
+
+QString notSavedText()
+{
+    return QStringLiteral("'Facilities' record has NOT been saved.");
+}
+
+bool isUpperRow(const QString &field)
+{
+    return field == QLatin1String("ID") || field == QLatin1String("STATE");
+}
+
+} // namespace
+
+WalkModel::WalkModel(Table initial, ModelOptions options)
+    : m_options(std::move(options)), m_table(std::move(initial))
+{
+    // The form opens on the first record of its first sort.
+    const QSet<QString> first = recordsAt(0);
+    if (!first.isEmpty()) {
+        m_current = *first.begin();
+        m_position = 0;
+    }
+}
+
+const QStringList &WalkModel::rowFields()
+{
+    static const QStringList fields = { QStringLiteral("ID"),    QStringLiteral("NAME"),
+                                        QStringLiteral("CITY"),  QStringLiteral("STATE"),
+                                        QStringLiteral("PHONE"), QStringLiteral("BEDS"),
+                                        QStringLiteral("RATE"),  QStringLiteral("OPENED"),
+                                        QStringLiteral("NOTES") };
+    return fields;
+}
+
+QString WalkModel::caption(const QString &field)
+{
+    static const QMap<QString, QString> captions = {
+        { QStringLiteral("ID"), QStringLiteral("ID") },
+        { QStringLiteral("NAME"), QStringLiteral("Name") },
+        { QStringLiteral("CITY"), QStringLiteral("City") },
+        { QStringLiteral("STATE"), QStringLiteral("State") },
+        { QStringLiteral("PHONE"), QStringLiteral("Phone") },
+        { QStringLiteral("BEDS"), QStringLiteral("Beds") },
+        { QStringLiteral("RATE"), QStringLiteral("Daily rate") },
+        { QStringLiteral("OPENED"), QStringLiteral("Opened") },
+        { QStringLiteral("NOTES"), QStringLiteral("Notes") },
+    };
+    return captions.value(field, field);
+}
+
+QStringList WalkModel::sortNames()
+{
+    return { QStringLiteral("Name"), QStringLiteral("City"), QStringLiteral("State"),
+             QStringLiteral("ID") };
+}
+
+QStringList WalkModel::filterNames()
+{
+    return { QStringLiteral("Active facilities"), QStringLiteral("Medicare, 100 beds or more"),
+             QStringLiteral("Texas and Ohio"), QStringLiteral("Opened since 2000"), kNoFilter };
+}
+
+// --- The order ------------------------------------------------------------------------
+
+QStringList WalkModel::sortKey(const Record &record) const
+{
+    // Decision: text orders without regard to case, as Jet compares text; Null and blank
+    // (the same thing in a FoxPro table) come first.
+    QStringList key;
+    for (const QString &field : sortFields(m_sort))
+        key << record.value(field).toUpper();
+    return key;
+}
+
+bool WalkModel::inFilter(const Record &r) const
+{
+    if (m_filter == QLatin1String("Active facilities"))
+        return r.value(QStringLiteral("ACTIVE")) == QLatin1String("T");
+    if (m_filter == QLatin1String("Medicare, 100 beds or more"))
+        return r.value(QStringLiteral("MEDICARE")) == QLatin1String("T")
+            && !r.value(QStringLiteral("BEDS")).isEmpty()
+            && r.value(QStringLiteral("BEDS")).toDouble() >= 100;
+    if (m_filter == QLatin1String("Texas and Ohio")) {
+        const QString state = r.value(QStringLiteral("STATE")).toUpper();
+        return state == QLatin1String("TX") || state == QLatin1String("OH");
+    }
+    if (m_filter == QLatin1String("Opened since 2000"))
+        return !r.value(QStringLiteral("OPENED")).isEmpty()
+            && r.value(QStringLiteral("OPENED")) >= QLatin1String("20000101");
+    return true;
+}
+
+QStringList WalkModel::orderedMembers(QList<QStringList> *keys) const
+{
+    QList<std::pair<QStringList, QString>> sorted;
+    for (auto it = m_table.begin(); it != m_table.end(); ++it)
+        if (!m_tail.contains(it.key()) && inFilter(*it))
+            sorted.append({ sortKey(*it), it.key() });
+    std::stable_sort(sorted.begin(), sorted.end(), [](const auto &a, const auto &b) {
+        return compareKeys(a.first, b.first) < 0;
+    });
+    QStringList ids;
+    for (const auto &[key, id] : sorted) {
+        ids << id;
+        if (keys)
+            keys->append(key);
+    }
+    for (const QString &id : m_tail) {
+        ids << id;
+        if (keys)
+            keys->append(QStringList{ QStringLiteral("\x01tail"), id });
+    }
+    return ids;
+}
+
+int WalkModel::count() const
+{
+    int n = int(m_tail.size());
+    for (auto it = m_table.begin(); it != m_table.end(); ++it)
+        if (!m_tail.contains(it.key()) && inFilter(*it))
+            ++n;
+    return n;
+}
+
+QString WalkModel::countText() const
+{
+    return QLocale(QLocale::English).toString(count()) + QStringLiteral(" records");
+}
+
+std::pair<int, int> WalkModel::positionRange(const QString &id) const
+{
+    if (!m_table.contains(id))
+        return { -1, -1 };
+    int plain = 0, below = 0, equal = 0;
+    const QStringList key = sortKey(m_table[id]);
+    for (auto it = m_table.begin(); it != m_table.end(); ++it) {
+        if (m_tail.contains(it.key()) || !inFilter(*it))
+            continue;
+        ++plain;
+        const int c = compareKeys(sortKey(*it), key);
+        below += c < 0 ? 1 : 0;
+        equal += c == 0 ? 1 : 0;
+    }
+    if (const qsizetype t = m_tail.indexOf(id); t >= 0)
+        return { plain + int(t), plain + int(t) };
+    if (!inFilter(m_table[id]))
+        return { -1, -1 };
+    return { below, below + equal - 1 };
+}
+
+QSet<QString> WalkModel::recordsAt(int position) const
+{
+    QList<QStringList> keys;
+    const QStringList ids = orderedMembers(&keys);
+    QSet<QString> at;
+    if (position < 0 || position >= ids.size())
+        return at;
+    for (qsizetype i = 0; i < ids.size(); ++i)
+        if (compareKeys(keys[i], keys[position]) == 0)
+            at.insert(ids[i]);
+    return at;
+}
+
+void WalkModel::adopt(const QString &id, int position)
+{
+    m_current = id;
+    m_position = position;
+}
+
+// --- Rows -----------------------------------------------------------------------------
+
+std::optional<QString> WalkModel::storedValue(const QString &field, const QString &typed) const
+{
+    const FieldSpec *spec = fieldSpec(field);
+    if (!spec)
+        return std::nullopt;
+    const bool foxPro = m_options.backend == Backend::FoxPro;
+    switch (spec->kind) {
+    case FieldKind::Text: {
+        const QString text = isUpperRow(field) ? typed.toUpper() : typed;
+        if (text.size() > spec->size || (foxPro && !fitsCp1252(text)))
+            return std::nullopt;
+        QString kept = text;
+        while (kept.endsWith(QLatin1Char(' ')))
+            kept.chop(1);
+        return kept;
+    }
+    case FieldKind::Memo:
+        if (foxPro && !fitsCp1252(typed))
+            return std::nullopt;
+        return plainMemo(typed);
+    case FieldKind::Number: {
+        // Decision: an empty number is refused (the rows allow no Null by default); Beds
+        // takes digits only, the daily rate a signed decimal with thousands separators.
+        QString text = typed.trimmed();
+        const bool digitsOnly = field == QLatin1String("BEDS");
+        static const QRegularExpression digits(QStringLiteral("^[0-9]+$"));
+        static const QRegularExpression decimal(
+            QStringLiteral("^[+-]?([0-9]+\\.?[0-9]*|\\.[0-9]+)$"));
+        if (!digitsOnly)
+            text.remove(QLatin1Char(',')).remove(QLatin1Char(' '));
+        if (!(digitsOnly ? digits : decimal).match(text).hasMatch())
+            return std::nullopt;
+        const double v = text.toDouble();
+        if (QString::number(v, 'f', spec->decimals).size() > spec->size)
+            return std::nullopt; // wider than the field
+        return plainNumber(v, spec->decimals);
+    }
+    case FieldKind::Date: {
+        const QDate d = QDate::fromString(typed.trimmed(), QStringLiteral("MM/dd/yyyy"));
+        if (!d.isValid())
+            return std::nullopt;
+        return d.toString(QStringLiteral("yyyyMMdd"));
+    }
+    case FieldKind::Logical: return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+QString WalkModel::displayOf(const QString &field, const QString &plain) const
+{
+    const FieldSpec *spec = fieldSpec(field);
+    if (!spec || plain.isEmpty())
+        return plain;
+    if (field == QLatin1String("BEDS"))
+        return QLocale(QLocale::English).toString(qlonglong(std::llround(plain.toDouble())));
+    if (spec->kind == FieldKind::Date) {
+        const QDate d = QDate::fromString(plain, QStringLiteral("yyyyMMdd"));
+        return d.isValid() ? d.toString(QStringLiteral("MM/dd/yyyy")) : plain;
+    }
+    return plain;
+}
+
+QString WalkModel::shownText(const QString &field) const
+{
+    if (m_editing && m_typed.contains(field))
+        return m_typed[field];
+    if (!m_table.contains(m_current))
+        return QString();
+    return displayOf(field, m_table[m_current].value(field));
+}
+
+QString WalkModel::stamp(const QDateTime &now) const
+{
+    return now.toString(QStringLiteral("MM/dd/yyyy hh:mm:ss")) + QLatin1Char(' ') + m_options.user;
+}
+
+MsgAnswer WalkModel::answerOf(const Step &step, qsizetype index) const
+{
+    return index < step.answers.size() ? step.answers[index] : MsgAnswer::No;
+}
+
+void WalkModel::removeRecord(const QString &id)
+{
+    m_table.remove(id);
+    m_tail.removeAll(id);
+    if (m_newRecord && *m_newRecord == id)
+        m_newRecord.reset(); // a deleted record is nobody's new record
+}
+
+void WalkModel::requery(Expectation *e, bool keepCurrent)
+{
+    m_tail.clear();
+    e->setsScrollBar = true;
+    const bool kept = keepCurrent && m_table.contains(m_current) && inFilter(m_table[m_current]);
+    if (kept) {
+        e->currentAmong = { m_current };
+        return;
+    }
+    // Decision: a record the new query does not hold leaves the form on the query's first
+    // record (a filter says so; the other re-queries are taken to do the same).
+    e->currentAmong = recordsAt(0);
+    if (e->currentAmong.isEmpty())
+        adopt(QString(), -1);
+}
+
+// --- Steps ----------------------------------------------------------------------------
+
+Expectation WalkModel::apply(const Step &step, const QDateTime &now)
+{
+    const QString &v = step.verb;
+    const bool browsing = !m_editing;
+    const bool onRecord = browsing && m_table.contains(m_current);
+    Expectation e;
+    if (v == QLatin1String("NEW") && browsing)
+        return create(false, now);
+    if (v == QLatin1String("COPY") && onRecord)
+        return create(true, now);
+    if (v == QLatin1String("EDIT") && onRecord) {
+        m_editing = true;
+        m_editedID = m_current;
+        m_typed.clear();
+    } else if (v == QLatin1String("TYPE")) {
+        return typeInto(step);
+    } else if (v == QLatin1String("SAVE") && m_editing) {
+        return save(step, now);
+    } else if (v == QLatin1String("CANCEL") && m_editing) {
+        return cancel(step);
+    } else if (v == QLatin1String("DELETE") && onRecord) {
+        return remove(step);
+    } else if (v == QLatin1String("BACK") && browsing && m_position > 0) {
+        return browseMove(m_position - 1);
+    } else if (v == QLatin1String("NEXT") && browsing && m_position + 1 < count()) {
+        return browseMove(m_position + 1);
+    } else if (v == QLatin1String("SCROLL") && browsing && count() > 0) {
+        const int to = std::clamp(step.text.toInt(), 0, count() - 1);
+        if (to != m_position) {
+            e = browseMove(to);
+            e.setsScrollBar = true;
+        }
+    } else if (v == QLatin1String("SORT") && browsing && sortNames().contains(step.text)) {
+        m_sort = step.text;
+        requery(&e, true);
+    } else if (v == QLatin1String("FIND") && browsing) {
+        return find(step.text);
+    } else if (v == QLatin1String("FILTER") && browsing && filterNames().contains(step.text)
+               && step.text != m_filterShown) {
+        // Picking the entry the filter box already shows changes nothing.
+        m_filterShown = step.text;
+        m_filter = step.text == kNoFilter ? QString() : step.text;
+        requery(&e, true);
+    } else if (v == QLatin1String("REOPEN")) {
+        return reopen(step, now);
+    }
+    return e;
+}
+
+Expectation WalkModel::browseMove(int to)
+{
+    // Decision: while a record is edited the form does not step (the caller checks).
+    Expectation e;
+    e.position = to;
+    e.currentAmong = recordsAt(to);
+    return e;
+}
+
+Expectation WalkModel::typeInto(const Step &step)
+{
+    // A row is locked unless a record is edited: the user cannot type then.
+    if (m_editing && rowFields().contains(step.field))
+        m_typed[step.field] = step.text;
+    return {};
+}
+
+Expectation WalkModel::create(bool copy, const QDateTime &now)
+{
+    Expectation e;
+    m_returnPosition = m_position >= 0 ? m_position : count() - 1;
+    Record r;
+    if (copy) {
+        r = m_table[m_current]; // every field, the old ID too, before the new ID overwrites it
+    } else {
+        for (const FieldSpec &f : sampleFieldSpecs())
+            r.insert(f.name, f.kind == FieldKind::Logical ? QStringLiteral("F") : QString());
+    }
+    r[QStringLiteral("PLSTART")] = stamp(now);
+    r[QStringLiteral("PLLASTREV")] = stamp(now);
+    m_pendingNew = r;
+    e.createsRecord = true;
+    e.touchesDisk = true;
+    e.position = count(); // appended behind every record of the query
+    return e;
+}
+
+QString WalkModel::acceptNewRecord(const QString &id)
+{
+    if (!m_pendingNew)
+        return QStringLiteral("no record was being made");
+    // The parent ID stays "PLE": the walk only types IDs of 7 characters or "PLE" + 7.
+    if (id.size() != 10 || !id.startsWith(QLatin1String("PLE")))
+        return QStringLiteral("the new record's ID \"%1\" is not \"PLE\" and a 7-character key")
+            .arg(id);
+    if (m_table.contains(id))
+        return QStringLiteral("the new record's ID %1 is already held by %2")
+            .arg(id, m_table[id].value(QStringLiteral("NAME")));
+    Record r = *m_pendingNew;
+    m_pendingNew.reset();
+    r[QStringLiteral("ID")] = id;
+    m_table.insert(id, r);
+    m_tail << id;
+    m_newRecord = id;
+    m_editing = true;
+    m_editedID = id;
+    m_typed.clear();
+    adopt(id, count() - 1);
+    return QString();
+}
+
+bool WalkModel::saveRefused(Expectation *e, const QString &newID)
+{
+    if (newID.trimmed().isEmpty()) {
+        // Decision: a blank ID typed over the record's own is refused like a blank one.
+        e->boxes << exactBox(QStringLiteral("Blank ID"),
+                             QStringLiteral("The ID field for this record is blank.") + kCrLf
+                                 + kCrLf + QStringLiteral("Blank ID records cannot be saved.")
+                                 + kCrLf + QStringLiteral("Parent ID is: PLE (080076069)") + kCrLf
+                                 + kCrLf + notSavedText(),
+                             MsgStyle::Critical);
+        return true;
+    }
+    if (m_options.refuseDuplicateIDs && newID != m_editedID && m_table.contains(newID)) {
+        e->boxes << patternBox(QStringLiteral("Record Not Saved"),
+                               QStringLiteral(".*") + QRegularExpression::escape(newID)
+                                   + QStringLiteral(".*"),
+                               MsgStyle::Critical);
+        return true;
+    }
+    return false;
+}
+
+Expectation WalkModel::save(const Step &step, const QDateTime &now)
+{
+    Q_UNUSED(step)
+    Expectation e;
+    // The form validates first: a record needs a name and a city (what the rows show).
+    QStringList missing;
+    for (const QString &field : { QStringLiteral("NAME"), QStringLiteral("CITY") })
+        if (shownText(field).trimmed().isEmpty())
+            missing << caption(field);
+    if (!missing.isEmpty()) {
+        e.boxes << exactBox(QStringLiteral("Required Field"),
+                            QStringLiteral("A Facilities record needs a value in: ")
+                                + missing.join(QStringLiteral(", ")) + QLatin1Char('.'),
+                            MsgStyle::Exclamation)
+                << exactBox(QStringLiteral("Record Not Saved"), notSavedText(), MsgStyle::Critical);
+        return e;
+    }
+    Record r = m_table[m_editedID];
+    for (const QString &field : rowFields()) {
+        if (!m_typed.contains(field) || m_typed[field] == displayOf(field, r.value(field)))
+            continue; // what the row loaded is not written again
+        if (const std::optional<QString> stored = storedValue(field, m_typed[field]))
+            r[field] = *stored;
+        else
+            e.boxes << patternBox(
+                QStringLiteral("Value Not Saved"),
+                QRegularExpression::escape(caption(field))
+                    + QStringLiteral(" .+\r\n\r\nThe field keeps its former value\\."),
+                MsgStyle::Exclamation);
+    }
+    const QString newID = r.value(QStringLiteral("ID"));
+    if (saveRefused(&e, newID))
+        return e;
+    r[QStringLiteral("PLLASTREV")] = stamp(now);
+    const bool wasNew = m_newRecord && *m_newRecord == m_editedID;
+    m_table.remove(m_editedID);
+    m_tail.removeAll(m_editedID);
+    m_table.insert(newID, r);
+    if (wasNew)
+        m_newRecord.reset();
+    m_editing = false;
+    m_typed.clear();
+    m_current = newID; // the saved record, whatever its ID became
+    e.touchesDisk = true;
+    requery(&e, true);
+    return e;
+}
+
+Expectation WalkModel::cancel(const Step &step, qsizetype answer)
+{
+    Expectation e;
+    m_editing = false;
+    m_typed.clear();
+    // Only the edit of the record NEW or COPY made offers to delete it.
+    if (!m_newRecord || *m_newRecord != m_editedID)
+        return e;
+    e.boxes << exactBox(QStringLiteral("Delete?"), QStringLiteral("Delete the New record?"),
+                        kYesNoNo);
+    if (answerOf(step, answer) != MsgAnswer::Yes)
+        return e; // kept, and still the new record
+    removeRecord(m_editedID);
+    e.touchesDisk = true;
+    // The form goes back to where NEW or COPY started, then shows the records as they are.
+    e.currentAmong = m_returnPosition >= 0 && m_returnPosition < count()
+        ? recordsAt(m_returnPosition)
+        : QSet<QString>();
+    m_tail.clear();
+    e.setsScrollBar = true;
+    if (e.currentAmong.isEmpty())
+        requery(&e, false);
+    return e;
+}
+
+Expectation WalkModel::remove(const Step &step)
+{
+    Expectation e;
+    const QString question = QStringLiteral("Are you sure you want to delete this record?");
+    const QString desc = m_table[m_current].value(QStringLiteral("NAME"));
+    e.boxes << patternBox(QStringLiteral("Delete Record?"),
+                          QRegularExpression::escape(question)
+                              + (desc.isEmpty() ? QStringLiteral("(\r\n)?")
+                                                : QStringLiteral("\r\n")
+                                         + QRegularExpression::escape(desc) + QStringLiteral(" *")),
+                          kYesNoNo);
+    if (answerOf(step, 0) != MsgAnswer::Yes)
+        return e;
+    e.boxes << exactBox(QStringLiteral("Are you sure?"), question, kYesNoNo);
+    if (answerOf(step, 1) != MsgAnswer::Yes)
+        return e;
+    removeRecord(m_current);
+    e.touchesDisk = true;
+    // Decision: the record behind the deleted one takes its place (the one before it when
+    // it was the last); the form then shows the records as they are now.
+    const int n = count();
+    e.currentAmong = n > 0 ? recordsAt(std::min(m_position, n - 1)) : QSet<QString>();
+    m_tail.clear();
+    e.setsScrollBar = true;
+    if (e.currentAmong.isEmpty())
+        adopt(QString(), -1);
+    return e;
+}
+
+Expectation WalkModel::find(const QString &typed)
+{
+    Expectation e;
+    const QString text = typed.trimmed();
+    if (text.isEmpty())
+        return e;
+    const QString field = sortFields(m_sort).constFirst();
+    QString search = text.toUpper();
+    QStringList hits;
+    // The find widens itself one character at a time until something is found.
+    for (; !search.isEmpty(); search.chop(1)) {
+        for (auto it = m_table.begin(); it != m_table.end(); ++it)
+            if (it->value(field).toUpper().startsWith(search))
+                hits << it.key();
+        if (!hits.isEmpty())
+            break;
+    }
+    if (hits.isEmpty()) {
+        e.boxes << exactBox(QStringLiteral("Nothing Found"),
+                            QStringLiteral("Search ") + m_sort + QStringLiteral(" for '") + text
+                                + QStringLiteral("'") + kCrLf + kCrLf
+                                + QStringLiteral("The search did not find any records."),
+                            MsgStyle::Information);
+        return e;
+    }
+    // The first hit in the order of the sort (any of its equals), made current when the
+    // navigator's query holds it; otherwise the form stays where it was.
+    QStringList first;
+    QStringList firstKey;
+    for (const QString &id : std::as_const(hits)) {
+        const QStringList key = sortKey(m_table[id]);
+        const int c = first.isEmpty() ? -1 : compareKeys(key, firstKey);
+        if (c < 0) {
+            first = { id };
+            firstKey = key;
+        } else if (c == 0) {
+            first << id;
+        }
+    }
+    bool outsideQuery = false;
+    for (const QString &id : std::as_const(first)) {
+        if (positionRange(id).first >= 0)
+            e.currentAmong.insert(id);
+        else
+            outsideQuery = true;
+    }
+    if (outsideQuery)
+        e.currentAmong.insert(m_current);
+    e.setsScrollBar = true;
+    return e;
+}
+
+Expectation WalkModel::reopen(const Step &step, const QDateTime &now)
+{
+    Expectation e;
+    if (m_editing) {
+        e.boxes << exactBox(
+            QStringLiteral("Close plxform"),
+            QStringLiteral("The record is still being edited. Save it before closing?"),
+            MsgStyle::YesNo | MsgStyle::Question);
+        const Expectation ended =
+            answerOf(step, 0) == MsgAnswer::Yes ? save(step, now) : cancel(step, 1);
+        e.boxes << ended.boxes;
+        e.touchesDisk = ended.touchesDisk;
+        if (m_editing) {
+            e.currentAmong = { m_current }; // the save was refused: the form stays open
+            return e;
+        }
+    }
+    // A new form: the first sort, no filter, the first record, nothing new.
+    m_sort = QStringLiteral("Name");
+    m_filter.clear();
+    m_filterShown.clear();
+    m_tail.clear();
+    m_newRecord.reset();
+    e.currentAmong = recordsAt(0);
+    e.position = e.currentAmong.isEmpty() ? -1 : 0;
+    e.setsScrollBar = true;
+    return e;
+}
+
+} // namespace plx::walk
