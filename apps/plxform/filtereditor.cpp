@@ -1,6 +1,7 @@
 // apps/plxform/filtereditor.cpp
 #include "apps/plxform/filtereditor.h"
 
+#include "apps/plxform/screenfit.h"
 #include "services/ini.h"
 #include "services/paths.h"
 #include "services/recordsource/database.h"
@@ -15,11 +16,31 @@
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSaveFile>
 #include <QTextStream>
 #include <QVBoxLayout>
 
 namespace plx::form {
+
+namespace {
+
+// The engine counts positions (from 1) in the whole statement, of which the user wrote only
+// the condition: "at position N" is told counting from the condition's first character.
+QString inCondition(QString message, qsizetype conditionStart)
+{
+    static const QRegularExpression position(QStringLiteral("at position (\\d+)"));
+    QRegularExpressionMatch m = position.match(message);
+    if (!m.hasMatch())
+        return message;
+    const qsizetype at = m.captured(1).toLongLong() - conditionStart;
+    if (at < 1)
+        return message;
+    return message.replace(m.capturedStart(), m.capturedLength(),
+                           QStringLiteral("at position %1 of the condition").arg(at));
+}
+
+} // namespace
 
 FilterEditor::FilterEditor(QString filterFile, std::shared_ptr<Database> db, QString table,
                            QWidget *parent)
@@ -64,6 +85,7 @@ FilterEditor::FilterEditor(QString filterFile, std::shared_ptr<Database> db, QSt
     outer->addLayout(top);
     outer->addWidget(close);
     resize(640, 320);
+    fitOnScreen(this);
 
     connect(close, &QDialogButtonBox::rejected, this, &QDialog::accept);
     connect(m_list, &QListWidget::currentRowChanged, this, &FilterEditor::showSelected);
@@ -117,9 +139,10 @@ QString FilterEditor::checkCondition(const QString &where) const
         return tr("No table is open.");
     if (where.contains(QLatin1Char('\n')) || where.contains(QLatin1Char('\r')))
         return tr("A condition is one line.");
-    Result<std::unique_ptr<RecordSource>> tried = m_db->OpenRecordset(
-        QStringLiteral("SELECT * from ") + m_table + QStringLiteral(" WHERE ") + where);
-    return tried.isOk() ? QString() : tried.status().message();
+    const QString statement =
+        QStringLiteral("SELECT * from [") + m_table + QStringLiteral("] WHERE ");
+    Result<std::unique_ptr<RecordSource>> tried = m_db->OpenRecordset(statement + where);
+    return tried.isOk() ? QString() : inCondition(tried.status().message(), statement.size());
 }
 
 bool FilterEditor::saveFilter(const QString &oldName, const QString &name, const QString &where)

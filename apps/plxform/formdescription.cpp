@@ -15,7 +15,8 @@ const QSet<QString> kFormKeys{ QStringLiteral("FILE"),     QStringLiteral("DATAB
                                QStringLiteral("TABLE"),    QStringLiteral("DESC"),
                                QStringLiteral("IDFIELD"),  QStringLiteral("DESCFIELD"),
                                QStringLiteral("PARENTID"), QStringLiteral("SORTS"),
-                               QStringLiteral("REQUIRED") };
+                               QStringLiteral("REQUIRED"), QStringLiteral("GENERATEIDS"),
+                               QStringLiteral("CODEPAGE"), QStringLiteral("COLLATE") };
 const QSet<QString> kRowKeys{ QStringLiteral("CAPTION"),   QStringLiteral("FIELD"),
                               QStringLiteral("FORMAT"),    QStringLiteral("MODE"),
                               QStringLiteral("MAXLENGTH"), QStringLiteral("LABELWIDTH") };
@@ -61,6 +62,74 @@ bool isNamelike(const FieldInfo &f)
 
 using Sections = QList<QPair<QString, QStringList>>;
 
+constexpr int kKeyLength = 7; // the part of a made ID the navigator counts up
+constexpr int kIntegerWidth = 11; // -2147483648
+constexpr int kDateWidth = 10; // mm/dd/yyyy
+constexpr int kDateTimeWidth = 19; // mm/dd/yyyy hh:mm:ss
+
+// "CALL_DATE" is shown as "Call date".
+QString captionOf(const QString &fieldName)
+{
+    QString caption = fieldName.left(1).toUpper() + fieldName.mid(1).toLower();
+    caption.replace(QLatin1Char('_'), QLatin1Char(' '));
+    return caption.trimmed();
+}
+
+const FieldInfo *fieldNamed(const QList<FieldInfo> &fields, const QString &name)
+{
+    for (const FieldInfo &f : fields)
+        if (f.name.compare(name, Qt::CaseInsensitive) == 0)
+            return &f;
+    return nullptr;
+}
+
+// PLSTART and PLLASTREV: written by the navigator, neither typed nor ordered by.
+bool isAuditStamp(const FieldInfo &f)
+{
+    const QString upper = f.name.toUpper();
+    return upper == QLatin1String("PLSTART") || upper == QLatin1String("PLLASTREV");
+}
+
+bool isSortable(FieldType type)
+{
+    switch (type) {
+    case FieldType::Text:
+    case FieldType::Integer:
+    case FieldType::Numeric:
+    case FieldType::Double:
+    case FieldType::Date:
+    case FieldType::DateTime: return true;
+    case FieldType::Memo:
+    case FieldType::Boolean:
+    case FieldType::Binary: break;
+    }
+    return false;
+}
+
+// The key first, then each index tag that orders by fields, then each field that can be
+// ordered by; an order offered once is not offered again under another name.
+QList<QPair<QString, QString>> sortsFor(const FormDescription &form, const QList<FieldInfo> &fields,
+                                        const QList<IndexTag> &tags)
+{
+    QList<QPair<QString, QString>> sorts;
+    QSet<QString> offered;
+    auto offer = [&](const QString &name, const QString &list) {
+        if (!list.isEmpty() && !offered.contains(list.toUpper())) {
+            offered.insert(list.toUpper());
+            sorts.append({ name, list });
+        }
+    };
+    if (!form.idField.isEmpty())
+        offer(form.generateIDs ? QStringLiteral("ID") : captionOf(form.idField), form.idField);
+    for (const IndexTag &tag : tags)
+        offer(captionOf(tag.name) + QStringLiteral(" (index)"),
+              tagFields(tag.expression, fields).join(QStringLiteral(", ")));
+    for (const FieldInfo &f : fields)
+        if (isSortable(f.type) && !isAuditStamp(f))
+            offer(captionOf(f.name), f.name);
+    return sorts;
+}
+
 // A form description is a small settings file; anything this large is not one.
 constexpr qint64 kMaxDescriptionSize = qint64(4) * 1024 * 1024;
 
@@ -105,6 +174,43 @@ QList<QPair<QString, QString>> readSorts(const QString &text, QStringList *warni
     return sorts;
 }
 
+// GenerateIDs, CodePage and Collate; a value plxform cannot use is warned of and the
+// default kept.
+void readTableOptions(const QString &path, FormDescription &form, QStringList *warnings)
+{
+    const QString f = QStringLiteral("FORM");
+    const QString generate = value(path, f, "GenerateIDs").trimmed();
+    if (!generate.isEmpty()) {
+        const QString upper = generate.toUpper();
+        if (upper == QLatin1String("YES") || upper == QLatin1String("TRUE")
+            || upper == QLatin1String("1"))
+            form.generateIDs = true;
+        else if (upper == QLatin1String("NO") || upper == QLatin1String("FALSE")
+                 || upper == QLatin1String("0"))
+            form.generateIDs = false;
+        else
+            warnings->append(
+                QStringLiteral("GenerateIDs \"%1\" ignored: write Yes or No").arg(generate));
+    }
+    const QString codePage = value(path, f, "CodePage").trimmed();
+    if (!codePage.isEmpty()) {
+        if (const std::optional<int> cp = parseCodePage(codePage))
+            form.codePage = *cp;
+        else
+            warnings->append(
+                QStringLiteral("CodePage \"%1\" ignored: write a code page number such as 850")
+                    .arg(codePage));
+    }
+    const QString collate = value(path, f, "Collate").trimmed();
+    if (!collate.isEmpty()) {
+        if (const std::optional<QString> c = parseCollate(collate))
+            form.collate = *c;
+        else
+            warnings->append(
+                QStringLiteral("Collate \"%1\" ignored: write General or Machine").arg(collate));
+    }
+}
+
 // The [FORM] section: the table and the navigator's settings. Naming neither or both of a
 // table file and a database is an error, as is a database without a table.
 Status readFormSection(const QString &path, FormDescription &form, QStringList *warnings)
@@ -123,6 +229,7 @@ Status readFormSection(const QString &path, FormDescription &form, QStringList *
     for (const QString &field :
          value(path, f, "Required").split(QLatin1Char(','), Qt::SkipEmptyParts))
         form.required << field.trimmed();
+    readTableOptions(path, form, warnings);
     if (form.file.isEmpty() == form.database.isEmpty())
         return Status(
             Status::Code::InvalidArgument,
@@ -212,6 +319,7 @@ Result<FormDescription> loadFormDescription(const QString &path, QStringList *wa
         return Status(Status::Code::Corrupt, QStringLiteral("%1 has no [FORM] section").arg(path));
 
     FormDescription form;
+    form.source = path;
     if (Status s = readFormSection(path, form, warnings); !s.isOk())
         return s;
     // Rows, pairs and check boxes appear in the order of their sections in the file.
@@ -243,6 +351,9 @@ Status saveFormDescription(const FormDescription &form, const QString &path)
     set(f, "IDField", form.idField);
     set(f, "DescField", form.descField);
     set(f, "ParentID", form.parentID);
+    set(f, "GenerateIDs", form.generateIDs ? QString() : QStringLiteral("No"));
+    set(f, "CodePage", form.codePage > 0 ? QString::number(form.codePage) : QString());
+    set(f, "Collate", form.collate);
     QStringList sorts;
     for (const auto &[name, fields] : form.sorts)
         sorts << name + QLatin1Char(':') + fields;
@@ -276,35 +387,101 @@ Status saveFormDescription(const FormDescription &form, const QString &path)
               : Status(Status::Code::IoError, QStringLiteral("cannot write %1").arg(path));
 }
 
-FormDescription describeTable(const QList<FieldInfo> &fields, const QString &desc)
+std::optional<int> parseCodePage(const QString &text)
+{
+    bool ok = false;
+    const int codePage = text.trimmed().toInt(&ok);
+    return ok && codePage > 0 && codePage <= 65535 ? std::optional<int>(codePage) : std::nullopt;
+}
+
+std::optional<QString> parseCollate(const QString &text)
+{
+    for (const QString &known : { QStringLiteral("General"), QStringLiteral("Machine") })
+        if (known.compare(text.trimmed(), Qt::CaseInsensitive) == 0)
+            return known;
+    return std::nullopt;
+}
+
+RowDescription rowFor(const FieldInfo &field)
+{
+    RowDescription row{ captionOf(field.name), field.name, QString(), QString() };
+    switch (field.type) {
+    case FieldType::Text: row.maxLength = field.size; break;
+    case FieldType::Integer:
+        row.mode = QStringLiteral("Number");
+        row.maxLength = kIntegerWidth;
+        break;
+    case FieldType::Numeric:
+        // The field's width holds the sign and the decimal point too.
+        row.mode = QStringLiteral("Number");
+        row.maxLength = field.size;
+        break;
+    case FieldType::Double: row.mode = QStringLiteral("Number"); break;
+    case FieldType::Date:
+        row.mode = QStringLiteral("Date");
+        row.format = QStringLiteral("mm/dd/yyyy");
+        row.maxLength = kDateWidth;
+        break;
+    case FieldType::DateTime:
+        // A date and a time of day: the Date mode would refuse the blank and the colons.
+        row.format = QStringLiteral("mm/dd/yyyy");
+        row.maxLength = kDateTimeWidth;
+        break;
+    case FieldType::Memo:
+    case FieldType::Boolean:
+    case FieldType::Binary: break;
+    }
+    return row;
+}
+
+void chooseKey(FormDescription &form, const QList<FieldInfo> &fields, const QList<IndexTag> &tags)
+{
+    const QString named = form.idField.isEmpty() ? QStringLiteral("ID") : form.idField.trimmed();
+    if (const FieldInfo *id = fieldNamed(fields, named)) {
+        form.idField = id->name;
+        const qsizetype madeLength = form.parentID.size() + kKeyLength;
+        form.generateIDs = form.generateIDs && id->type == FieldType::Text
+            && (id->size == 0 || id->size >= madeLength);
+        return;
+    }
+    if (!form.idField.isEmpty())
+        return; // a field the table lacks: checkFieldNames() tells the user
+    form.generateIDs = false;
+    for (const IndexTag &tag : tags) {
+        const QStringList keyFields = tagFields(tag.expression, fields);
+        if (tag.unique && keyFields.size() == 1) {
+            form.idField = keyFields.first();
+            return;
+        }
+    }
+    for (const FieldInfo &f : fields) {
+        if (f.type != FieldType::Memo && f.type != FieldType::Binary) {
+            form.idField = f.name;
+            return;
+        }
+    }
+}
+
+FormDescription describeTable(const QList<FieldInfo> &fields, const QString &desc,
+                              const QList<IndexTag> &tags)
 {
     FormDescription form;
     form.desc = desc;
+    chooseKey(form, fields, tags);
     for (const FieldInfo &f : fields)
-        if (f.name.compare(QLatin1String("ID"), Qt::CaseInsensitive) == 0)
-            form.idField = f.name;
-    for (const FieldInfo &f : fields) {
-        if (form.idField.isEmpty() && f.type == FieldType::Text)
-            form.idField = f.name;
         if (form.descField.isEmpty() && isNamelike(f))
             form.descField = f.name;
-    }
-    if (!form.idField.isEmpty())
-        form.sorts.append({ QStringLiteral("ID"), form.idField });
     for (const FieldInfo &f : fields)
-        if (isNamelike(f) && f.name != form.idField)
-            form.sorts.append({ f.name.left(1) + f.name.mid(1).toLower(), f.name });
+        if (form.descField.isEmpty() && f.type == FieldType::Text && f.name != form.idField)
+            form.descField = f.name;
+    form.sorts = sortsFor(form, fields, tags);
     for (const FieldInfo &f : fields) {
-        const QString upper = f.name.toUpper();
-        if (upper == QLatin1String("PLSTART") || upper == QLatin1String("PLLASTREV"))
-            continue; // stamped by the navigator, not typed
-        const QString caption = f.name.left(1) + f.name.mid(1).toLower();
+        if (isAuditStamp(f))
+            continue;
         if (f.type == FieldType::Boolean)
-            form.checks.append({ caption, f.name });
+            form.checks.append({ captionOf(f.name), f.name });
         else if (f.type != FieldType::Binary)
-            form.rows.append({ caption, f.name,
-                               f.type == FieldType::Date ? QStringLiteral("mm/dd/yyyy") : QString(),
-                               f.type == FieldType::Date ? QStringLiteral("Date") : QString() });
+            form.rows.append(rowFor(f));
     }
     return form;
 }

@@ -6,11 +6,19 @@
 //   Database=/data/care.sqlite       a SQLite database with
 //   Table=FACILITY                   the table to show
 //   Desc=Facilities                  what the records are (titles, messages)
-//   IDField=ID                       the record ID (default: ID, else the first text field)
+//   IDField=ID                       the record ID (default: a field named ID)
+//   GenerateIDs=No                   the user types the key (default Yes when the ID field
+//                                    can hold a made ID; a table without an ID field
+//                                    gets a typed key: the field of its unique index tag,
+//                                    else its first field)
 //   DescField=NAME                   the description shown when deleting
 //   ParentID=PLE                     what new IDs start with (default PLE)
 //   Sorts=Name:NAME, CITY|ID:ID      sort name ":" field list, "|" between sorts
 //   Required=NAME, CITY              fields a record cannot be saved without
+//   CodePage=850                     the code page of a DOS table's text (a table whose
+//                                    header names none)
+//   Collate=General                  how a FoxPro table orders text: General (a, A, b,
+//                                    B...) or Machine (character codes)
 //   [ROW1] ... [ROWn]                text rows, in order: Caption, Field, Format, Mode,
 //                                    MaxLength, LabelWidth (twips)
 //   [CHECK1] ... [CHECKn]            check boxes: Caption, Field
@@ -18,11 +26,14 @@
 //                                    Caption, Field, Details=Caption:FIELD, Caption:FIELD
 #pragma once
 
+#include "apps/plxform/indextags.h"
 #include "services/recordsource/recordsource.h"
 
 #include <QList>
 #include <QString>
 #include <QStringList>
+
+#include <optional>
 
 namespace plx::form {
 
@@ -49,10 +60,14 @@ struct FormDescription
     QString file; // FoxPro table file
     QString database; // SQLite database file
     QString table; // SQLite table (FoxPro: the file's title)
+    QString source; // the form description file this was read from ("" when made)
     QString desc;
     QString idField;
     QString descField;
     QString parentID = QStringLiteral("PLE");
+    bool generateIDs = true; // false: the user types the key in the ID field
+    int codePage = 0; // 0: the table's own (or the engine's default for a DOS table)
+    QString collate; // "General", "Machine" or "" (the engine's default)
     QList<QPair<QString, QString>> sorts; // name, field list
     QStringList required;
     QList<RowDescription> rows;
@@ -71,9 +86,26 @@ Result<FormDescription> loadFormDescription(const QString &path, QStringList *wa
 Status saveFormDescription(const FormDescription &form, const QString &path);
 
 // A description made from the table's own fields: text, number, date and memo fields as
-// rows, logical fields as check boxes, the ID field (a field named ID, else the first
-// text field), and sorts by ID and by each text field that looks like a name.
-FormDescription describeTable(const QList<FieldInfo> &fields, const QString &desc);
+// rows (each with the input mode and length its field takes), logical fields as check
+// boxes, the key (chooseKey), and sorts by the key, by each index tag whose expression
+// names fields, and by each text, number and date field.
+FormDescription describeTable(const QList<FieldInfo> &fields, const QString &desc,
+                              const QList<IndexTag> &tags = {});
+
+// Settles form.idField and form.generateIDs for `fields`: the field IDField names, else a
+// field named ID, gets IDs made by the navigator when it is a text field long enough for
+// one (ParentID + 7 characters) and GenerateIDs is not No. Without either field the user
+// types the key: the field of a unique index tag, else the first field.
+void chooseKey(FormDescription &form, const QList<FieldInfo> &fields, const QList<IndexTag> &tags);
+
+// A text row for `field`: its caption, and the mode, length and format that keep typing
+// within what the field can hold.
+RowDescription rowFor(const FieldInfo &field);
+
+// Reads a code page (a number 1..65535) or a collation ("General", "Machine", any case);
+// std::nullopt for anything else.
+std::optional<int> parseCodePage(const QString &text);
+std::optional<QString> parseCollate(const QString &text);
 
 // The field names the description uses that `fields` does not have, one line each.
 QStringList checkFieldNames(const FormDescription &form, const QList<FieldInfo> &fields);

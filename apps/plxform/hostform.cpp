@@ -2,6 +2,8 @@
 #include "apps/plxform/hostform.h"
 
 #include "apps/plxform/filtereditor.h"
+#include "apps/plxform/indextags.h"
+#include "apps/plxform/screenfit.h"
 #include "fields/mvchecks.h"
 #include "fields/mvname.h"
 #include "navigator/filterlist.h"
@@ -59,55 +61,102 @@ QList<Description> withKnownField(const QList<Description> &items, const QList<F
 }
 
 // `form` as it will be shown. A form with no rows of its own shows every field of the
-// table, keeping the table, ID field, sorts and required fields it names.
+// table, keeping the table, ID field, sorts, required fields and options it names.
 FormDescription completedForm(FormDescription form, const QList<FieldInfo> &fields)
 {
+    const QList<IndexTag> tags = form.isFoxPro() ? readIndexTags(form.file) : QList<IndexTag>();
     if (form.rows.isEmpty() && form.checks.isEmpty()) {
         FormDescription generated =
-            describeTable(fields, form.desc.isEmpty() ? form.table : form.desc);
+            describeTable(fields, form.desc.isEmpty() ? form.table : form.desc, tags);
         generated.file = form.file;
         generated.database = form.database;
         generated.table = form.table;
-        if (!form.idField.isEmpty())
+        generated.source = form.source;
+        generated.parentID = form.parentID;
+        generated.codePage = form.codePage;
+        generated.collate = form.collate;
+        if (!form.idField.isEmpty() || !form.generateIDs) {
             generated.idField = form.idField;
+            generated.generateIDs = form.generateIDs;
+        }
         if (!form.sorts.isEmpty())
             generated.sorts = form.sorts;
         generated.required = form.required;
         form = generated;
     }
+    chooseKey(form, fields, tags);
     if (form.desc.isEmpty())
         form.desc = form.table;
     return form;
+}
+
+// The FoxPro connect string for a form's table options.
+QString foxProConnect(const FormDescription &form)
+{
+    QString connect = QStringLiteral("FoxPro 2.6");
+    if (form.codePage > 0)
+        connect += QStringLiteral(";CodePage=%1").arg(form.codePage);
+    if (!form.collate.isEmpty())
+        connect += QStringLiteral(";Collate=") + form.collate;
+    return connect;
+}
+
+struct OpenedTable
+{
+    std::shared_ptr<Database> db;
+    std::shared_ptr<RecordSource> rs;
+};
+
+// The table file's folder as a FoxPro database, and the table in it.
+Result<OpenedTable> openTableFile(const QString &file, const QString &connect)
+{
+    Result<std::unique_ptr<Database>> db =
+        OpenDatabase(toDiskPath(getFileDir(fromDiskPath(file))), false, false, connect);
+    if (!db.isOk())
+        return db.status();
+    OpenedTable opened{ std::shared_ptr<Database>(std::move(db.value())), nullptr };
+    Result<std::unique_ptr<RecordSource>> rs = opened.db->OpenRecordset(
+        QStringLiteral("SELECT * from [") + getFileTitle(fromDiskPath(file)) + QLatin1Char(']'));
+    if (!rs.isOk())
+        return rs.status();
+    opened.rs = std::move(rs.value());
+    return opened;
+}
+
+// How tall a memo's row is: room for a few lines.
+constexpr qint16 kMemoRowHeight = 1300;
+
+bool isMemo(const QList<FieldInfo> &fields, const QString &name)
+{
+    for (const FieldInfo &f : fields)
+        if (f.type == FieldType::Memo && f.name.compare(name, Qt::CaseInsensitive) == 0)
+            return true;
+    return false;
 }
 
 mvName *makeTextRows(const QList<RowDescription> &shownRows, const QList<FieldInfo> &fields)
 {
     auto *rows = new mvName;
     rows->setObjectName(QStringLiteral("mvNameFields"));
-    rows->setNUbound(qint16(qMax<qsizetype>(0, shownRows.size() - 1)));
     rows->setDescWidthAll(1500);
+    // Row by row: a row added to the stack goes below the row above at its height then, so
+    // a memo's row is made tall before the next row is added.
     for (qsizetype i = 0; i < shownRows.size(); ++i) {
         const RowDescription &r = shownRows[i];
         const qint16 n = qint16(i);
+        if (n > 0)
+            rows->setNUbound(n);
+        rows->setDescWidth(n, r.labelWidth > 0 ? r.labelWidth : 1500);
         rows->setSCaption(n, r.caption);
         rows->setSFieldName(n, r.field);
         rows->setSFormat(n, r.format);
         rows->setSMode(n, r.mode);
         if (r.maxLength > 0)
             rows->setMaxLength(n, r.maxLength);
-        if (r.labelWidth > 0)
-            rows->setDescWidth(n, r.labelWidth);
+        if (isMemo(fields, r.field))
+            rows->setIHeight(n, kMemoRowHeight);
     }
-    // A memo in the last row gets room for a few lines (rows above keep their places).
-    if (!shownRows.isEmpty()) {
-        const qint16 last = qint16(shownRows.size() - 1);
-        for (const FieldInfo &f : fields)
-            if (f.type == FieldType::Memo
-                && f.name.compare(shownRows.last().field, Qt::CaseInsensitive) == 0) {
-                rows->setIHeight(last, 1300);
-                rows->setNUbound(last); // the stack takes the new height
-            }
-    }
+    rows->setNUbound(rows->nUbound()); // the stack's height takes the last row's
     return rows;
 }
 
@@ -192,11 +241,15 @@ HostForm::HostForm(Services *services, QWidget *parent) : QMainWindow(parent), m
     m_statusPosition = new QLabel(this);
     m_statusUser = new QLabel(this);
     m_statusState = new QLabel(this);
+    m_statusReadOnly = new QLabel(this);
+    m_statusReadOnly->setObjectName(QStringLiteral("lblStatusReadOnly"));
+    m_statusReadOnly->setVisible(false);
     m_statusTable->setObjectName(QStringLiteral("lblStatusTable"));
     m_statusPosition->setObjectName(QStringLiteral("lblStatusPosition"));
     m_statusUser->setObjectName(QStringLiteral("lblStatusUser"));
     m_statusState->setObjectName(QStringLiteral("lblStatusState"));
-    statusBar()->addWidget(m_statusTable, 1);
+    statusBar()->addWidget(m_statusTable);
+    statusBar()->addWidget(m_statusReadOnly, 1);
     statusBar()->addPermanentWidget(m_statusPosition);
     statusBar()->addPermanentWidget(m_statusUser);
     statusBar()->addPermanentWidget(m_statusState);
@@ -213,7 +266,7 @@ bool HostForm::eventFilter(QObject *watched, QEvent *event)
         const auto *key = static_cast<QKeyEvent *>(event);
         const QKeySequence pressed(key->keyCombination());
         if (widget && isAncestorOf(widget)) {
-            for (const QAction *action : std::as_const(m_recordActions))
+            for (const QAction *action : std::as_const(m_shortcutActions))
                 if (action->isEnabled() && action->shortcut() == pressed)
                     return true; // not taken by the text field: the menu's shortcut runs
         }
@@ -234,85 +287,6 @@ QString HostForm::filterFile() const
     return toDiskPath(filterFilePath(table));
 }
 
-void HostForm::buildMenus()
-{
-    QMenu *file = menuBar()->addMenu(tr("&File"));
-    file->addAction(tr("&Open Table..."), QKeySequence::Open, this, [this] {
-        const QString path =
-            QFileDialog::getOpenFileName(this, tr("Open Table"), QString(),
-                                         tr("Tables (*.dbf *.DBF *.sqlite *.db);;All files (*)"));
-        if (!path.isEmpty())
-            Q_EMIT openRequested(path);
-    });
-    file->addAction(tr("Open &Form..."), this, [this] {
-        const QString path = QFileDialog::getOpenFileName(this, tr("Open Form"), QString(),
-                                                          tr("Form descriptions (*.ini *.INI)"));
-        if (!path.isEmpty())
-            Q_EMIT openRequested(path);
-    });
-    file->addAction(tr("&Save Form..."), this, [this] {
-        const QString path = QFileDialog::getSaveFileName(this, tr("Save Form"), QString(),
-                                                          tr("Form descriptions (*.ini)"));
-        if (!path.isEmpty())
-            Q_EMIT saveFormRequested(path);
-    });
-    m_recentMenu = file->addMenu(tr("&Recent Files"));
-    fillRecentMenu();
-    file->addSeparator();
-    file->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
-
-    QMenu *record = menuBar()->addMenu(tr("&Record"));
-    const struct
-    {
-        const char *caption;
-        QKeySequence key;
-    } commands[] = {
-        { "New", QKeySequence(Qt::CTRL | Qt::Key_N) },
-        { "Edit", QKeySequence(Qt::CTRL | Qt::Key_E) },
-        { "Copy", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C) },
-        { "Delete", QKeySequence(Qt::CTRL | Qt::Key_Delete) },
-        { "Save", QKeySequence(Qt::CTRL | Qt::Key_S) },
-        { "Cancel", QKeySequence(Qt::Key_Escape) },
-    };
-    for (const auto &c : commands) {
-        const QString caption = QString::fromLatin1(c.caption);
-        QAction *action = record->addAction(caption, c.key, this, [this, caption] {
-            if (m_nav && m_nav->bButtonEnable(caption))
-                m_nav->ClickButton(caption);
-        });
-        action->setObjectName(QStringLiteral("mnu") + caption);
-        m_recordActions << action;
-    }
-    record->addSeparator();
-    record->addAction(tr("&Back"), QKeySequence(Qt::Key_PageUp), this, [this] {
-        if (m_nav)
-            if (auto *back = m_nav->findChild<QAbstractButton *>(QStringLiteral("cmdRecBack"));
-                back && back->isEnabled())
-                back->click();
-    });
-    record->addAction(tr("&Next"), QKeySequence(Qt::Key_PageDown), this, [this] {
-        if (m_nav)
-            if (auto *next = m_nav->findChild<QAbstractButton *>(QStringLiteral("cmdRecNext"));
-                next && next->isEnabled())
-                next->click();
-    });
-    record->addAction(tr("&Find"), QKeySequence::Find, this, [this] {
-        if (m_nav)
-            if (auto *find = m_nav->findChild<QComboBox *>(QStringLiteral("cboFind"));
-                find && find->isEnabled())
-                find->setFocus(Qt::ShortcutFocusReason);
-    });
-
-    QMenu *help = menuBar()->addMenu(tr("&Help"));
-    help->addAction(tr("&About plxform"), this, [this] {
-        QMessageBox::about(
-            this, tr("About plxform"),
-            tr("<b>plxform</b> %1<br>A data-entry form for FoxPro and SQLite tables, "
-               "built with PLX Controls.")
-                .arg(QCoreApplication::applicationVersion()));
-    });
-}
-
 void HostForm::mirrorToolbar()
 {
     // The menu's record commands are enabled exactly when the navigator's buttons are.
@@ -331,30 +305,65 @@ void HostForm::mirrorToolbar()
 bool HostForm::openTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
                          QString *error)
 {
-    if (form.isFoxPro()) {
-        if (!QFileInfo::exists(form.file)) {
-            *error = tr("The table file %1 does not exist.").arg(form.file);
-            return false;
-        }
+    return form.isFoxPro() ? openFoxProTable(form, nav, db, error)
+                           : openSqliteTable(form, nav, db, error);
+}
+
+bool HostForm::openFoxProTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
+                               QString *error)
+{
+    if (!QFileInfo(form.file).isFile()) {
+        *error = tr("The table file %1 was not found.").arg(form.file);
+        return false;
+    }
+    // A DOS table (no code page in its header) is read in the code page the user chose for
+    // it last, unless this opening names one.
+    if (form.codePage == 0 && codePageMark(form.file) == 0)
+        form.codePage = rememberedCodePage(form.file);
+    const QString connect = foxProConnect(form);
+    if (connect == QLatin1String("FoxPro 2.6")) {
         nav.setSDBFPathFileName(form.file);
-        if (!nav.rs()) {
-            *error = tr("The table %1 could not be opened (see the activity log).").arg(form.file);
-            return false;
+        if (nav.rs()) {
+            db = nav.database();
+            form.table = nav.tableName();
+            return true;
         }
-        db = nav.database();
-        form.table = nav.tableName();
-        return true;
+    }
+    // Opened here when it has options the navigator's own connection does not take, and
+    // again when the navigator could not open it, to learn why.
+    Result<OpenedTable> opened = openTableFile(form.file, connect);
+    if (!opened.isOk()) {
+        *error =
+            tr("The table %1 could not be opened: %2").arg(form.file, opened.status().message());
+        return false;
+    }
+    db = opened.value().db;
+    form.table = getFileTitle(fromDiskPath(form.file));
+    nav.setDatabase(db, form.table, form.file);
+    nav.setRs(opened.value().rs);
+    return true;
+}
+
+bool HostForm::openSqliteTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
+                               QString *error)
+{
+    // Opening a file that is not there would make a new, empty database.
+    if (!QFileInfo(form.database).isFile()) {
+        *error = tr("The SQLite database %1 was not found.").arg(form.database);
+        return false;
     }
     Result<std::unique_ptr<Database>> opened = OpenDatabase(form.database, false, false, QString());
     if (!opened.isOk()) {
-        *error = opened.status().message();
+        *error = tr("The SQLite database %1 could not be opened: %2")
+                     .arg(form.database, opened.status().message());
         return false;
     }
     db = std::move(opened.value());
     Result<std::unique_ptr<RecordSource>> rs =
-        db->OpenRecordset(QStringLiteral("SELECT * from ") + form.table);
+        db->OpenRecordset(QStringLiteral("SELECT * from [") + form.table + QLatin1Char(']'));
     if (!rs.isOk()) {
-        *error = rs.status().message();
+        *error = tr("The table %1 of %2 could not be opened: %3")
+                     .arg(form.table, form.database, rs.status().message());
         return false;
     }
     nav.setDatabase(db, form.table, form.database);
@@ -365,6 +374,7 @@ bool HostForm::openTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<
 void HostForm::configureNavigator(mvPLXRecs &nav, const FormDescription &form)
 {
     nav.setSIDfield(form.idField);
+    nav.setBGenerateIDs(form.generateIDs);
     nav.setSDescfield(form.descField);
     nav.setSDesc(form.desc);
     nav.setSUser(systemUserName());
@@ -383,10 +393,7 @@ void HostForm::connectNavigator()
         updateStatus();
     });
     connect(m_nav, &mvPLXRecs::SortChange, this, &HostForm::updateStatus);
-    connect(m_nav, &mvPLXRecs::RecEditStart, this, [this] {
-        m_editing = true;
-        updateStatus();
-    });
+    connect(m_nav, &mvPLXRecs::RecEditStart, this, &HostForm::editStarted);
     connect(m_nav, &mvPLXRecs::RecEditEnd, this, [this] {
         m_editing = false;
         updateStatus();
@@ -394,7 +401,53 @@ void HostForm::connectNavigator()
     connect(m_nav, &mvPLXRecs::RecDelete, this, &HostForm::recordDeleted);
     connect(m_nav, &mvPLXRecs::FilterChange, this, &HostForm::filterChosen);
     connect(m_nav, &mvPLXRecs::FilterEdit, this, &HostForm::editFilters);
+    // Connected after the navigator's own handler, so this runs once the command is done
+    // (a saved new record has then found its place in the order).
+    connect(m_nav->findChild<QToolBar *>(QStringLiteral("tbrBtm")), &QToolBar::actionTriggered,
+            this, &HostForm::toolbarClicked);
     mirrorToolbar();
+}
+
+void HostForm::toolbarClicked(QAction *button)
+{
+    // The navigator gives Close no command of its own: it closes this form.
+    if (button->objectName() == QLatin1String("CLOSE"))
+        close();
+    else
+        updateStatus();
+}
+
+void HostForm::editStarted()
+{
+    m_editing = true;
+    keepMadeIDReadOnly();
+    focusFirstEditableRow();
+    updateStatus();
+}
+
+void HostForm::keepMadeIDReadOnly()
+{
+    // The navigator unlocks every row for the edit; an ID it made is not the user's to
+    // change.
+    if (m_rows && m_madeIDRow >= 0 && m_rows->textRow(m_madeIDRow))
+        m_rows->textRow(m_madeIDRow)->setLocked(true);
+}
+
+void HostForm::focusFirstEditableRow()
+{
+    for (qint16 n = 0; m_rows && n <= m_rows->nUbound(); ++n) {
+        mvText *row = m_rows->textRow(n);
+        if (row && !row->Locked() && row->isEnabled()) {
+            row->setFocus(Qt::OtherFocusReason);
+            return;
+        }
+    }
+}
+
+void HostForm::showTitle()
+{
+    setWindowTitle(m_form.desc + (m_readOnlyReason.isEmpty() ? QString() : tr(" (read only)"))
+                   + QStringLiteral(" - plxform"));
 }
 
 bool HostForm::openForm(const FormDescription &form, QStringList *warnings, QString *error)
@@ -431,10 +484,37 @@ bool HostForm::openForm(const FormDescription &form, QStringList *warnings, QStr
     nav->InitFilters();
 
     // The new form replaces the old one only now that it works.
-    setCentralWidget(formLayout(nav.get(), rows, checks, pairs));
     m_form = shown;
     m_db = db;
-    m_nav = nav.release();
+    placeWidgets(nav.release(), rows, checks, pairs);
+    m_readOnlyReason = m_nav->rs()->readOnlyReason();
+    m_madeIDRow = -1;
+    for (qint16 n = 0; m_form.generateIDs && n <= rows->nUbound(); ++n)
+        if (rows->sFieldName(n).compare(m_form.idField, Qt::CaseInsensitive) == 0)
+            m_madeIDRow = n;
+    if (m_madeIDRow >= 0)
+        rows->setToolTip(m_madeIDRow,
+                         tr("plxform gives each new record its ID; it cannot be "
+                            "typed or changed."));
+    showTitle();
+    // Each form comes back where the user left it, and always whole on the screens there
+    // are now, at whatever scale.
+    restoreFormPlacement(this, m_form.desc, userSettings());
+    fitOnScreen(this);
+    // A form description is what the user opened: it comes back from the recent files.
+    rememberRecent(!shown.source.isEmpty() ? QFileInfo(shown.source).absoluteFilePath()
+                       : shown.isFoxPro()  ? shown.file
+                                           : shown.database);
+    m_codePageAction->setEnabled(m_form.isFoxPro() && codePageMark(m_form.file) == 0);
+    updateStatus();
+    return true;
+}
+
+void HostForm::placeWidgets(mvPLXRecs *nav, mvName *rows, mvChecks *checks,
+                            const QList<mvChkWithTxt *> &pairs)
+{
+    setCentralWidget(formLayout(nav, rows, checks, pairs));
+    m_nav = nav;
     m_rows = rows;
     m_checks = checks;
     m_pairs.clear();
@@ -448,13 +528,6 @@ bool HostForm::openForm(const FormDescription &form, QStringList *warnings, QStr
         bar && m_nav->rs()->RecordCount() > 0)
         bar->setValue(0);
     showRecord();
-    setWindowTitle(shown.desc + QStringLiteral(" - plxform"));
-    // Each form comes back where the user left it, and always reachable on the monitors
-    // there are now.
-    restoreFormPlacement(this, m_form.desc, userSettings());
-    rememberRecent(shown.isFoxPro() ? shown.file : shown.database);
-    updateStatus();
-    return true;
 }
 
 void HostForm::showRecord()
@@ -515,9 +588,11 @@ void HostForm::recordDeleted()
 
 QString HostForm::statusText() const
 {
-    return QStringList{ m_statusTable->text(), m_statusPosition->text(), m_statusUser->text(),
-                        m_statusState->text() }
-        .join(QStringLiteral(" | "));
+    QStringList parts{ m_statusTable->text() };
+    if (!m_readOnlyReason.isEmpty())
+        parts << m_statusReadOnly->text();
+    parts << m_statusPosition->text() << m_statusUser->text() << m_statusState->text();
+    return parts.join(QStringLiteral(" | "));
 }
 
 void HostForm::updateStatus()
@@ -528,14 +603,24 @@ void HostForm::updateStatus()
     m_statusTable->setText(
         QFileInfo(m_form.isFoxPro() ? m_form.file : m_form.database).fileName()
         + (m_form.isFoxPro() ? QString() : QStringLiteral(" : ") + m_form.table));
+    const QLocale english(QLocale::English);
+    const qint32 count = rs->RecordCount();
     const qint32 position = rs->AbsolutePosition();
-    m_statusPosition->setText(
-        position < 0 ? tr("No record")
-                     : tr("Record %1 of %2")
-                           .arg(QLocale(QLocale::English).toString(position + 1),
-                                QLocale(QLocale::English).toString(rs->RecordCount())));
+    QString where;
+    if (count == 0)
+        where = tr("No records");
+    else if (count == 1)
+        where = tr("1 record");
+    else if (position < 0)
+        where = tr("%1 records").arg(english.toString(count));
+    else
+        where = tr("Record %1 of %2").arg(english.toString(position + 1), english.toString(count));
+    m_statusPosition->setText(where);
     m_statusUser->setText(m_nav->sUser());
     m_statusState->setText(m_editing ? tr("Editing") : tr("Browsing"));
+    m_statusReadOnly->setVisible(!m_readOnlyReason.isEmpty());
+    m_statusReadOnly->setText(tr("Read only: %1").arg(m_readOnlyReason));
+    m_statusReadOnly->setToolTip(m_readOnlyReason);
 }
 
 void HostForm::rememberRecent(const QString &path)
@@ -577,17 +662,9 @@ void HostForm::fillRecentMenu()
 void HostForm::closeEvent(QCloseEvent *event)
 {
     // A record still being edited is not abandoned silently.
-    if (m_nav && m_nav->bButtonEnable(QStringLiteral("SAVE"))) {
-        const MsgAnswer answer =
-            prompterOf(m_services)
-                .msgBox(tr("The record is still being edited. Save it before closing?"),
-                        MsgStyle::YesNo | MsgStyle::Question, tr("Close plxform"));
-        m_nav->ClickButton(answer == MsgAnswer::Yes ? QStringLiteral("SAVE")
-                                                    : QStringLiteral("CANCEL"));
-        if (m_nav->bButtonEnable(QStringLiteral("SAVE"))) {
-            event->ignore(); // the save was refused: stay open
-            return;
-        }
+    if (!askToEndEdit()) {
+        event->ignore();
+        return;
     }
     saveFormPlacement(this, m_form.desc, userSettings());
     event->accept();

@@ -14,6 +14,7 @@
 #include <QMainWindow>
 #include <QPointer>
 
+#include <functional>
 #include <memory>
 
 class QLabel;
@@ -45,8 +46,25 @@ public:
     mvChecks *checkRows() const { return m_checks; }
     QList<QPointer<mvChkWithTxt>> pairs() const { return m_pairs; }
     QString statusText() const;
+    // Why the table cannot be written ("" when it can), as its engine says.
+    QString readOnlyReason() const { return m_readOnlyReason; }
     // Where the table's saved filters are kept.
     QString filterFile() const;
+    // Shows the status of the record and table again (after a command run from outside).
+    void refreshStatus() { updateStatus(); }
+
+    // Moves to the record at 0-based `position` of the current order as the user's scroll
+    // bar would (nothing while a record is edited or outside the records).
+    void moveToPosition(qint32 position);
+    // The Record menu's First, Last and Go to Record (which asks for a number).
+    void goToFirst() { moveToPosition(0); }
+    void goToLast();
+    void askForRecordNumber();
+    // The File menu's Code Page: asks which code page the DOS table's text is in,
+    // remembers the answer for this table and shows the table in it.
+    void askForCodePage();
+    // The code page remembered for a DOS table file (0: none).
+    int rememberedCodePage(const QString &tableFile) const;
 
     // Called by the navigator before it saves: a record without its required fields is
     // refused, and the user is told which.
@@ -66,10 +84,27 @@ private:
     // navigator's settings from the form, and the navigator's events.
     bool openTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
                    QString *error);
+    bool openFoxProTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
+                         QString *error);
+    bool openSqliteTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
+                         QString *error);
+    void placeWidgets(mvPLXRecs *nav, mvName *rows, mvChecks *checks,
+                      const QList<mvChkWithTxt *> &pairs);
     void configureNavigator(mvPLXRecs &nav, const FormDescription &form);
     void connectNavigator();
     void buildMenus();
+    void buildFileMenu();
+    void buildRecordMenu();
+    QAction *addRecordAction(QMenu *menu, const QString &text, const QKeySequence &key,
+                             const std::function<void()> &run);
     void mirrorToolbar();
+    void toolbarClicked(QAction *button);
+    void editStarted();
+    void keepMadeIDReadOnly();
+    void focusFirstEditableRow();
+    void showTitle();
+    void rememberCodePage(const QString &tableFile, int codePage);
+    bool askToEndEdit();
     void updateStatus();
     void showRecord();
     void filterChosen(const QString &filter);
@@ -90,8 +125,13 @@ private:
     QLabel *m_statusPosition = nullptr;
     QLabel *m_statusUser = nullptr;
     QLabel *m_statusState = nullptr;
+    QLabel *m_statusReadOnly = nullptr;
     QMenu *m_recentMenu = nullptr;
+    QAction *m_codePageAction = nullptr;
     QList<QAction *> m_recordActions; // mirror the toolbar's buttons
+    QList<QAction *> m_shortcutActions; // win over a text field's own keys
+    QString m_readOnlyReason;
+    qint16 m_madeIDRow = -1; // the row of an ID the navigator makes: never typed in
     bool m_editing = false;
 };
 

@@ -3,14 +3,18 @@
 //
 //   plxform                              the sample facility table (made on first run)
 //   plxform TABLE.DBF                    a FoxPro table file
-//   plxform --sqlite FILE --table T      a table of a SQLite database
+//   plxform --sqlite FILE [--table T]    a table of a SQLite database (a list to choose
+//                                        from when it holds several and none is named)
+//   plxform --codepage 850 TABLE.DBF     a DOS table's text read in that code page
+//   plxform --collate general TABLE.DBF  text ordered a A b B instead of by code
 //   plxform FORM.INI                     a saved form description
 //   plxform --save-form FORM.INI [...]   writes the description of what it would show
 //   plxform --screenshot FILE.png [...]  draws the form into a PNG and exits
 //   plxform --script FILE [...]          runs the commands of FILE on the form and exits
 #include "apps/plxform/hostform.h"
-#include "apps/plxform/sampledata.h"
+#include "apps/plxform/opening.h"
 #include "apps/plxform/scriptrunner.h"
+#include "apps/plxform/tablechooser.h"
 #include "mervane/rowpalette.h"
 
 #include "services/ini.h"
@@ -29,22 +33,24 @@
 
 namespace {
 
-using plx::Database;
-using plx::fromDiskPath;
-using plx::getWorkDir;
-using plx::OpenDatabase;
 using plx::prompterOf;
 using plx::Result;
 using plx::Services;
 using plx::Status;
-using plx::form::ensureSample;
+using plx::form::describePath;
+using plx::form::describeRequest;
 using plx::form::FormDescription;
 using plx::form::HostForm;
-using plx::form::loadFormDescription;
+using plx::form::OpenRequest;
+using plx::form::parseCodePage;
+using plx::form::parseCollate;
+using plx::form::reportOpenFailure;
 using plx::form::runScript;
-using plx::form::SamplePaths;
 using plx::form::saveFormDescription;
 using plx::form::ScriptPrompter;
+using plx::form::TableChooser;
+using plx::form::TableChooserFn;
+using plx::form::wasDeclined;
 
 void say(const QString &line)
 {
@@ -70,48 +76,27 @@ void useDarkPalette()
     QApplication::setPalette(plx::darkPalette());
 }
 
-// A form description file, a FoxPro table file, or a SQLite database (its first table).
-Result<FormDescription> describePath(const QString &path, QStringList *warnings)
+// What the command line names; false (told on stderr) for a value plxform cannot use.
+bool readRequest(const QCommandLineParser &args, OpenRequest *request)
 {
-    if (path.endsWith(QLatin1String(".ini"), Qt::CaseInsensitive))
-        return loadFormDescription(path, warnings);
-    FormDescription form;
-    if (path.endsWith(QLatin1String(".dbf"), Qt::CaseInsensitive)) {
-        form.file = QFileInfo(path).absoluteFilePath();
-        return form;
+    request->target = args.positionalArguments().value(0);
+    request->sqlite = args.value(QStringLiteral("sqlite"));
+    request->table = args.value(QStringLiteral("table"));
+    if (args.isSet(QStringLiteral("codepage"))) {
+        request->codePage = parseCodePage(args.value(QStringLiteral("codepage")));
+        if (!request->codePage) {
+            say(QStringLiteral("--codepage needs a code page number such as 437 or 850"));
+            return false;
+        }
     }
-    Result<std::unique_ptr<Database>> db = OpenDatabase(path, false, true, QString());
-    if (!db.isOk())
-        return db.status();
-    const QStringList tables = db.value()->tableNames();
-    if (tables.isEmpty())
-        return Status(Status::Code::NotFound, QStringLiteral("%1 holds no table").arg(path));
-    form.database = QFileInfo(path).absoluteFilePath();
-    form.table = tables.first();
-    return form;
-}
-
-// The description of what `arguments` ask for; the sample when they name nothing.
-Result<FormDescription> describeRequest(const QCommandLineParser &args, QStringList *warnings)
-{
-    if (args.isSet(QStringLiteral("sqlite"))) {
-        FormDescription form;
-        form.database = args.value(QStringLiteral("sqlite"));
-        form.table = args.value(QStringLiteral("table"));
-        if (form.table.isEmpty())
-            return Status(Status::Code::InvalidArgument,
-                          QStringLiteral("--sqlite needs --table T"));
-        return form;
+    if (args.isSet(QStringLiteral("collate"))) {
+        request->collate = parseCollate(args.value(QStringLiteral("collate")));
+        if (!request->collate) {
+            say(QStringLiteral("--collate is general or machine"));
+            return false;
+        }
     }
-    QString target = args.positionalArguments().value(0);
-    if (target.isEmpty()) {
-        Result<SamplePaths> sample =
-            ensureSample(fromDiskPath(getWorkDir()).replace(QLatin1Char('\\'), QLatin1Char('/')));
-        if (!sample.isOk())
-            return sample.status();
-        target = sample.value().formFile;
-    }
-    return describePath(target, warnings);
+    return true;
 }
 
 // The offscreen platform (no display) notes every window feature it lacks; those notes are
@@ -145,6 +130,14 @@ void defineOptions(QCommandLineParser &args)
     args.addOption({ QStringLiteral("script"),
                      QStringLiteral("Run the commands of FILE on the form, then exit."),
                      QStringLiteral("FILE") });
+    args.addOption({ QStringLiteral("codepage"),
+                     QStringLiteral("The code page of a DOS table's text (437, 850, ...), for a "
+                                    "FoxPro table whose header names none."),
+                     QStringLiteral("N") });
+    args.addOption({ QStringLiteral("collate"),
+                     QStringLiteral("How a FoxPro table orders text: general (a A b B) or "
+                                    "machine (character codes)."),
+                     QStringLiteral("general|machine") });
     args.addOption({ QStringLiteral("dark"), QStringLiteral("Use a dark palette.") });
     args.addOption({ QStringLiteral("screenshot"),
                      QStringLiteral("Draw the form into a PNG file and exit."),
@@ -195,6 +188,14 @@ int saveScreenshot(HostForm &form, const QString &path)
     return 0;
 }
 
+// The list of a database's tables, over `form`.
+TableChooserFn chooseTableOf(QWidget *form)
+{
+    return [form](const QString &database, const QStringList &tables) {
+        return TableChooser::choose(database, tables, form);
+    };
+}
+
 // The problems the form opened with, in one box once the window is up.
 void showWarningsWhenShown(HostForm &form, const QStringList &warnings)
 {
@@ -204,28 +205,33 @@ void showWarningsWhenShown(HostForm &form, const QStringList &warnings)
     });
 }
 
-// The File menu's Open and Save Form: another table or form replaces this one, and what
-// goes wrong is told in a box.
-void connectFileMenu(HostForm &form)
+// The File menu's Open and Save Form: another table or form replaces this one; a table
+// that cannot be opened is told in a box, and so are the problems of one that opens.
+void connectFileMenu(HostForm &form, Services *services)
 {
-    QObject::connect(&form, &HostForm::openRequested, &form, [&form](const QString &path) {
-        QStringList problems;
-        Result<FormDescription> next = describePath(path, &problems);
-        QString why;
-        if (!next.isOk())
-            why = next.status().message();
-        else if (!form.openForm(next.value(), &problems, &why))
-            problems.prepend(why);
-        if (!why.isEmpty() || !problems.isEmpty())
-            prompterOf(nullptr).msgBox((why.isEmpty() ? problems : QStringList(why) + problems)
-                                           .join(QStringLiteral("\r\n")),
-                                       plx::MsgStyle::Information, QStringLiteral("plxform"));
-    });
-    QObject::connect(&form, &HostForm::saveFormRequested, &form, [&form](const QString &path) {
-        if (Status s = saveFormDescription(form.form(), path); !s.isOk())
-            prompterOf(nullptr).msgBox(s.message(), plx::MsgStyle::Critical,
-                                       QStringLiteral("plxform"));
-    });
+    QObject::connect(
+        &form, &HostForm::openRequested, &form, [&form, services](const QString &path) {
+            QStringList problems;
+            Result<FormDescription> next = describePath(path, chooseTableOf(&form), &problems);
+            QString why;
+            if (!next.isOk())
+                why = next.status().message();
+            else if (!form.openForm(next.value(), &problems, &why))
+                problems.clear();
+            if (!next.isOk() && wasDeclined(next.status()))
+                return;
+            if (!why.isEmpty())
+                reportOpenFailure(services, why);
+            else if (!problems.isEmpty())
+                prompterOf(services).msgBox(problems.join(QStringLiteral("\r\n")),
+                                            plx::MsgStyle::Information, QStringLiteral("plxform"));
+        });
+    QObject::connect(&form, &HostForm::saveFormRequested, &form,
+                     [&form, services](const QString &path) {
+                         if (Status s = saveFormDescription(form.form(), path); !s.isOk())
+                             prompterOf(services).msgBox(s.message(), plx::MsgStyle::Critical,
+                                                         QStringLiteral("plxform"));
+                     });
 }
 
 } // namespace
@@ -243,31 +249,40 @@ int main(int argc, char **argv)
     if (args.isSet(QStringLiteral("dark")))
         useDarkPalette();
     prepareInstallationDirectory();
-    QStringList warnings;
-    Result<FormDescription> request = describeRequest(args, &warnings);
-    for (const QString &w : warnings)
-        say(w);
-    if (!request.isOk()) {
-        say(request.status().message());
-        return 1;
-    }
-    // A script answers the form's boxes itself; they are written to stderr.
+    // Without a person at the screen (a script, a picture, a saved description) every box
+    // is answered at once and written to stderr instead of waiting for a click.
     ScriptPrompter scriptUser;
     Services scripted{ &scriptUser, nullptr, nullptr };
-    const bool scripting = args.isSet(QStringLiteral("script"));
-    HostForm form(scripting ? &scripted : nullptr);
+    const bool unattended = args.isSet(QStringLiteral("script"))
+        || args.isSet(QStringLiteral("screenshot")) || args.isSet(QStringLiteral("save-form"));
+    Services *services = unattended ? &scripted : nullptr;
+
+    OpenRequest request;
+    if (!readRequest(args, &request))
+        return 2;
+    QStringList warnings;
+    Result<FormDescription> described =
+        describeRequest(request, unattended ? TableChooserFn() : chooseTableOf(nullptr), &warnings);
+    for (const QString &w : warnings)
+        say(w);
+    if (!described.isOk()) {
+        if (!wasDeclined(described.status()))
+            reportOpenFailure(services, described.status().message());
+        return 1;
+    }
+    HostForm form(services);
     form.resize(920, 660); // the first opening's size; later ones come back as they were left
     QString error;
     warnings.clear();
-    if (!form.openForm(request.value(), &warnings, &error)) {
-        say(error);
+    if (!form.openForm(described.value(), &warnings, &error)) {
+        reportOpenFailure(services, error);
         return 1;
     }
     for (const QString &w : warnings)
         say(w);
     if (args.isSet(QStringLiteral("save-form")))
         return saveForm(form, args.value(QStringLiteral("save-form")));
-    if (scripting) {
+    if (args.isSet(QStringLiteral("script"))) {
         if (!runScriptFile(form, args.value(QStringLiteral("script"))))
             return 1;
         // With --screenshot too, the form is drawn as the script left it.
@@ -278,7 +293,7 @@ int main(int argc, char **argv)
         return saveScreenshot(form, args.value(QStringLiteral("screenshot")));
     if (!warnings.isEmpty())
         showWarningsWhenShown(form, warnings);
-    connectFileMenu(form);
+    connectFileMenu(form, services);
     form.show();
     return app.exec();
 }

@@ -19,7 +19,9 @@ MsgAnswer ScriptPrompter::msgBox(const QString &prompt, int style, const QString
     std::fprintf(stderr, "box: %s: %s\n", qPrintable(title),
                  qPrintable(QString(prompt).replace(QLatin1String("\r\n"), QLatin1String(" | "))));
     std::fflush(stderr);
-    return (style & 7) == MsgStyle::YesNo ? MsgAnswer::Yes : MsgAnswer::OK;
+    // Yes/No and Yes/No/Cancel (3) are answered Yes, OK and OK/Cancel OK.
+    const int buttons = style & 7;
+    return buttons == MsgStyle::YesNo || buttons == 3 ? MsgAnswer::Yes : MsgAnswer::OK;
 }
 
 std::optional<QString> ScriptPrompter::inputBox(const QString &prompt, const QString &title,
@@ -67,6 +69,7 @@ bool runLines(HostForm &form, const QStringList &lines, qsizetype from, qsizetyp
             QCoreApplication::sendEvent(box, &enter);
         } else if (verb == QLatin1String("click")) {
             nav->ClickButton(rest);
+            form.refreshStatus();
         } else if (verb == QLatin1String("set")) {
             const QString field = rest.section(QLatin1Char(' '), 0, 0);
             const QString value = rest.section(QLatin1Char(' '), 1);

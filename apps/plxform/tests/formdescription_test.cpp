@@ -137,18 +137,99 @@ TEST(FormDescription, ATableDescribesItsOwnForm)
         { QStringLiteral("CODE"), FieldType::Text, 10, 0 },
         { QStringLiteral("LASTNAME"), FieldType::Text, 30, 0 },
         { QStringLiteral("BORN"), FieldType::Date, 8, 0 },
+        { QStringLiteral("AMOUNT"), FieldType::Numeric, 9, 2 },
         { QStringLiteral("VIP"), FieldType::Boolean, 1, 0 },
         { QStringLiteral("PLLASTREV"), FieldType::Text, 30, 0 },
     };
     const FormDescription form = describeTable(fields, QStringLiteral("Clients"));
+    // No ID field: the first field is the key, which the user types.
     EXPECT_EQ(form.idField, QStringLiteral("CODE"));
+    EXPECT_FALSE(form.generateIDs);
     EXPECT_EQ(form.descField, QStringLiteral("LASTNAME"));
-    ASSERT_EQ(form.sorts.size(), 2);
-    EXPECT_EQ(form.sorts[1].second, QStringLiteral("LASTNAME"));
-    ASSERT_EQ(form.rows.size(), 3); // the audit stamp is the navigator's
+    EXPECT_EQ(
+        form.sorts,
+        (QList<QPair<QString, QString>>{ { QStringLiteral("Code"), QStringLiteral("CODE") },
+                                         { QStringLiteral("Lastname"), QStringLiteral("LASTNAME") },
+                                         { QStringLiteral("Born"), QStringLiteral("BORN") },
+                                         { QStringLiteral("Amount"), QStringLiteral("AMOUNT") } }));
+    ASSERT_EQ(form.rows.size(), 4); // the audit stamp is the navigator's
+    EXPECT_EQ(form.rows[0].maxLength, 10);
     EXPECT_EQ(form.rows[2].format, QStringLiteral("mm/dd/yyyy"));
+    EXPECT_EQ(form.rows[2].mode, QStringLiteral("Date"));
+    EXPECT_EQ(form.rows[3].mode, QStringLiteral("Number"));
+    EXPECT_EQ(form.rows[3].maxLength, 9);
     ASSERT_EQ(form.checks.size(), 1);
     EXPECT_EQ(form.checks[0].field, QStringLiteral("VIP"));
+}
+
+TEST(FormDescription, TheKeyIsMadeOnlyWhereAMadeIDFits)
+{
+    const QList<FieldInfo> withID{ { QStringLiteral("NAME"), FieldType::Text, 30, 0 },
+                                   { QStringLiteral("id"), FieldType::Text, 10, 0 } };
+    FormDescription form = describeTable(withID, QStringLiteral("T"));
+    EXPECT_EQ(form.idField, QStringLiteral("id"));
+    EXPECT_TRUE(form.generateIDs);
+    EXPECT_EQ(form.sorts.first(), qMakePair(QStringLiteral("ID"), QStringLiteral("id")));
+    // Too short for "PLE" and seven characters, or a number: typed.
+    const QList<FieldInfo> shortID{ { QStringLiteral("ID"), FieldType::Text, 6, 0 } };
+    EXPECT_FALSE(describeTable(shortID, QStringLiteral("T")).generateIDs);
+    const QList<FieldInfo> numberID{ { QStringLiteral("ID"), FieldType::Numeric, 19, 0 } };
+    EXPECT_FALSE(describeTable(numberID, QStringLiteral("T")).generateIDs);
+    // A unique index tag names the key of a table without an ID field.
+    const QList<FieldInfo> coded{ { QStringLiteral("NAME"), FieldType::Text, 30, 0 },
+                                  { QStringLiteral("CODE"), FieldType::Text, 8, 0 } };
+    const QList<IndexTag> tags{ { QStringLiteral("BYNAME"), QStringLiteral("UPPER(name)"), false },
+                                { QStringLiteral("CODE"), QStringLiteral("code"), true } };
+    form = describeTable(coded, QStringLiteral("T"), tags);
+    EXPECT_EQ(form.idField, QStringLiteral("CODE"));
+    EXPECT_FALSE(form.generateIDs);
+    EXPECT_EQ(form.sorts,
+              (QList<QPair<QString, QString>>{
+                  { QStringLiteral("Code"), QStringLiteral("CODE") },
+                  { QStringLiteral("Byname (index)"), QStringLiteral("NAME") } }));
+    // A description's IDField and GenerateIDs=No are kept.
+    FormDescription described;
+    described.idField = QStringLiteral("NAME");
+    described.generateIDs = false;
+    chooseKey(described, withID, {});
+    EXPECT_EQ(described.idField, QStringLiteral("NAME"));
+    EXPECT_FALSE(described.generateIDs);
+}
+
+TEST(FormDescription, TableOptionsAreReadWrittenAndCheckedNotFatal)
+{
+    QTemporaryDir dir;
+    FormDescription form;
+    form.file = dir.filePath(QStringLiteral("T.DBF"));
+    form.generateIDs = false;
+    form.codePage = 850;
+    form.collate = QStringLiteral("General");
+    const QString path = dir.filePath(QStringLiteral("form.ini"));
+    ASSERT_TRUE(saveFormDescription(form, path).isOk());
+    QStringList warnings;
+    Result<FormDescription> back = loadFormDescription(path, &warnings);
+    ASSERT_TRUE(back.isOk());
+    EXPECT_TRUE(warnings.isEmpty()) << warnings.join(QLatin1Char('\n')).toStdString();
+    EXPECT_FALSE(back.value().generateIDs);
+    EXPECT_EQ(back.value().codePage, 850);
+    EXPECT_EQ(back.value().collate, QStringLiteral("General"));
+    EXPECT_EQ(back.value().source, path);
+
+    writeText(path,
+              "[FORM]\r\nFile=T.DBF\r\nGenerateIDs=maybe\r\nCodePage=cyrillic\r\n"
+              "Collate=alphabetical\r\n");
+    warnings.clear();
+    back = loadFormDescription(path, &warnings);
+    ASSERT_TRUE(back.isOk());
+    EXPECT_EQ(
+        warnings,
+        (QStringList{
+            QStringLiteral("GenerateIDs \"maybe\" ignored: write Yes or No"),
+            QStringLiteral("CodePage \"cyrillic\" ignored: write a code page number such as 850"),
+            QStringLiteral("Collate \"alphabetical\" ignored: write General or Machine") }));
+    EXPECT_TRUE(back.value().generateIDs);
+    EXPECT_EQ(back.value().codePage, 0);
+    EXPECT_TRUE(back.value().collate.isEmpty());
 }
 
 } // namespace
