@@ -215,7 +215,9 @@ QWidget *formLayout(mvPLXRecs *nav, mvName *rows, mvChecks *checks,
     for (mvChkWithTxt *pair : pairs)
         flags->addWidget(pair);
     flags->addStretch(1);
-    side->addLayout(flags, 2);
+    // Without check boxes the text rows take the whole width (long text fields need it).
+    const bool anyFlags = !checks->isHidden() || !pairs.isEmpty();
+    side->addLayout(flags, anyFlags ? 2 : 0);
     scroll->setWidget(stacks);
     layout->addWidget(scroll, 1);
     return central;
