@@ -25,7 +25,9 @@ int main(int argc, char **argv)
           },
           [](const RecordSource &rs) {
               return dynamic_cast<const sqlite::SqliteRecordSource &>(rs).keysetBytes();
-          } });
+          },
+          nullptr, // SQLite keeps nothing of its own between queries
+          nullptr });
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();

@@ -384,7 +384,6 @@ private:
     bool commandNew();
     bool commandCopy();
     bool parentAllowsSave();
-    QStringList sortFieldValues() const;
     bool isNewRecord(const QString &id) const;
     bool keyIsFree(const QString &id, const QString &ownID);
     bool writeEditedRecord(const QString &heldID);
@@ -403,6 +402,8 @@ private:
     QString sqlTableName() const;
     void logLines(const QStringList &lines);
     void keyFileProblem(const QString &keyFile, const QString &reason);
+    QString usableKeyLine(const QString &keyFile, const QString &query);
+    QString firstFreeID(QString candidate, const QString &keyFile, const QString &query);
 
     // Filters (mvplxrecs_filters.cpp).
     void filterClicked(int index);

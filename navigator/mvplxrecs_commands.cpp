@@ -251,8 +251,6 @@ bool mvPLXRecs::commandSave()
     const QList<BoundControl *> fields = cMervaneControls();
     const QString heldID = m_heldID;
     const bool wasNew = isNewRecord(heldID);
-    // The order of the records changes only when a sort field (or the ID) changes.
-    const QStringList sortValuesBefore = sortFieldValues();
     if (m_rs) {
         if (!writeEditedRecord(heldID))
             return false;
@@ -292,31 +290,14 @@ bool mvPLXRecs::commandSave()
     }
     if (wasNew)
         m_newRecordID.reset();
-    // The record is re-read in its place in the order. An edit that left every sort field
-    // and the ID as they were keeps the order as it is, so the query need not run again.
-    if (m_rs
-        && (wasNew || rtrimSpaces(id) != rtrimSpaces(heldID)
-            || sortFieldValues() != sortValuesBefore))
+    // The records are read again, so that the saved record and any new record kept
+    // earlier stand in their places in the order, and the saved record stays current.
+    if (m_rs)
         requery(id, false);
     // The rows show what the table kept, in the record that is current now.
     for (BoundControl *control : fields)
         control->UpdateDBF();
     return true;
-}
-
-QStringList mvPLXRecs::sortFieldValues() const
-{
-    QStringList values;
-    if (!m_rs)
-        return values;
-    const QString fields = currentSortFields();
-    const qint16 count = getDelimCount(fields, QStringLiteral(","));
-    for (qint16 i = 1; i <= count; ++i) {
-        const Result<QVariant> v =
-            m_rs->value(trimSpaces(getDelimField(fields, QStringLiteral(","), i, QString())));
-        values << (v.isOk() ? v.value().toString() : QString());
-    }
-    return values;
 }
 
 void mvPLXRecs::releaseHeldRecord()

@@ -255,25 +255,10 @@ void mvPLXRecs::keyFileProblem(const QString &keyFile, const QString &reason)
     m_idProblemShown = true;
 }
 
-QString mvPLXRecs::NewIDPLX()
+// The key file's last key, rebuilt from the table when the file is missing or holds no
+// key of this generator; empty (and the user told) when it cannot be made usable.
+QString mvPLXRecs::usableKeyLine(const QString &keyFile, const QString &query)
 {
-    const QString keyFile = keyFilePath();
-    // No side files beside a table that cannot be written: its records get no new IDs.
-    if (keyFile.isEmpty() || getLenTrim(m_sIDfield) < 1
-        || (m_rs && !m_rs->readOnlyReason().isEmpty()))
-        return QString();
-    const QString query = highestIdQuery(sqlTableName(), m_sIDfield);
-
-    // One navigator at a time makes an ID for this table, in every process.
-    Result<std::unique_ptr<LockFile>> lock = LockFile::open(keyFile + QStringLiteral(".lock"));
-    m_idProblemShown = false;
-    if (!lock.isOk() || !lock.value()->lock(0, 1, LockKind::Exclusive, kKeyLockWaitMs).isOk()) {
-        keyFileProblem(keyFile,
-                       lock.isOk() ? QStringLiteral("another program holds it too long")
-                                   : lock.status().message());
-        return QString();
-    }
-
     // The table itself knows its highest key; an empty table starts at zero, so that its
     // first ID ends in 0000001.
     auto rebuild = [&]() {
@@ -295,27 +280,27 @@ QString mvPLXRecs::NewIDPLX()
 
     const int lFlag = 0;
     QString code = readKeyLine(keyFile);
-    if (!isGeneratorKeyLine(trimSpaces(code))) {
-        // Damaged, written by something else, or the last key there is: said, and rebuilt.
-        const QStringList lines = unexpectedKeyLines(m_sDesc, query, code, lFlag);
-        showBox(lines.join(kCrLf), MsgStyle::Information, QStringLiteral("Record ID Error"));
-        logLines(QStringList(lines)
-                 << (getLenTrim(code) != 21 ? QStringLiteral("Len_Trim(sLastIDasc) <> 21")
-                                            : QStringLiteral("sLastIDasc is not a key of seven "
-                                                             "character codes")));
-        if (!rebuild())
-            return QString();
-        code = readKeyLine(keyFile);
-        if (!isGeneratorKeyLine(trimSpaces(code)))
-            return QString();
-    }
+    if (isGeneratorKeyLine(trimSpaces(code)))
+        return code;
+    // Damaged, written by something else, or the last key there is: said, and rebuilt.
+    const QStringList lines = unexpectedKeyLines(m_sDesc, query, code, lFlag);
+    showBox(lines.join(kCrLf), MsgStyle::Information, QStringLiteral("Record ID Error"));
+    logLines(QStringList(lines) << (getLenTrim(code) != 21
+                                        ? QStringLiteral("Len_Trim(sLastIDasc) <> 21")
+                                        : QStringLiteral("sLastIDasc is not a key of seven "
+                                                         "character codes")));
+    if (!rebuild())
+        return QString();
+    code = readKeyLine(keyFile);
+    return isGeneratorKeyLine(trimSpaces(code)) ? code : QString();
+}
 
-    const QString lastID = m_sParentID + ascToKey(code, 3);
+// The first ID after `candidate` that no record holds, written back as the key file's
+// last key; empty (and the user told) when none is found or the key cannot be kept.
+QString mvPLXRecs::firstFreeID(QString candidate, const QString &keyFile, const QString &query)
+{
     auto logStep = [this](const QString &line) { logLines({ line }); };
-    QString candidate = PLXIDIncrement(lastID, logStep);
-    logLines({ QStringLiteral("ParentID ") + m_sParentID, QStringLiteral("LastID   ") + lastID,
-               QStringLiteral("New ID   ") + candidate, QStringLiteral("From ") + keyFile });
-
+    const int lFlag = 0;
     // Case twins are skipped without counting as attempts; the key space bounds them.
     int twins = 0;
     bool caughtUp = false;
@@ -359,6 +344,36 @@ QString mvPLXRecs::NewIDPLX()
         ++attempts;
         candidate = PLXIDIncrement(candidate, logStep);
     }
+}
+
+QString mvPLXRecs::NewIDPLX()
+{
+    const QString keyFile = keyFilePath();
+    // No side files beside a table that cannot be written: its records get no new IDs.
+    if (keyFile.isEmpty() || getLenTrim(m_sIDfield) < 1
+        || (m_rs && !m_rs->readOnlyReason().isEmpty()))
+        return QString();
+    const QString query = highestIdQuery(sqlTableName(), m_sIDfield);
+
+    // One navigator at a time makes an ID for this table, in every process.
+    Result<std::unique_ptr<LockFile>> lock = LockFile::open(keyFile + QStringLiteral(".lock"));
+    m_idProblemShown = false;
+    if (!lock.isOk() || !lock.value()->lock(0, 1, LockKind::Exclusive, kKeyLockWaitMs).isOk()) {
+        keyFileProblem(keyFile,
+                       lock.isOk() ? QStringLiteral("another program holds it too long")
+                                   : lock.status().message());
+        return QString();
+    }
+
+    const QString code = usableKeyLine(keyFile, query);
+    if (code.isEmpty())
+        return QString();
+    const QString lastID = m_sParentID + ascToKey(code, 3);
+    const QString candidate =
+        PLXIDIncrement(lastID, [this](const QString &line) { logLines({ line }); });
+    logLines({ QStringLiteral("ParentID ") + m_sParentID, QStringLiteral("LastID   ") + lastID,
+               QStringLiteral("New ID   ") + candidate, QStringLiteral("From ") + keyFile });
+    return firstFreeID(candidate, keyFile, query);
 }
 
 } // namespace plx

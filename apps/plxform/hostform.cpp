@@ -312,7 +312,7 @@ bool HostForm::openTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<
 }
 
 bool HostForm::openFoxProTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
-                               QString *error)
+                               QString *error) const
 {
     if (!QFileInfo(form.file).isFile()) {
         *error = tr("The table file %1 was not found.").arg(form.file);
@@ -394,7 +394,13 @@ void HostForm::connectNavigator()
         showRecord();
         updateStatus();
     });
-    connect(m_nav, &mvPLXRecs::SortChange, this, &HostForm::updateStatus);
+    // A sort change keeps the current record when the new order still holds it; when it
+    // does not (a kept new record the filter leaves out), another record became current.
+    connect(m_nav, &mvPLXRecs::SortChange, this, [this] {
+        if (!m_editing)
+            showRecord();
+        updateStatus();
+    });
     connect(m_nav, &mvPLXRecs::RecEditStart, this, &HostForm::editStarted);
     connect(m_nav, &mvPLXRecs::RecEditEnd, this, [this] {
         m_editing = false;

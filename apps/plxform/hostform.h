@@ -85,7 +85,7 @@ private:
     bool openTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
                    QString *error);
     bool openFoxProTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
-                         QString *error);
+                         QString *error) const;
     bool openSqliteTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
                          QString *error);
     void placeWidgets(mvPLXRecs *nav, mvName *rows, mvChecks *checks,

@@ -27,7 +27,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
-#include <QTimer>
 
 #include <cstdio>
 
@@ -196,15 +195,6 @@ TableChooserFn chooseTableOf(QWidget *form)
     };
 }
 
-// The problems the form opened with, in one box once the window is up.
-void showWarningsWhenShown(HostForm &form, const QStringList &warnings)
-{
-    QTimer::singleShot(0, &form, [warnings] {
-        prompterOf(nullptr).msgBox(warnings.join(QStringLiteral("\r\n")),
-                                   plx::MsgStyle::Information, QStringLiteral("plxform"));
-    });
-}
-
 // The File menu's Open and Save Form: another table or form replaces this one; a table
 // that cannot be opened is told in a box, and so are the problems of one that opens.
 void connectFileMenu(HostForm &form, Services *services)
@@ -291,9 +281,11 @@ int main(int argc, char **argv)
     }
     if (args.isSet(QStringLiteral("screenshot")))
         return saveScreenshot(form, args.value(QStringLiteral("screenshot")));
-    if (!warnings.isEmpty())
-        showWarningsWhenShown(form, warnings);
     connectFileMenu(form, services);
     form.show();
+    // The problems the form opened with, in one box over the window.
+    if (!warnings.isEmpty())
+        prompterOf(services).msgBox(warnings.join(QStringLiteral("\r\n")),
+                                    plx::MsgStyle::Information, QStringLiteral("plxform"));
     return app.exec();
 }

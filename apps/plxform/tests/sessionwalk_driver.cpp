@@ -32,9 +32,16 @@ QList<ShownBox> WalkPrompter::takeShown()
 MsgAnswer WalkPrompter::msgBox(const QString &prompt, int style, const QString &title)
 {
     m_shown.append({ title, prompt, style });
-    if ((style & 7) != MsgStyle::YesNo)
-        return (style & 7) == MsgStyle::OKCancel ? MsgAnswer::Cancel : MsgAnswer::OK;
-    return m_answers.isEmpty() ? MsgAnswer::No : m_answers.takeFirst();
+    constexpr int yesNoCancel = 3;
+    const int buttons = style & 7;
+    if (buttons == yesNoCancel) // Cancel when the step says nothing: the cautious choice
+        return m_answers.isEmpty() ? MsgAnswer::Cancel : m_answers.takeFirst();
+    if (buttons != MsgStyle::YesNo)
+        return buttons == MsgStyle::OKCancel ? MsgAnswer::Cancel : MsgAnswer::OK;
+    if (m_answers.isEmpty())
+        return MsgAnswer::No;
+    const MsgAnswer answer = m_answers.takeFirst();
+    return answer == MsgAnswer::Yes ? MsgAnswer::Yes : MsgAnswer::No;
 }
 
 std::optional<QString> WalkPrompter::inputBox(const QString &prompt, const QString &title,

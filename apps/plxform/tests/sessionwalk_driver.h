@@ -27,8 +27,9 @@ struct ShownBox
     int style = 0;
 };
 
-// Answers the Yes/No boxes of a step from the step's answers, in order (No when they run
-// out, the cautious choice); OK boxes with OK. Keeps every box it was shown.
+// Answers the Yes/No and Yes/No/Cancel boxes of a step from the step's answers, in order
+// (No, or Cancel, when they run out: the cautious choice); OK boxes with OK. Keeps every
+// box it was shown.
 class WalkPrompter : public Prompter
 {
 public:

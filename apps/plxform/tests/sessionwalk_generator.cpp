@@ -74,8 +74,10 @@ Step StepGenerator::browsingStep(const WalkModel &model)
     Step s{ QString::fromLatin1(chooseVerb(kBrowsing, below(totalWeight(kBrowsing)))), {}, {}, {} };
     if (s.verb == QLatin1String("TYPE"))
         return typing(model);
-    if (s.verb == QLatin1String("DELETE") || s.verb == QLatin1String("REOPEN"))
+    if (s.verb == QLatin1String("DELETE"))
         s.answers = { yesOrNo(), yesOrNo() };
+    else if (s.verb == QLatin1String("REOPEN"))
+        s.answers = { below(5) == 0 ? MsgAnswer::Cancel : yesOrNo(), yesOrNo() };
     else if (s.verb == QLatin1String("CANCEL"))
         s.answers = { yesOrNo() };
     else if (s.verb == QLatin1String("SCROLL"))
@@ -98,8 +100,10 @@ Step StepGenerator::editingStep(const WalkModel &model)
     // not come then shows what a user answering it would have done.
     if (s.verb == QLatin1String("CANCEL"))
         s.answers = { yesOrNo() };
-    else if (s.verb == QLatin1String("DELETE") || s.verb == QLatin1String("REOPEN"))
+    else if (s.verb == QLatin1String("DELETE"))
         s.answers = { yesOrNo(), yesOrNo() };
+    else if (s.verb == QLatin1String("REOPEN"))
+        s.answers = { below(5) == 0 ? MsgAnswer::Cancel : yesOrNo(), yesOrNo() };
     else if (s.verb == QLatin1String("SCROLL"))
         s.text = QString::number(below(model.count() + 5));
     else if (s.verb == QLatin1String("SORT"))

@@ -15,6 +15,7 @@ namespace {
 const QString kCrLf = QStringLiteral("\r\n");
 const QString kNoFilter = QStringLiteral(" [None]");
 constexpr int kYesNoNo = MsgStyle::YesNo | MsgStyle::DefaultButton2; // 260
+constexpr int kYesNoCancel = 3;
 
 QStringList sortFields(const QString &sort)
 {
@@ -116,11 +117,25 @@ QStringList WalkModel::filterNames()
 
 QStringList WalkModel::sortKey(const Record &record) const
 {
-    // Decision: text orders without regard to case, as Jet compares text; Null and blank
-    // (the same thing in a FoxPro table) come first.
+    // Each back end's text order: a FoxPro table compares its code page's bytes (the
+    // walk types only characters whose Windows-1252 byte is their code point); SQLite
+    // compares letters without case and accents first, then the accents, a letter
+    // without one first. Null and blank (the same thing in a FoxPro table) come first.
+    const bool bytes = m_options.backend == Backend::FoxPro;
     QStringList key;
-    for (const QString &field : sortFields(m_sort))
-        key << record.value(field).toUpper();
+    for (const QString &field : sortFields(m_sort)) {
+        const QString value = record.value(field);
+        if (bytes) {
+            key << value;
+            continue;
+        }
+        const QString spelled = value.normalized(QString::NormalizationForm_D).toCaseFolded();
+        QString letters;
+        for (const QChar c : spelled)
+            if (c.category() != QChar::Mark_NonSpacing)
+                letters += c;
+        key << letters + QChar(1) + spelled;
+    }
     return key;
 }
 
@@ -326,6 +341,22 @@ void WalkModel::requery(Expectation *e, bool keepCurrent)
         adopt(QString(), -1);
 }
 
+void WalkModel::refreshAfterDelete(Expectation *e)
+{
+    // The form shows the records as they are now: the query runs again and keeps the
+    // record the navigator went to, unless the filter no longer holds it (a kept new
+    // record the filter leaves out): then the query's first record.
+    m_tail.clear();
+    QSet<QString> kept;
+    for (const QString &id : std::as_const(e->currentAmong))
+        if (positionRange(id).first >= 0)
+            kept.insert(id);
+    e->currentAmong = kept;
+    if (kept.isEmpty())
+        requery(e, false);
+    e->setsScrollBar = true;
+}
+
 // --- Steps ----------------------------------------------------------------------------
 
 Expectation WalkModel::apply(const Step &step, const QDateTime &now)
@@ -388,8 +419,10 @@ Expectation WalkModel::browseMove(int to)
 
 Expectation WalkModel::typeInto(const Step &step)
 {
-    // A row is locked unless a record is edited: the user cannot type then.
-    if (m_editing && rowFields().contains(step.field))
+    // A row is locked unless a record is edited: the user cannot type then. The ID row
+    // of a form that makes its IDs stays locked.
+    const bool readOnly = step.field == QLatin1String("ID") && !m_options.idRowTyped;
+    if (m_editing && !readOnly && rowFields().contains(step.field))
         m_typed[step.field] = step.text;
     return {};
 }
@@ -526,10 +559,7 @@ Expectation WalkModel::cancel(const Step &step, qsizetype answer)
     e.currentAmong = m_returnPosition >= 0 && m_returnPosition < count()
         ? recordsAt(m_returnPosition)
         : QSet<QString>();
-    m_tail.clear();
-    e.setsScrollBar = true;
-    if (e.currentAmong.isEmpty())
-        requery(&e, false);
+    refreshAfterDelete(&e);
     return e;
 }
 
@@ -555,10 +585,7 @@ Expectation WalkModel::remove(const Step &step)
     // it was the last); the form then shows the records as they are now.
     const int n = count();
     e.currentAmong = n > 0 ? recordsAt(std::min(m_position, n - 1)) : QSet<QString>();
-    m_tail.clear();
-    e.setsScrollBar = true;
-    if (e.currentAmong.isEmpty())
-        adopt(QString(), -1);
+    refreshAfterDelete(&e);
     return e;
 }
 
@@ -618,12 +645,18 @@ Expectation WalkModel::reopen(const Step &step, const QDateTime &now)
 {
     Expectation e;
     if (m_editing) {
-        e.boxes << exactBox(
-            QStringLiteral("Close plxform"),
-            QStringLiteral("The record is still being edited. Save it before closing?"),
-            MsgStyle::YesNo | MsgStyle::Question);
-        const Expectation ended =
-            answerOf(step, 0) == MsgAnswer::Yes ? save(step, now) : cancel(step, 1);
+        e.boxes << exactBox(QStringLiteral("Close plxform"),
+                            QStringLiteral("The record is still being edited.") + kCrLf + kCrLf
+                                + QStringLiteral("Yes: save it and close") + kCrLf
+                                + QStringLiteral("No: discard the changes and close") + kCrLf
+                                + QStringLiteral("Cancel: go on editing"),
+                            kYesNoCancel | MsgStyle::Question);
+        const MsgAnswer answer = step.answers.value(0, MsgAnswer::Cancel);
+        if (answer != MsgAnswer::Yes && answer != MsgAnswer::No) {
+            e.currentAmong = { m_current }; // the user goes on editing
+            return e;
+        }
+        const Expectation ended = answer == MsgAnswer::Yes ? save(step, now) : cancel(step, 1);
         e.boxes << ended.boxes;
         e.touchesDisk = ended.touchesDisk;
         if (m_editing) {

@@ -23,7 +23,9 @@
 // - SAVE with a blank ID row is refused ("Blank ID") and the record stays in edit;
 // - a value a row refuses is told in a "Value Not Saved" box, the field keeps its former
 //   value, the other rows are saved, and the row shows the kept value afterwards;
-// - an empty value is refused in number and date rows; Upper rows store upper case.
+// - an empty value is refused in number and date rows; Upper rows store upper case;
+// - closing during an edit asks Yes (save and close), No (cancel and close) or Cancel
+//   (go on editing); a refused save keeps the form open.
 #pragma once
 
 #include "apps/plxform/tests/sessionwalk_script.h"
@@ -65,6 +67,9 @@ struct ModelOptions
     Backend backend = Backend::FoxPro;
     QString user; // the name in the audit stamps
     bool refuseDuplicateIDs = false; // an ID another record holds is refused on SAVE
+    // The user may type over a record's ID. Off for the sample form: it makes its IDs
+    // and keeps the ID row read only, so typing into it changes nothing.
+    bool idRowTyped = false;
 };
 
 class WalkModel
@@ -113,6 +118,7 @@ private:
     QString stamp(const QDateTime &now) const;
     void requery(Expectation *e, bool keepCurrent);
     void removeRecord(const QString &id);
+    void refreshAfterDelete(Expectation *e);
 
     Expectation browseMove(int to);
     Expectation typeInto(const Step &step);

@@ -107,6 +107,7 @@ std::optional<WalkFailure> Walk::start()
     mo.backend = m_options.backend;
     mo.user = form::systemUserName();
     mo.refuseDuplicateIDs = m_options.refuseDuplicateIDs;
+    mo.idRowTyped = m_options.idRowTyped;
     m_model = std::make_unique<WalkModel>(pristineTable(m_options.backend), mo);
     QString error;
     if (!m_form->open(&error))
@@ -290,6 +291,7 @@ WalkOptions walkOptionsFromEnvironment(Backend backend)
     WalkOptions o;
     o.backend = backend;
     o.refuseDuplicateIDs = qEnvironmentVariableIntValue("PLX_WALK_REFUSE_DUPLICATE_IDS") != 0;
+    o.idRowTyped = qEnvironmentVariableIntValue("PLX_WALK_ID_ROW_TYPED") != 0;
     o.checkStatusBar = qEnvironmentVariableIntValue("PLX_WALK_NO_STATUS_CHECK") == 0;
     return o;
 }
@@ -341,7 +343,7 @@ WalkResult runRandomWalk(const WalkOptions &options)
     }
     Walk walk(options);
     result.failure = walk.start();
-    StepGenerator generator(options.seed, options.refuseDuplicateIDs);
+    StepGenerator generator(options.seed, options.idRowTyped && options.refuseDuplicateIDs);
     for (int i = 0; !result.failure && i < options.steps; ++i) {
         result.steps << generator.next(walk.model());
         result.failure = walk.step(result.steps.last(), i);

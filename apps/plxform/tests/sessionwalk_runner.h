@@ -22,6 +22,9 @@ struct WalkOptions
     // An ID another record holds must be refused on SAVE. Off by default; on with
     // PLX_WALK_REFUSE_DUPLICATE_IDS=1 (when off, the walk never types a taken ID).
     bool refuseDuplicateIDs = false;
+    // The ID row takes typing (PLX_WALK_ID_ROW_TYPED=1). Off: the form makes the IDs and
+    // keeps their row read only.
+    bool idRowTyped = false;
     // The status bar's "Record N of M" follows the navigator.
     bool checkStatusBar = true;
     // At the end, the FoxPro table read by python3-dbf must equal the model too.
@@ -30,7 +33,8 @@ struct WalkOptions
     bool stopAtFirstFailure = true;
 };
 
-// The options of the environment: PLX_WALK_REFUSE_DUPLICATE_IDS, PLX_WALK_NO_STATUS_CHECK.
+// The options of the environment: PLX_WALK_REFUSE_DUPLICATE_IDS, PLX_WALK_ID_ROW_TYPED,
+// PLX_WALK_NO_STATUS_CHECK.
 WalkOptions walkOptionsFromEnvironment(Backend backend);
 
 struct WalkFailure

@@ -63,8 +63,9 @@ QString formatScript(const QList<Step> &steps, const QStringList &comments)
             line += QLatin1Char(' ') + escaped(s.text);
         lines << line;
         for (MsgAnswer a : s.answers)
-            lines << (a == MsgAnswer::Yes ? QStringLiteral("ANSWER Yes")
-                                          : QStringLiteral("ANSWER No"));
+            lines << (a == MsgAnswer::Yes      ? QStringLiteral("ANSWER Yes")
+                          : a == MsgAnswer::No ? QStringLiteral("ANSWER No")
+                                               : QStringLiteral("ANSWER Cancel"));
     }
     return lines.join(QLatin1Char('\n')) + QLatin1Char('\n');
 }
@@ -83,14 +84,17 @@ bool parseScript(const QString &script, QList<Step> *steps, QString *error)
         const QString rest = line.section(QLatin1Char(' '), 1);
         if (verb == QLatin1String("ANSWER")) {
             const QString answer = rest.trimmed().toLower();
-            if (steps->isEmpty()
-                || (answer != QLatin1String("yes") && answer != QLatin1String("no"))) {
-                *error = QStringLiteral("line %1: an ANSWER needs a step before it and Yes or No")
+            const bool known = answer == QLatin1String("yes") || answer == QLatin1String("no")
+                || answer == QLatin1String("cancel");
+            if (steps->isEmpty() || !known) {
+                *error = QStringLiteral("line %1: an ANSWER needs a step before it and Yes, No "
+                                        "or Cancel")
                              .arg(i + 1);
                 return false;
             }
-            steps->last().answers << (answer == QLatin1String("yes") ? MsgAnswer::Yes
-                                                                     : MsgAnswer::No);
+            steps->last().answers << (answer == QLatin1String("yes")      ? MsgAnswer::Yes
+                                          : answer == QLatin1String("no") ? MsgAnswer::No
+                                                                          : MsgAnswer::Cancel);
             continue;
         }
         if (!kVerbs.contains(verb)) {

@@ -1,6 +1,6 @@
 // apps/plxform/tests/sessionwalk_script.h: one user step of a session walk, and the text
 // form a walk is printed in and replayed from: one action a line, the answers the user
-// gives to the Yes/No boxes of that action on "ANSWER" lines after it.
+// gives to the Yes/No (and Yes/No/Cancel) boxes of that action on "ANSWER" lines after it.
 //
 //   # lines starting with # are comments
 //   NEW
@@ -25,7 +25,7 @@ struct Step
     QString verb; // NEW COPY EDIT SAVE CANCEL DELETE TYPE BACK NEXT SCROLL SORT FIND FILTER REOPEN
     QString field; // TYPE: the field of the row typed into
     QString text; // TYPE: what is typed; SCROLL: the value; SORT, FILTER: the name; FIND: the text
-    QList<MsgAnswer> answers; // to the Yes/No boxes the step shows, in order
+    QList<MsgAnswer> answers; // to the Yes/No(/Cancel) boxes the step shows, in order
 
     bool operator==(const Step &other) const = default;
 };
