@@ -5,6 +5,7 @@
 #include "navigator/mvplxrecs.h"
 
 #include "navigator/lockholder_p.h"
+#include "navigator/navigatortext_p.h"
 #include "services/activitylog.h"
 #include "services/recordsource/database.h"
 #include "services/texthelpers.h"
@@ -40,7 +41,7 @@ void mvPLXRecs::reportEngineError(const QString &what, const Status &status)
     // disk) that would otherwise leave the user wondering why nothing happened.
     logEntry(m_sUser, messageTitle() + QStringLiteral(": ") + what + kCrLf + status.toString(),
              m_services);
-    showBox(what + kCrLf + kCrLf + status.message(), MsgStyle::Critical, messageTitle());
+    showBox(what + kCrLf + kCrLf + statusForUser(status), MsgStyle::Critical, messageTitle());
 }
 
 QString mvPLXRecs::blankIDMessage(const QString &lastLine) const

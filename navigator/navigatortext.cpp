@@ -1,6 +1,8 @@
 // navigator/navigatortext.cpp
 #include "navigator/navigatortext_p.h"
 
+#include "services/recordsource/status.h"
+
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -75,6 +77,14 @@ QString alreadyConnectedSupportText()
 {
     return QStringLiteral("Please contact PLX Controls support (support@plxcontrols.example) "
                           "if this navigator should be connected to another table.");
+}
+
+QString statusForUser(const Status &status)
+{
+    const QString &reason = status.engineMessage();
+    if (reason.isEmpty() || status.message().contains(reason, Qt::CaseInsensitive))
+        return status.message();
+    return status.message() + QStringLiteral(" (") + reason + QStringLiteral(")");
 }
 
 } // namespace plx

@@ -4,6 +4,10 @@
 #include <QString>
 
 namespace plx {
+class Status;
+}
+
+namespace plx {
 
 // A count as "###,###,##0" formats it: thousands separated by commas, no decimals.
 QString formatRecordCount(qint64 count);
@@ -23,5 +27,9 @@ QString jetQualified(const QString &table, const QString &field);
 // One entry of a sort field list ("NAME", "NAME DESC", "first name") with its field name
 // made safe by jetName and qualified by `table`; the direction word stays.
 QString jetSortPiece(const QString &table, const QString &piece);
+
+// What failed, for a box: the library's words and, when the engine or the operating
+// system said why ("No space left on device", "database or disk is full"), its reason.
+QString statusForUser(const Status &status);
 
 } // namespace plx

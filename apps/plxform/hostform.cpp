@@ -29,6 +29,7 @@
 #include <QMessageBox>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QSignalBlocker>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -531,10 +532,17 @@ void HostForm::placeWidgets(mvPLXRecs *nav, mvName *rows, mvChecks *checks,
     m_editing = false;
     connectNavigator();
     m_nav->setBRecDisplay(true);
-    // Open on the first record of the chosen order.
-    if (auto *bar = m_nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"));
-        bar && m_nav->rs()->RecordCount() > 0)
-        bar->setValue(0);
+    // Open on the first record of the chosen order. The record source is moved and the
+    // scroll bar only follows it: a move by the scroll bar is the user's, and makes the
+    // record's parent the parent of new records, which a top-level form must not take
+    // from whatever record comes first.
+    if (m_nav->rs()->RecordCount() > 0) {
+        (void)m_nav->rs()->MoveFirst();
+        if (auto *bar = m_nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"))) {
+            const QSignalBlocker quiet(bar);
+            bar->setValue(0);
+        }
+    }
     showRecord();
 }
 

@@ -246,6 +246,10 @@ int main(int argc, char **argv)
     const bool unattended = args.isSet(QStringLiteral("script"))
         || args.isSet(QStringLiteral("screenshot")) || args.isSet(QStringLiteral("save-form"));
     Services *services = unattended ? &scripted : nullptr;
+    // Every control of the process answers to the same prompter, also one that was never
+    // handed these services (a dialog, a field made later).
+    if (unattended)
+        Services::setDefaults(&scripted);
 
     OpenRequest request;
     if (!readRequest(args, &request))

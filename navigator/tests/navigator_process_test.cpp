@@ -6,7 +6,10 @@
 #include "services/recordsource/recordsource.h"
 #include "services/texthelpers.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QSet>
 #include <QSysInfo>
 
@@ -120,6 +123,65 @@ TEST_P(TwoUsers, RecordsCreatedAtOnceNeverShareAnID)
         EXPECT_EQ(python.exitCode(), 0) << python.readAllStandardError().toStdString();
         EXPECT_EQ(python.readAllStandardOutput().trimmed(), QByteArray("1010 1010"));
     }
+}
+
+// A user's SAVE ended by a kill before each of its writes in turn: the record is then the
+// old one under its old stamp or the new one under a new stamp, never new data under the
+// old stamp, and the next user can edit it.
+TEST(SaveKilled, AtEveryWriteLeavesDataAndStampTogether)
+{
+    QTemporaryDir dir;
+    qputenv("PLX_HARROWBY_DIR", dir.filePath(QStringLiteral("inst")).toUtf8());
+    QDir().mkpath(dir.filePath(QStringLiteral("inst/WORK-PLX")));
+    const std::shared_ptr<testing::BackEnd> fox = testing::backEndNamed(QStringLiteral("FoxPro"));
+    ASSERT_TRUE(fox);
+    const QString id = QStringLiteral("PLE0000008");
+    // NAME and PLLASTREV of the record, as a fresh reader sees them.
+    auto readBack = [&](const QString &path) {
+        auto db = fox->open(QFileInfo(path).absolutePath());
+        EXPECT_TRUE(db.isOk());
+        if (!db.isOk())
+            return QStringList();
+        auto rs = db.value()->OpenRecordset(QStringLiteral("SELECT * from T WHERE ID = '") + id
+                                            + QStringLiteral("'"));
+        EXPECT_TRUE(rs.isOk());
+        if (!rs.isOk() || rs.value()->RecordCount() != 1)
+            return QStringList();
+        return QStringList{
+            rs.value()->value(QStringLiteral("NAME")).value().toString().trimmed(),
+            rs.value()->value(QStringLiteral("PLLASTREV")).value().toString().trimmed()
+        };
+    };
+    int kills = 0;
+    for (int n = 1; n <= 32; ++n) {
+        SCOPED_TRACE(n);
+        const QString round = dir.filePath(QString::number(n));
+        QDir().mkpath(round);
+        ASSERT_TRUE(fox->createTables(round, { facilityTable() }).isOk());
+        const QString path = fox->tableFile(round, QStringLiteral("T"));
+        const QStringList before = readBack(path);
+        QProcess victim;
+        victim.start(QStringLiteral(PLX_NAVIGATOR_CHILD),
+                     { QStringLiteral("killatsave"), QStringLiteral("foxpro"), path, id,
+                       QString::number(n) });
+        ASSERT_TRUE(victim.waitForFinished(20000));
+        const int code = victim.exitCode();
+        ASSERT_TRUE(code == 0 || code == 77) << code << victim.readAllStandardError().toStdString();
+        const QStringList now = readBack(path);
+        ASSERT_EQ(now.size(), 2);
+        if (now == before) {
+            EXPECT_EQ(code, 77);
+        } else {
+            EXPECT_EQ(now[0], QStringLiteral("SAVED BY THE VICTIM"));
+            EXPECT_NE(now[1], before[1]) << "new data under the old stamp";
+            EXPECT_FALSE(now[1].isEmpty());
+        }
+        if (code == 0)
+            break; // the save finished before its nth write
+        ++kills;
+    }
+    EXPECT_GE(kills, 1) << "every write of the save is a kill point";
+    qunsetenv("PLX_HARROWBY_DIR");
 }
 
 INSTANTIATE_TEST_SUITE_P(BackEnds, TwoUsers, ::testing::Values("SQLite", "FoxPro"), backEndName);

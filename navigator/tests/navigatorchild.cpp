@@ -5,9 +5,13 @@
 //                                                       "HELD", and waits to be killed
 //   navigator_child create sqlite|foxpro PATH COUNT USER  New + Save COUNT times, printing
 //                                                       each new ID in keyToASC form
+//   navigator_child killatsave foxpro PATH ID N     edits record ID's NAME and saves it, the
+//                                                   process ending before its Nth table write
+//                                                   (exit 77); 0 when the save ran whole
 // PATH is the FoxPro table file or the SQLite database file (table T).
 #include "navigator/mvplxrecs.h"
 #include "services/prompter.h"
+#include "services/recordsource/dbf/dbftesthooks_p.h"
 #include "services/recordsource/database.h"
 #include "services/texthelpers.h"
 
@@ -86,6 +90,16 @@ int main(int argc, char **argv)
         std::fflush(stdout);
         for (;;)
             QThread::sleep(1);
+    }
+    if (args[1] == QLatin1String("killatsave")) {
+        nav.SetFindFromID(args[4]);
+        nav.ClickButton(QStringLiteral("EDIT"));
+        if (!nav.bButtonEnable(QStringLiteral("SAVE")))
+            return 4;
+        (void)nav.rs()->setValue(QStringLiteral("NAME"), QStringLiteral("SAVED BY THE VICTIM"));
+        plx::dbftest::setCrashBeforeWrite(args[5].toULongLong());
+        nav.ClickButton(QStringLiteral("SAVE"));
+        return nav.bButtonEnable(QStringLiteral("SAVE")) ? 5 : 0;
     }
     // As character codes: a key may hold any character but the blank, line breaks too.
     QObject::connect(&nav, &plx::mvPLXRecs::RecAdded, [](const QString &id) {

@@ -10,6 +10,7 @@
 #include "navigator/mvplxrecs.h"
 #include "services/recordsource/recordsource.h"
 #include "tests/support/fakeenv.h"
+#include "tests/support/fulldisk.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -29,6 +30,7 @@ class SampleForm : public ::testing::TestWithParam<std::string>
 protected:
     void SetUp() override
     {
+        test::FullDisk::prepare();
         qputenv("PLX_HARROWBY_DIR", dir.path().toUtf8());
         QDir().mkpath(dir.filePath(QStringLiteral("WORK-PLX")));
         Result<SamplePaths> sample = ensureSample(dir.path());
@@ -102,6 +104,24 @@ protected:
             return QStringLiteral("?");
         }
         return QString::fromUtf8(reader.readAllStandardOutput()).trimmed();
+    }
+
+    bool isFoxPro() const { return GetParam() == "FoxPro"; }
+    // The table's files as they are on disk: the table and memo, or the database.
+    QByteArray tableBytes() const
+    {
+        QByteArray bytes;
+        const QStringList files = isFoxPro()
+            ? QStringList{ paths.foxProTable,
+                           paths.foxProTable.left(paths.foxProTable.size() - 3)
+                               + QStringLiteral("FPT") }
+            : QStringList{ paths.sqliteFile };
+        for (const QString &path : files) {
+            QFile file(path);
+            if (file.open(QIODevice::ReadOnly))
+                bytes += file.readAll();
+        }
+        return bytes;
     }
 
     test::TestServices env;
@@ -202,6 +222,53 @@ TEST_P(SampleForm, SortFindFilterNewEditCancelDeleteThroughTheMenus)
     EXPECT_EQ(env.prompter.pending(), 0);
     EXPECT_EQ(nameOnDisk(id), QString());
     EXPECT_EQ(count(), QStringLiteral("3,000 records"));
+}
+
+// The disk fills up while a record is saved: the box says so, the record stays in edit
+// with everything typed still on screen, nothing on disk changes; once there is room again
+// the same SAVE stores it. For an edit, and for a new record with a memo.
+TEST_P(SampleForm, AFullDiskDuringSaveKeepsWhatWasTypedAndChangesNothing)
+{
+    const QString notSaved = QStringLiteral("'Facilities' record has NOT been saved.");
+    auto saveOnFullDisk = [&](const char *what) {
+        SCOPED_TRACE(what);
+        const QByteArray before = tableBytes();
+        {
+            test::FullDisk full;
+            env.prompter.expectMsgBox(QStringLiteral("mvPLXRecs Facilities"), QString(), 16,
+                                      MsgAnswer::OK);
+            menu("mnuSave");
+        }
+        ASSERT_EQ(env.prompter.pending(), 0);
+        const QString box = env.prompter.shown().constLast().text;
+        EXPECT_TRUE(box.startsWith(notSaved + QStringLiteral("\r\n\r\n"))) << box.toStdString();
+        EXPECT_TRUE(box.contains(isFoxPro() ? QStringLiteral("No space left on device")
+                                            : QStringLiteral("database or disk is full")))
+            << box.toStdString();
+        EXPECT_TRUE(window->statusText().endsWith(QStringLiteral("Editing")))
+            << window->statusText().toStdString();
+        EXPECT_EQ(tableBytes(), before);
+    };
+
+    menu("mnuEdit");
+    const QString edited = nav()->sCurrentID().trimmed();
+    type("NAME", QStringLiteral("Typed As The Disk Filled"));
+    saveOnFullDisk("edit");
+    EXPECT_EQ(shown("NAME"), QStringLiteral("Typed As The Disk Filled"));
+    menu("mnuSave");
+    EXPECT_EQ(nameOnDisk(edited), QStringLiteral("Typed As The Disk Filled"));
+
+    menu("mnuNew");
+    const QString made = nav()->sCurrentID().trimmed();
+    type("NAME", QStringLiteral("Full Disk Manor"));
+    type("CITY", QStringLiteral("Camden"));
+    type("NOTES", QStringLiteral("A memo written\nwhile the disk was full."));
+    saveOnFullDisk("new record with a memo");
+    EXPECT_EQ(shown("NAME"), QStringLiteral("Full Disk Manor"));
+    EXPECT_EQ(shown("NOTES"), QStringLiteral("A memo written\nwhile the disk was full."));
+    menu("mnuSave");
+    EXPECT_EQ(nameOnDisk(made), QStringLiteral("Full Disk Manor"));
+    EXPECT_TRUE(window->statusText().endsWith(QStringLiteral("Browsing")));
 }
 
 TEST_P(SampleForm, FiltersAreCheckedOnTheTableBeforeTheyAreKept)

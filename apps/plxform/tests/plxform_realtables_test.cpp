@@ -430,6 +430,34 @@ TEST_F(RealTables, TheStatusBarCountsOneRecordInTheSingular)
         << window->statusText().toStdString();
 }
 
+// The first record of the order is a child record (its ID is its parent's and seven more
+// characters). Opening on it is no move of the user's: a new record of this top-level
+// form still gets a top-level ID.
+TEST_F(RealTables, OpeningOnAChildRecordKeepsTheFormsParentID)
+{
+    const QString path = dir.filePath(QStringLiteral("family.sqlite"));
+    sqlite3 *db = nullptr;
+    ASSERT_EQ(sqlite3_open(path.toUtf8().constData(), &db), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(db,
+                           "CREATE TABLE T (ID TEXT, NAME TEXT);"
+                           "INSERT INTO T VALUES ('PLE0000001XYZ0001', 'Aaron');"
+                           "INSERT INTO T VALUES ('PLE0000002', 'Zoe');",
+                           nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    sqlite3_close(db);
+    FormDescription form;
+    form.database = path;
+    form.table = QStringLiteral("T");
+    form.idField = QStringLiteral("ID");
+    ASSERT_TRUE(open(form));
+    ASSERT_EQ(window->navigator()->sCurrentID(), QStringLiteral("PLE0000001XYZ0001"));
+    EXPECT_EQ(window->navigator()->sParentID(), QStringLiteral("PLE"));
+    window->navigator()->ClickButton(QStringLiteral("NEW"));
+    const QString made = window->navigator()->sCurrentID().trimmed();
+    EXPECT_EQ(made.size(), 10) << made.toStdString();
+    EXPECT_TRUE(made.startsWith(QLatin1String("PLE000000"))) << made.toStdString();
+}
+
 class SampleWindow : public RealTables
 {
 protected:

@@ -2,6 +2,8 @@
 // find and filters, and the rows, written out for the sample form.
 #include "apps/plxform/tests/sessionwalk_model.h"
 
+#include <QHash>
+
 #include <QDate>
 #include <QLocale>
 
@@ -131,9 +133,19 @@ QStringList WalkModel::sortKey(const Record &record) const
         }
         const QString spelled = value.normalized(QString::NormalizationForm_D).toCaseFolded();
         QString letters;
-        for (const QChar c : spelled)
-            if (c.category() != QChar::Mark_NonSpacing)
-                letters += c;
+        for (const QChar c : spelled) {
+            if (c.category() == QChar::Mark_NonSpacing)
+                continue;
+            // Letters a reader files under other letters, as the generated IDs hold them.
+            static const QHash<QChar, QString> filedAs = {
+                { QChar(0x00E6), QStringLiteral("ae") }, { QChar(0x0153), QStringLiteral("oe") },
+                { QChar(0x00DF), QStringLiteral("ss") }, { QChar(0x00F8), QStringLiteral("o") },
+                { QChar(0x0111), QStringLiteral("d") },  { QChar(0x00F0), QStringLiteral("d") },
+                { QChar(0x0142), QStringLiteral("l") },  { QChar(0x00FE), QStringLiteral("th") },
+                { QChar(0x0131), QStringLiteral("i") },  { QChar(0x0127), QStringLiteral("h") },
+            };
+            letters += filedAs.value(c, QString(c));
+        }
         key << letters + QChar(1) + spelled;
     }
     return key;

@@ -1,6 +1,7 @@
 // services/recordsource/dbf/dbfnative_posix.cpp: positioned I/O, stamps and mappings on
 // POSIX systems.
 #include "services/recordsource/dbf/dbfio_p.h"
+#include "services/recordsource/dbf/dbftesthooks_p.h"
 #include "services/recordsource/dbf/filemapping_p.h"
 
 #include <QFile>
@@ -56,6 +57,8 @@ Result<qint64> readAt(FileHandle file, qint64 offset, char *data, qint64 length,
 
 Status writeAt(FileHandle file, qint64 offset, const char *data, qint64 length, const QString &path)
 {
+    if (const int injected = dbftest::injectedWriteError(); injected != 0)
+        return osError(path, "cannot write", injected);
     countWrite();
     qint64 done = 0;
     while (done < length) {

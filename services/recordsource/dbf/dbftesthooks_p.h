@@ -28,6 +28,13 @@ void setCrashBeforeWrite(quint64 n);
 // Called by every table and memo write before it writes.
 void beforeWrite();
 
+// Makes every table and memo write fail with the operating system's error `error` (ENOSPC:
+// a full disk) before it writes anything, until called again with 0, so that tests see what
+// a user sees when the disk fills up during a save.
+void setFailWrites(int error);
+// The error armed by setFailWrites; 0 when writes go through.
+int injectedWriteError();
+
 // Makes every pass over a table read it in blocks, as while a new mapping of a large file is
 // still being populated, so that tests reach that path with small files.
 void setScanByReads(bool on);

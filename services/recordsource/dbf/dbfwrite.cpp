@@ -53,6 +53,20 @@ void beforeWrite()
 }
 
 namespace {
+std::atomic<int> g_failWrites{ 0 };
+}
+
+void setFailWrites(int error)
+{
+    g_failWrites = error;
+}
+
+int injectedWriteError()
+{
+    return g_failWrites.load(std::memory_order_relaxed);
+}
+
+namespace {
 std::atomic<bool> g_scanByReads{ false };
 }
 

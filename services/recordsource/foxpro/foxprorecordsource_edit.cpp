@@ -133,9 +133,19 @@ Status FoxProRecordSource::setValue(int index, const QVariant &value)
                       QStringLiteral("a value can only be set between AddNew or Edit and Update"));
     if (index < 0 || index >= m_buffer.size())
         return Status(Status::Code::InvalidArgument, QStringLiteral("no field %1").arg(index));
-    Result<QVariant> converted = fieldValue(m_table->fieldInfos().at(index), value);
+    const FieldInfo &field = m_table->fieldInfos().at(index);
+    Result<QVariant> converted = fieldValue(field, value);
     if (!converted.isOk())
         return converted.status();
+    // Text the table's code page cannot hold is refused now, naming the field, rather
+    // than at Update, where the whole record would fail.
+    if ((field.type == FieldType::Text || field.type == FieldType::Memo)
+        && !jet::isNull(converted.value()) && !m_table->encode(converted.value().toString()).isOk())
+        return Status(Status::Code::InvalidArgument,
+                      QStringLiteral("the text for field %1 has characters that code page %2 "
+                                     "cannot hold")
+                          .arg(field.name)
+                          .arg(m_table->codePage()));
     m_buffer[index] = converted.value();
     return Status::ok();
 }
