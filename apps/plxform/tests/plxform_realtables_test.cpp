@@ -19,6 +19,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QListWidget>
 #include <QScreen>
 #include <QTemporaryDir>
@@ -175,6 +176,38 @@ TEST_F(RealTables, ATableWithoutAnIDFieldGetsATypedKeyAndNoMadeIDs)
     EXPECT_FALSE(window->navigator()->bGenerateIDs());
     EXPECT_EQ(row("RN")->sMode(), QStringLiteral("Number"));
     EXPECT_EQ(row("RN")->MaxLength(), 4);
+}
+
+// A table file named by a number, with a blank, or by an SQL keyword opens, sorts and
+// takes a new record under a key the user types.
+TEST_F(RealTables, TablesNamedByNumbersBlanksOrKeywordsOpenAndTakeNewRecords)
+{
+    const QString people = copied(QStringLiteral("people.dbf"));
+    REQUIRE_SAMPLE(people);
+    for (const char *name : { "91.dbf", "my people.dbf", "ORDER.DBF" }) {
+        SCOPED_TRACE(name);
+        const QString path = dir.filePath(QString::fromLatin1(name));
+        ASSERT_TRUE(QFile::copy(people, path));
+        QFile(path).setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+        ASSERT_TRUE(openFile(path));
+        EXPECT_EQ(window->windowTitle(),
+                  QFileInfo(path).completeBaseName() + QStringLiteral(" - plxform"));
+        mvPLXRecs *nav = window->navigator();
+        ASSERT_EQ(nav->rs()->RecordCount(), 2);
+        auto *sorts = nav->findChild<QComboBox *>(QStringLiteral("cboSort"));
+        sorts->setCurrentIndex(1);
+        Q_EMIT sorts->activated(1);
+        EXPECT_EQ(nav->rs()->RecordCount(), 2);
+        nav->ClickButton(QStringLiteral("NEW"));
+        for (qint16 n = 0; n <= window->textRows()->nUbound(); ++n)
+            if (window->textRows()->sFieldName(n) == QLatin1String("NAME"))
+                window->textRows()->setSValue(n, QStringLiteral("Zed"));
+        nav->ClickButton(QStringLiteral("SAVE"));
+        EXPECT_FALSE(nav->bButtonEnable(QStringLiteral("SAVE")));
+        EXPECT_EQ(nav->rs()->RecordCount(), 3);
+        EXPECT_EQ(nav->sCurrentID().trimmed(), QStringLiteral("Zed"));
+        EXPECT_EQ(env.prompter.shown().size(), 0);
+    }
 }
 
 TEST_F(RealTables, AUniqueIndexTagIsTheKeyAndTagsAreOfferedAsSorts)
