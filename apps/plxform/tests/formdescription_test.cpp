@@ -2,6 +2,9 @@
 // and read back; files that are wrong in every way a user can make them wrong.
 #include "apps/plxform/formdescription.h"
 
+#include "services/ini.h"
+
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -230,6 +233,78 @@ TEST(FormDescription, TableOptionsAreReadWrittenAndCheckedNotFatal)
     EXPECT_TRUE(back.value().generateIDs);
     EXPECT_EQ(back.value().codePage, 0);
     EXPECT_TRUE(back.value().collate.isEmpty());
+}
+
+// A description of `rows` rows as users write them: ~23 bytes a row.
+QByteArray manyRows(int rows)
+{
+    QByteArray text = "[FORM]\r\nFile=/data/T.DBF\r\nDesc=Many\r\n";
+    text.reserve(rows * 24 + 64);
+    for (int i = 1; i <= rows; ++i) {
+        const QByteArray n = QByteArray::number(i);
+        text += "[ROW" + n + "]\r\nField=F" + n + "\r\n";
+    }
+    return text;
+}
+
+TEST(FormDescription, AHundredThousandRowsAreReadWholeAndAtOnce)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("many.ini"));
+    const QByteArray text = manyRows(100000);
+    ASSERT_GT(text.size(), 2000000);
+    writeText(path, text);
+    QStringList warnings;
+    QElapsedTimer timer;
+    timer.start();
+    Result<FormDescription> read = loadFormDescription(path, &warnings);
+    // Reading every value from the file again took over two minutes; parsed once it takes
+    // a fraction of a second. The bound leaves room for a slow, busy machine.
+    EXPECT_LT(timer.elapsed(), 10000);
+    ASSERT_TRUE(read.isOk()) << read.status().message().toStdString();
+    EXPECT_TRUE(warnings.isEmpty());
+    ASSERT_EQ(read.value().rows.size(), 100000);
+    EXPECT_EQ(read.value().rows.first().field, QStringLiteral("F1"));
+    EXPECT_EQ(read.value().rows[49999].field, QStringLiteral("F50000"));
+    EXPECT_EQ(read.value().rows.last().field, QStringLiteral("F100000"));
+}
+
+TEST(FormDescription, OversizeFilesAndValuesAreRefusedNeverCut)
+{
+    QTemporaryDir dir;
+    // A file over 16 MB is refused unread, whatever it begins with.
+    const QString huge = dir.filePath(QStringLiteral("huge.ini"));
+    QByteArray text = "[FORM]\r\nFile=/data/T.DBF\r\n[ROW1]\r\nField=NAME\r\n";
+    text += QByteArray(kMaxSettingsFileBytes + 1 - text.size(), ' ');
+    writeText(huge, text);
+    QStringList warnings;
+    const Status refused = loadFormDescription(huge, &warnings).status();
+    EXPECT_EQ(refused.message(), huge + QStringLiteral(" is larger than 16 MB and was not read"));
+    EXPECT_NE(refused.code(), Status::Code::Ok);
+    text.chop(1); // at the limit it is read
+    writeText(huge, text);
+    ASSERT_TRUE(loadFormDescription(huge, &warnings).isOk());
+
+    // Values past the settings reader's 1,998 characters are read whole; values past 64 KB
+    // are refused with a warning.
+    QByteArray sorts;
+    for (int i = 1; i <= 200; ++i)
+        sorts += "|Sort " + QByteArray::number(i) + ":FIELD" + QByteArray::number(i);
+    ASSERT_GT(sorts.size(), 1998);
+    const QString path = dir.filePath(QStringLiteral("long.ini"));
+    writeText(path,
+              "[FORM]\r\nFile=/data/T.DBF\r\nSorts=" + sorts.mid(1) + "\r\n[ROW1]\r\nCaption="
+                  + QByteArray(kMaxSettingsValueChars + 1, 'c') + "\r\nField=NAME\r\n");
+    warnings.clear();
+    Result<FormDescription> read = loadFormDescription(path, &warnings);
+    ASSERT_TRUE(read.isOk());
+    ASSERT_EQ(read.value().sorts.size(), 200);
+    EXPECT_EQ(read.value().sorts.last(),
+              qMakePair(QStringLiteral("Sort 200"), QStringLiteral("FIELD200")));
+    EXPECT_EQ(warnings, QStringList{ QStringLiteral(
+                            "Caption in [ROW1] is longer than 64 KB and was not read") });
+    ASSERT_EQ(read.value().rows.size(), 1);
+    EXPECT_EQ(read.value().rows[0].caption, QString());
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 // apps/plxform/tests/sessionwalk_driver.cpp
 #include "apps/plxform/tests/sessionwalk_driver.h"
 
+#include "tests/support/fulldisk.h"
+
 #include "apps/plxform/hostform.h"
 #include "fields/mvname.h"
 #include "mervane/mvtext.h"
@@ -129,6 +131,10 @@ void FormDriver::perform(const Step &step)
         pickFilter(step.text);
     } else if (v == QLatin1String("REOPEN")) {
         reopen();
+    } else if (v == QLatin1String("FULLSAVE")) {
+        // The disk is full for the length of one SAVE.
+        const test::FullDisk full;
+        clickToolbar(QStringLiteral("SAVE"));
     }
     QApplication::processEvents();
 }

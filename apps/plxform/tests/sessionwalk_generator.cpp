@@ -19,10 +19,11 @@ constexpr Weighted kBrowsing[] = { { "NEW", 7 },  { "COPY", 4 },   { "EDIT", 16 
                                    { "BACK", 9 }, { "NEXT", 9 },   { "SCROLL", 8 }, { "SORT", 5 },
                                    { "FIND", 7 }, { "FILTER", 5 }, { "REOPEN", 1 }, { "TYPE", 1 },
                                    { "SAVE", 1 }, { "CANCEL", 1 } };
-constexpr Weighted kEditing[] = { { "TYPE", 56 }, { "SAVE", 14 }, { "CANCEL", 12 },
-                                  { "BACK", 2 },  { "NEXT", 2 },  { "SCROLL", 2 },
-                                  { "NEW", 1 },   { "EDIT", 1 },  { "DELETE", 1 },
-                                  { "SORT", 1 },  { "FIND", 1 },  { "REOPEN", 2 } };
+constexpr Weighted kEditing[] = { { "TYPE", 56 },   { "SAVE", 14 }, { "CANCEL", 12 },
+                                  { "BACK", 2 },    { "NEXT", 2 },  { "SCROLL", 2 },
+                                  { "NEW", 1 },     { "EDIT", 1 },  { "DELETE", 1 },
+                                  { "SORT", 1 },    { "FIND", 1 },  { "REOPEN", 2 },
+                                  { "FULLSAVE", 2 } };
 
 const QStringList kNames = {
     QStringLiteral("Quarry Hill"), QStringLiteral("Birch"),     QStringLiteral("Oak Ridge"),

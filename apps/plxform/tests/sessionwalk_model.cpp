@@ -387,7 +387,7 @@ Expectation WalkModel::apply(const Step &step, const QDateTime &now)
         m_typed.clear();
     } else if (v == QLatin1String("TYPE")) {
         return typeInto(step);
-    } else if (v == QLatin1String("SAVE") && m_editing) {
+    } else if ((v == QLatin1String("SAVE") || v == QLatin1String("FULLSAVE")) && m_editing) {
         return save(step, now);
     } else if (v == QLatin1String("CANCEL") && m_editing) {
         return cancel(step);
@@ -507,7 +507,6 @@ bool WalkModel::saveRefused(Expectation *e, const QString &newID)
 
 Expectation WalkModel::save(const Step &step, const QDateTime &now)
 {
-    Q_UNUSED(step)
     Expectation e;
     // The form validates first: a record needs a name and a city (what the rows show).
     QStringList missing;
@@ -523,21 +522,36 @@ Expectation WalkModel::save(const Step &step, const QDateTime &now)
         return e;
     }
     Record r = m_table[m_editedID];
+    QStringList refused;
     for (const QString &field : rowFields()) {
         if (!m_typed.contains(field) || m_typed[field] == displayOf(field, r.value(field)))
             continue; // what the row loaded is not written again
-        if (const std::optional<QString> stored = storedValue(field, m_typed[field]))
+        if (const std::optional<QString> stored = storedValue(field, m_typed[field])) {
             r[field] = *stored;
-        else
-            e.boxes << patternBox(
-                QStringLiteral("Value Not Saved"),
-                QRegularExpression::escape(caption(field))
-                    + QStringLiteral(" .+\r\n\r\nThe field keeps its former value\\."),
-                MsgStyle::Exclamation);
+            continue;
+        }
+        refused << field;
+        e.boxes << patternBox(
+            QStringLiteral("Value Not Saved"),
+            QRegularExpression::escape(caption(field))
+                + QStringLiteral(" .+\r\n\r\nThe field keeps its former value\\."),
+            MsgStyle::Exclamation);
     }
     const QString newID = r.value(QStringLiteral("ID"));
     if (saveRefused(&e, newID))
         return e;
+    if (step.verb == QLatin1String("FULLSAVE")) {
+        // The write fails on the full disk: the box says why, nothing is written, the
+        // record stays in edit with what was typed; a refused row shows its former value.
+        for (const QString &field : std::as_const(refused))
+            m_typed.remove(field);
+        e.boxes << patternBox(QStringLiteral("mvPLXRecs Facilities"),
+                              QRegularExpression::escape(notSavedText())
+                                  + QStringLiteral("\r\n\r\n.*(No space left on device|"
+                                                   "database or disk is full).*"),
+                              MsgStyle::Critical);
+        return e;
+    }
     r[QStringLiteral("PLLASTREV")] = stamp(now);
     const bool wasNew = m_newRecord && *m_newRecord == m_editedID;
     m_table.remove(m_editedID);

@@ -24,6 +24,8 @@
 // - a value a row refuses is told in a "Value Not Saved" box, the field keeps its former
 //   value, the other rows are saved, and the row shows the kept value afterwards;
 // - an empty value is refused in number and date rows; Upper rows store upper case;
+// - SAVE on a full disk (FULLSAVE) says why in one box, writes nothing and keeps the edit
+//   with what was typed;
 // - closing during an edit asks Yes (save and close), No (cancel and close) or Cancel
 //   (go on editing); a refused save keeps the form open.
 #pragma once

@@ -1,6 +1,8 @@
 // apps/plxform/tests/sessionwalk_runner.cpp
 #include "apps/plxform/tests/sessionwalk_runner.h"
 
+#include "tests/support/fulldisk.h"
+
 #include "apps/plxform/sampledata.h"
 #include "apps/plxform/tests/sessionwalk_driver.h"
 #include "apps/plxform/tests/sessionwalk_generator.h"
@@ -102,6 +104,7 @@ std::optional<WalkFailure> Walk::start()
 {
     if (!copyTree(sample()->root, m_data.path()))
         return WalkFailure{ -1, QStringLiteral("setup"), QStringLiteral("cannot copy the sample") };
+    test::FullDisk::prepare(); // before any database opens, so a FULLSAVE can fill the disk
     m_form = std::make_unique<FormDriver>(m_options.backend, m_data.path());
     ModelOptions mo;
     mo.backend = m_options.backend;

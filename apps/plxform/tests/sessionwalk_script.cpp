@@ -5,13 +5,13 @@ namespace plx::walk {
 
 namespace {
 
-const QStringList kVerbs = { QStringLiteral("NEW"),    QStringLiteral("COPY"),
-                             QStringLiteral("EDIT"),   QStringLiteral("SAVE"),
-                             QStringLiteral("CANCEL"), QStringLiteral("DELETE"),
-                             QStringLiteral("TYPE"),   QStringLiteral("BACK"),
-                             QStringLiteral("NEXT"),   QStringLiteral("SCROLL"),
-                             QStringLiteral("SORT"),   QStringLiteral("FIND"),
-                             QStringLiteral("FILTER"), QStringLiteral("REOPEN") };
+const QStringList kVerbs = {
+    QStringLiteral("NEW"),    QStringLiteral("COPY"),   QStringLiteral("EDIT"),
+    QStringLiteral("SAVE"),   QStringLiteral("CANCEL"), QStringLiteral("DELETE"),
+    QStringLiteral("TYPE"),   QStringLiteral("BACK"),   QStringLiteral("NEXT"),
+    QStringLiteral("SCROLL"), QStringLiteral("SORT"),   QStringLiteral("FIND"),
+    QStringLiteral("FILTER"), QStringLiteral("REOPEN"), QStringLiteral("FULLSAVE")
+};
 
 QString escaped(const QString &text)
 {
