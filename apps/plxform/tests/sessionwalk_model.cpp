@@ -2,6 +2,8 @@
 // find and filters, and the rows, written out for the sample form.
 #include "apps/plxform/tests/sessionwalk_model.h"
 
+#include "services/cp1252.h"
+
 #include <QHash>
 
 #include <QDate>
@@ -119,8 +121,7 @@ QStringList WalkModel::filterNames()
 
 QStringList WalkModel::sortKey(const Record &record) const
 {
-    // Each back end's text order: a FoxPro table compares its code page's bytes (the
-    // walk types only characters whose Windows-1252 byte is their code point); SQLite
+    // Each back end's text order: a FoxPro table compares its code page's bytes; SQLite
     // compares letters without case and accents first, then the accents, a letter
     // without one first. Null and blank (the same thing in a FoxPro table) come first.
     const bool bytes = m_options.backend == Backend::FoxPro;
@@ -128,7 +129,11 @@ QStringList WalkModel::sortKey(const Record &record) const
     for (const QString &field : sortFields(m_sort)) {
         const QString value = record.value(field);
         if (bytes) {
-            key << value;
+            // The bytes of Windows-1252 (the sample table's code page), one character each.
+            QString codes;
+            for (const QChar c : value)
+                codes += QChar(char16_t(cp1252::fromUnicode(c)));
+            key << codes;
             continue;
         }
         const QString spelled = value.normalized(QString::NormalizationForm_D).toCaseFolded();
