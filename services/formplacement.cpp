@@ -4,6 +4,7 @@
 
 #include "services/ini.h"
 #include "services/monitors.h"
+#include "services/savedplacement_p.h"
 #include "services/texthelpers.h"
 
 #include <QWidget>
@@ -31,13 +32,6 @@ bool multipleMonitorsSetting()
     return getINIBool(configSection(), QStringLiteral("MultipleMonitors"), true, QString());
 }
 
-// The stored number of twips under key base & `ending`, or `def` when the key is missing.
-double readTwips(const QString &file, const QString &keyBase, const char *ending, qint32 def)
-{
-    const QString key = keyBase + QLatin1String(ending);
-    return cValP(getINIString(configSection(), key, QString::number(def), file));
-}
-
 bool writeTwips(const QString &file, const QString &keyBase, const char *ending, qint32 twips)
 {
     return writeINI(configSection(), keyBase + QLatin1String(ending), file, QString::number(twips));
@@ -53,6 +47,77 @@ QRectF frameInTwips(const QWidget *form, const clsMonitors &m)
 void moveToTwips(QWidget *form, const QPointF &twips, const clsMonitors &m)
 {
     form->move(m.twipsToPixelsX(twips.x()), m.twipsToPixelsY(twips.y()));
+}
+
+struct StoredSize
+{
+    SavedTwips height, width;
+};
+
+struct StoredPosition
+{
+    SavedTwips left, top;
+};
+
+// "-H" and "-W", judged. Defaults: the given ones, or the current size for one below 1.
+StoredSize readSize(const QWidget *form, const QString &file, const QString &keyBase,
+                    qint32 defaultHeight, qint32 defaultWidth, const clsMonitors &m)
+{
+    StoredSize size{
+        readSavedTwips(file, keyBase + QStringLiteral("-H"),
+                       defaultHeight < 1 ? m.pixelsToTwipsY(form->height()) : defaultHeight),
+        readSavedTwips(file, keyBase + QStringLiteral("-W"),
+                       defaultWidth < 1 ? m.pixelsToTwipsX(form->width()) : defaultWidth)
+    };
+    const PlacementLimits limits(m);
+    limits.judgeSize(size.height, Qt::Vertical);
+    limits.judgeSize(size.width, Qt::Horizontal);
+    return size;
+}
+
+// The client size `size` gives the form: a usable number above 0 replaces that side.
+QSize sizeAfter(const QWidget *form, const StoredSize &size, const clsMonitors &m)
+{
+    QSize client = form->size();
+    if (size.height.usable() && size.height.twips > 0)
+        client.setHeight(m.twipsToPixelsY(size.height.twips));
+    if (size.width.usable() && size.width.twips > 0)
+        client.setWidth(m.twipsToPixelsX(size.width.twips));
+    return client;
+}
+
+// "-X" and "-Y", judged for a form whose frame will be `frame` pixels. Defaults: the given
+// ones, or the current position for one below 1.
+StoredPosition readPosition(const QWidget *form, const QString &file, const QString &keyBase,
+                            qint32 defaultLeft, qint32 defaultTop, const QSize &frame,
+                            const clsMonitors &m)
+{
+    StoredPosition position{
+        readSavedTwips(file, keyBase + QStringLiteral("-X"),
+                       defaultLeft < 1 ? m.pixelsToTwipsX(form->x()) : defaultLeft),
+        readSavedTwips(file, keyBase + QStringLiteral("-Y"),
+                       defaultTop < 1 ? m.pixelsToTwipsY(form->y()) : defaultTop)
+    };
+    const PlacementLimits limits(m);
+    limits.judgePosition(position.left, frame.width(), Qt::Horizontal);
+    limits.judgePosition(position.top, frame.height(), Qt::Vertical);
+    return position;
+}
+
+// The frame a form of client size `client` has (the frame adds what it adds now).
+QSize frameFor(const QWidget *form, const QSize &client)
+{
+    return client + (form->frameGeometry().size() - form->size());
+}
+
+// Moves the form where the reachability rule puts the stored position.
+void placeReachably(QWidget *form, const StoredPosition &position, const clsMonitors &m)
+{
+    // The rule runs on the stored twips, before they are rounded to pixels, so that its
+    // edges fall where the numbers in the file say they do.
+    const QRectF frame = frameInTwips(form, m);
+    const QRectF restored(position.left.twips, position.top.twips, frame.width(), frame.height());
+    moveToTwips(form, reachableFormPosition(restored, multipleMonitorsSetting(), m), m);
 }
 
 } // namespace
@@ -109,16 +174,11 @@ void restoreFormSize(QWidget *form, const QString &suffix, qint32 defaultHeight,
         return;
     const clsMonitors m(monitors);
     const QString file = settingsFile(iniFile);
-    const QString keyBase = formKeyBase(form, suffix);
-
-    const double height = readTwips(
-        file, keyBase, "-H", defaultHeight < 1 ? m.pixelsToTwipsY(form->height()) : defaultHeight);
-    if (height > 0)
-        form->resize(form->width(), m.twipsToPixelsY(height));
-    const double width = readTwips(
-        file, keyBase, "-W", defaultWidth < 1 ? m.pixelsToTwipsX(form->width()) : defaultWidth);
-    if (width > 0)
-        form->resize(m.twipsToPixelsX(width), form->height());
+    const StoredSize size =
+        readSize(form, file, formKeyBase(form, suffix), defaultHeight, defaultWidth, m);
+    if (const QString refused = refusedValues({ size.height, size.width }); !refused.isEmpty())
+        logRefusedPlacement(QStringLiteral("restoreFormSize"), file, refused);
+    form->resize(sizeAfter(form, size, m));
 }
 
 void restoreFormPosition(QWidget *form, const QString &suffix, qint32 defaultLeft,
@@ -128,17 +188,15 @@ void restoreFormPosition(QWidget *form, const QString &suffix, qint32 defaultLef
         return;
     const clsMonitors m(monitors);
     const QString file = settingsFile(iniFile);
-    const QString keyBase = formKeyBase(form, suffix);
-
-    const double left =
-        readTwips(file, keyBase, "-X", defaultLeft < 1 ? m.pixelsToTwipsX(form->x()) : defaultLeft);
-    const double top =
-        readTwips(file, keyBase, "-Y", defaultTop < 1 ? m.pixelsToTwipsY(form->y()) : defaultTop);
-    // The rule runs on the stored twips, before they are rounded to pixels, so that its
-    // edges fall where the numbers in the file say they do.
-    const QRectF frame = frameInTwips(form, m);
-    const QRectF restored(left, top, frame.width(), frame.height());
-    moveToTwips(form, reachableFormPosition(restored, multipleMonitorsSetting(), m), m);
+    const StoredPosition position = readPosition(form, file, formKeyBase(form, suffix), defaultLeft,
+                                                 defaultTop, form->frameGeometry().size(), m);
+    if (const QString refused = refusedValues({ position.left, position.top });
+        !refused.isEmpty()) {
+        logRefusedPlacement(QStringLiteral("restoreFormPosition"), file, refused);
+        setFormCenter(form, monitors);
+        return;
+    }
+    placeReachably(form, position, m);
 }
 
 void setFormCenter(QWidget *form, const MonitorList *monitors)
@@ -162,8 +220,25 @@ bool saveFormPlacement(QWidget *form, const QString &suffix, const QString &iniF
 void restoreFormPlacement(QWidget *form, const QString &suffix, const QString &iniFile,
                           const MonitorList *monitors)
 {
-    restoreFormSize(form, suffix, 0, 0, iniFile, monitors);
-    restoreFormPosition(form, suffix, 0, 0, iniFile, monitors);
+    if (!form)
+        return;
+    const clsMonitors m(monitors);
+    const QString file = settingsFile(iniFile);
+    const QString keyBase = formKeyBase(form, suffix);
+    // All four numbers are judged before any is used, so that damage anywhere gives one
+    // log entry and one outcome: the designed size, centred.
+    const StoredSize size = readSize(form, file, keyBase, 0, 0, m);
+    const QSize client = sizeAfter(form, size, m);
+    const StoredPosition position =
+        readPosition(form, file, keyBase, 0, 0, frameFor(form, client), m);
+    const QString refused = refusedValues({ size.height, size.width, position.left, position.top });
+    if (!refused.isEmpty()) {
+        logRefusedPlacement(QStringLiteral("restoreFormPlacement"), file, refused);
+        setFormCenter(form, monitors);
+        return;
+    }
+    form->resize(client);
+    placeReachably(form, position, m);
 }
 
 QPointF centredFormPosition(const QSizeF &formTwips, const clsMonitors &monitors)

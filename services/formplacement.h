@@ -21,6 +21,14 @@
 // on purpose: a form slightly off the right is still reachable by its title bar, one off
 // the left or top may have lost it.
 //
+// Damaged settings: a stored number no form could have been saved with (text without a
+// number, a negative size, a side under 32 pixels or larger than the virtual desktop, a
+// position more than 16384 pixels away from it) is refused before it is used: the form
+// keeps its default size and is centred on the primary monitor, and the activity log gets
+// one entry naming each refused key and value. A stored 0 size or a blank value means
+// nothing was saved (the size is left alone, the position is the default). Positions
+// nearer the desktop, on it or not, follow the reachability rule above.
+//
 // Geometry of the form: Left/Top are the frame's top-left corner (QWidget::pos(), which
 // move() sets); Width/Height are the client size (QWidget::size(), which resize() sets),
 // so that a save and a restore round-trip exactly, even before a window has a frame. The
@@ -64,15 +72,15 @@ bool saveFormSize(QWidget *form, const QString &suffix, const QString &iniFile,
 
 // Restore size: reads "-H" with the default text of `defaultHeight` (of the form's current
 // height when `defaultHeight` < 1) and, when the number read (cValP) is above 0, makes it
-// the form's height; then the same for "-W" and the width. A value whose number is 0 or
-// below (a stored 0, a negative, text without digits) leaves that side alone.
+// the form's height; then the same for "-W" and the width. A stored 0 leaves that side
+// alone; so does a refused value (see above), which is logged.
 void restoreFormSize(QWidget *form, const QString &suffix, qint32 defaultHeight,
                      qint32 defaultWidth, const QString &iniFile,
                      const MonitorList *monitors = nullptr);
 
 // Restore position: reads "-X" and "-Y" (defaults: the given value, or the form's current
 // one when the given value is below 1), then moves the form to where the reachability rule
-// puts it (see reachableFormPosition).
+// puts it (see reachableFormPosition). A refused value is logged and centres the form.
 void restoreFormPosition(QWidget *form, const QString &suffix, qint32 defaultLeft,
                          qint32 defaultTop, const QString &iniFile,
                          const MonitorList *monitors = nullptr);
@@ -86,7 +94,8 @@ bool saveFormPlacement(QWidget *form, const QString &suffix, const QString &iniF
                        const MonitorList *monitors = nullptr);
 // Restore size, then restore position, each with the form's current geometry as the
 // default, so a first opening keeps the designed geometry. Size goes first because the
-// reachability rule measures the restored size.
+// reachability rule measures the restored size. All four values are judged first: when
+// any is refused, one log entry names them and the form keeps its size, centred.
 void restoreFormPlacement(QWidget *form, const QString &suffix, const QString &iniFile,
                           const MonitorList *monitors = nullptr);
 

@@ -13,14 +13,40 @@
 // re-reads the file, changes it, writes a temporary file beside it, syncs it and renames it
 // over the original. Readers never see a half-written file. The ".lock" file is left in
 // place (removing it would race with the next writer).
+//
+// A writer waits for the lock at most kSettingsLockWait (2 seconds): a process that keeps
+// the lock (hung, stopped in a debugger) must not freeze every program that saves a
+// setting. Past the wait the write goes ahead without the lock and the activity log gets
+// one entry naming the file; for the next 30 seconds further writes of that file try the
+// lock once without waiting (and without logging again), so that saving several settings
+// costs one wait, not one per setting. Readers take no lock and never wait.
+//
+// Files over kMaxSettingsFileBytes (16 MB) are no settings files: a damaged or runaway file
+// is never read into memory. The readers treat it as missing (defaults), the writer leaves
+// it alone (false), and getINISections and settingsFileSizeProblem say why.
 #pragma once
 
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
+
 namespace plx {
 
 struct Services;
+
+// The longest wait for another process's lock on a settings file before writing without it.
+inline constexpr std::chrono::milliseconds kSettingsLockWait{ 2000 };
+// The largest settings file (form descriptions and filter files included) that is read.
+inline constexpr qint64 kMaxSettingsFileBytes = qint64(16) * 1024 * 1024;
+// The longest value a reader of whole values (IniSnapshot users) accepts; longer values are
+// refused with a warning rather than cut.
+inline constexpr qsizetype kMaxSettingsValueChars = qsizetype(64) * 1024;
+
+// "" when `file` may be read; for a file over kMaxSettingsFileBytes the message
+// "<file> is larger than 16 MB and was not read". Loaders of user-edited settings files
+// call it first, so that the user hears why nothing was read.
+QString settingsFileSizeProblem(const QString &file);
 
 // Reads section/key of `file` into `value`; the trimmed default when the file or key is
 // missing. Values longer than 1,998 characters are cut to 1,998.
@@ -47,7 +73,8 @@ qint16 getINIInt(const QString &section, const QString &key, qint16 def, const Q
 // The section names of `file`; element 0 is always present and empty, names start at 1.
 // A missing or empty file simply has no sections. A file that exists but cannot be read is
 // an error of the caller's to handle: the names read so far (at least element 0) come back
-// and `error`, when given, receives the reason; on success `error` is cleared.
+// and `error`, when given, receives the reason; on success `error` is cleared. A file over
+// kMaxSettingsFileBytes is not read: element 0 alone, and the settingsFileSizeProblem text.
 QStringList getINISections(const QString &file, QString *error = nullptr);
 
 // Full path of "HBDEFAULTS.INI" in the installation directory, looked up once per process.

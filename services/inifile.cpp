@@ -1,19 +1,20 @@
 // services/inifile.cpp: the settings-file reader and the locked, atomic writer.
 #include "services/ini.h"
 
+#include "services/activitylog.h"
+#include "services/env.h"
+#include "services/inilock_p.h"
 #include "services/iniprofile_p.h"
 #include "services/paths.h"
 #include "services/texthelpers.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
+#include <QHash>
+#include <QMutex>
 #include <QSaveFile>
 
-#ifdef Q_OS_WIN
-#include <windows.h>
-#else
-#include <cerrno>
-#include <fcntl.h>
-#include <sys/file.h>
+#ifndef Q_OS_WIN
 #include <unistd.h>
 #endif
 
@@ -25,70 +26,70 @@ namespace {
 // terminator, so the longest value it returns has 1,998 characters.
 constexpr qsizetype maxValueLength = 1998;
 
+// The file's contents; `exists` is false for a missing or unreadable file and for one over
+// the size limit, which is never read into memory.
 QByteArray readAll(const QString &diskPath, bool *exists)
 {
     QFile f(diskPath);
-    *exists = f.open(QIODevice::ReadOnly);
-    return *exists ? f.readAll() : QByteArray();
+    *exists = f.open(QIODevice::ReadOnly) && f.size() <= kMaxSettingsFileBytes;
+    return *exists ? f.read(kMaxSettingsFileBytes) : QByteArray();
 }
 
-// Holds an exclusive lock on "<file>.lock" for its lifetime; serialises writers of one
-// settings file across processes. The lock dies with the process, so a crash never
-// blocks the next writer.
-class WriteLock
+bool isOverSizeLimit(const QString &diskPath)
+{
+    QFile f(diskPath);
+    return f.exists() && f.size() > kMaxSettingsFileBytes;
+}
+
+// Files whose lock outlasted the whole wait lately. Their writers try the lock once instead
+// of waiting again: a program saving several settings waits once, not once per setting.
+constexpr std::chrono::seconds kStuckLockMemory{ 30 };
+QMutex stuckLocksMutex;
+QHash<QString, QDeadlineTimer> stuckLocks;
+
+std::chrono::milliseconds lockWaitFor(const QString &diskPath)
+{
+    const QMutexLocker locker(&stuckLocksMutex);
+    const auto it = stuckLocks.constFind(diskPath);
+    return it != stuckLocks.cend() && !it->hasExpired() ? std::chrono::milliseconds(0)
+                                                        : kSettingsLockWait;
+}
+
+// Remembers how the lock of `diskPath` went; true when it has just outlasted a whole wait.
+bool noteLockState(const QString &diskPath, SettingsFileLock::State state,
+                   std::chrono::milliseconds waited)
+{
+    const QMutexLocker locker(&stuckLocksMutex);
+    if (state != SettingsFileLock::State::Busy) {
+        stuckLocks.remove(diskPath);
+        return false;
+    }
+    if (waited.count() == 0)
+        return false; // still stuck; said when it was found
+    stuckLocks.insert(diskPath, QDeadlineTimer(kStuckLockMemory));
+    return true;
+}
+
+// The write is in the middle of its caller's step: letting UI events run here, as a log
+// entry normally does, could re-enter that step.
+class NoPump : public UiPump
 {
 public:
-    explicit WriteLock(const QString &diskPath)
-    {
-        const QString lockPath = diskPath + QStringLiteral(".lock");
-#ifdef Q_OS_WIN
-        m_handle = CreateFileW(reinterpret_cast<const wchar_t *>(lockPath.utf16()),
-                               GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                               nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (m_handle == INVALID_HANDLE_VALUE)
-            return;
-        OVERLAPPED ov = {};
-        m_locked = LockFileEx(m_handle, LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &ov);
-#else
-        m_fd = ::open(QFile::encodeName(lockPath).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-        if (m_fd < 0)
-            return;
-        int rc;
-        do {
-            rc = ::flock(m_fd, LOCK_EX);
-        } while (rc != 0 && errno == EINTR);
-        m_locked = rc == 0;
-#endif
-    }
-    ~WriteLock()
-    {
-#ifdef Q_OS_WIN
-        if (m_handle != INVALID_HANDLE_VALUE) {
-            OVERLAPPED ov = {};
-            if (m_locked)
-                UnlockFileEx(m_handle, 0, 1, 0, &ov);
-            CloseHandle(m_handle);
-        }
-#else
-        if (m_fd >= 0)
-            ::close(m_fd); // releases the flock
-#endif
-    }
-    WriteLock(const WriteLock &) = delete;
-    WriteLock &operator=(const WriteLock &) = delete;
-    bool locked() const
-    {
-        return m_locked;
-    }
-
-private:
-    bool m_locked = false;
-#ifdef Q_OS_WIN
-    HANDLE m_handle = INVALID_HANDLE_VALUE;
-#else
-    int m_fd = -1;
-#endif
+    void processEvents() override { }
 };
+
+void logWriteWithoutLock(const QString &file)
+{
+    NoPump noPump;
+    Services quiet{ nullptr, nullptr, &noPump };
+    // The log is for support staff; a log that cannot be written changes nothing here.
+    logEntry(QStringLiteral("writeINI"),
+             QStringLiteral("%1 stayed locked by another program for %2 ms; written without "
+                            "the lock")
+                 .arg(file)
+                 .arg(kSettingsLockWait.count()),
+             &quiet);
+}
 
 // Temporary file beside the target, synced to disk, then renamed over it.
 bool replaceFile(const QString &diskPath, const QByteArray &contents)
@@ -118,6 +119,7 @@ void readINI(const QString &section, const QString &key, const QString &file, QS
     bool exists = false;
     const QByteArray contents = readAll(toDiskPath(trimSpaces(file)), &exists);
     QString found;
+    // A missing file, or one too large to be a settings file, gives the default.
     if (!exists || !IniProfile::parse(contents).find(trimSpaces(section), trimSpaces(key), &found))
         found = trimSpaces(def);
     value = found.left(maxValueLength);
@@ -131,14 +133,31 @@ bool writeINI(const QString &section, const QString &key, const QString &file, c
     if (s.isEmpty() || k.isEmpty() || f.isEmpty())
         return false;
     const QString diskPath = toDiskPath(f);
-    const WriteLock lock(diskPath);
-    if (!lock.locked())
+    // A file this large is no settings file: rewriting it would only make it worse.
+    if (isOverSizeLimit(diskPath))
         return false;
+    const std::chrono::milliseconds wait = lockWaitFor(diskPath);
+    const SettingsFileLock lock(diskPath, wait);
+    if (lock.state() == SettingsFileLock::State::Unavailable)
+        return false;
+    // Never wait for ever: past the bound the write goes ahead unlocked. The rename keeps
+    // the file whole for readers; only a concurrent writer's key could be lost.
+    if (noteLockState(diskPath, lock.state(), wait))
+        logWriteWithoutLock(f);
     // Re-read under the lock: another process may have written since we last looked.
     bool exists = false;
     IniProfile profile = IniProfile::parse(readAll(diskPath, &exists));
     profile.set(s, k, trimSpaces(value));
     return replaceFile(diskPath, profile.serialize());
+}
+
+QString settingsFileSizeProblem(const QString &file)
+{
+    if (!isOverSizeLimit(toDiskPath(trimSpaces(file))))
+        return QString();
+    return QStringLiteral("%1 is larger than %2 MB and was not read")
+        .arg(file)
+        .arg(kMaxSettingsFileBytes / (qint64(1024) * 1024));
 }
 
 } // namespace plx

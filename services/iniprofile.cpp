@@ -10,7 +10,7 @@ namespace {
 
 const QByteArray bom("\xEF\xBB\xBF");
 
-QString trimBlanks(const QString &s)
+QStringView trimBlanks(QStringView s)
 {
     qsizetype a = 0;
     qsizetype b = s.size();
@@ -19,36 +19,51 @@ QString trimBlanks(const QString &s)
         ++a;
     while (b > a && blank(s.at(b - 1)))
         --b;
-    return s.mid(a, b - a);
+    return s.sliced(a, b - a);
 }
 
-// The section name of a header line ("[name]"), or a null string for any other line.
-QString headerName(const QString &line)
-{
-    const QString t = trimBlanks(line);
-    if (!t.startsWith(QLatin1Char('[')))
-        return QString();
-    const qsizetype close = t.indexOf(QLatin1Char(']'));
-    const QString name = trimBlanks(close < 0 ? t.mid(1) : t.mid(1, close - 1));
-    return name.isNull() ? QStringLiteral("") : name;
-}
-
-bool keyOf(const QString &line, QString *key, QString *value)
-{
-    const qsizetype eq = line.indexOf(QLatin1Char('='));
-    if (eq < 0)
-        return false;
-    *key = trimBlanks(line.left(eq));
-    *value = trimBlanks(line.mid(eq + 1));
-    return true;
-}
-
-bool sameName(const QString &a, const QString &b)
+bool sameName(QStringView a, QStringView b)
 {
     return a.compare(b, Qt::CaseInsensitive) == 0;
 }
 
 } // namespace
+
+bool IniProfile::isHeader(QStringView line, QStringView *name)
+{
+    const QStringView t = trimBlanks(line);
+    if (!t.startsWith(QLatin1Char('[')))
+        return false;
+    const qsizetype close = t.indexOf(QLatin1Char(']'));
+    *name = trimBlanks(close < 0 ? t.sliced(1) : t.sliced(1, close - 1));
+    return true;
+}
+
+bool IniProfile::keyLine(QStringView line, QStringView *key, QStringView *value)
+{
+    const qsizetype eq = line.indexOf(QLatin1Char('='));
+    if (eq < 0)
+        return false;
+    *key = trimBlanks(line.first(eq));
+    *value = trimBlanks(line.sliced(eq + 1));
+    return true;
+}
+
+QStringView IniProfile::unquoted(QStringView value)
+{
+    // One pair of matching quotes around the whole value is removed.
+    if (value.size() >= 2 && value.front() == value.back()
+        && (value.front() == QLatin1Char('"') || value.front() == QLatin1Char('\'')))
+        return value.sliced(1, value.size() - 2);
+    return value;
+}
+
+QString IniProfile::decode(const QByteArray &contents)
+{
+    if (contents.startsWith(bom))
+        return QString::fromUtf8(contents.sliced(bom.size()));
+    return cp1252::decode(contents);
+}
 
 IniProfile IniProfile::parse(const QByteArray &contents)
 {
@@ -76,8 +91,8 @@ IniProfile IniProfile::parse(const QByteArray &contents)
 qsizetype IniProfile::findSection(const QString &section) const
 {
     for (qsizetype i = 0; i < m_text.size(); ++i) {
-        const QString name = headerName(m_text.at(i));
-        if (!name.isNull() && sameName(name, section))
+        QStringView name;
+        if (isHeader(m_text.at(i), &name) && sameName(name, section))
             return i;
     }
     return -1;
@@ -85,8 +100,9 @@ qsizetype IniProfile::findSection(const QString &section) const
 
 qsizetype IniProfile::sectionEnd(qsizetype header) const
 {
+    QStringView name;
     for (qsizetype i = header + 1; i < m_text.size(); ++i) {
-        if (!headerName(m_text.at(i)).isNull())
+        if (isHeader(m_text.at(i), &name))
             return i;
     }
     return m_text.size();
@@ -99,14 +115,10 @@ bool IniProfile::find(const QString &section, const QString &key, QString *value
         return false;
     const qsizetype end = sectionEnd(header);
     for (qsizetype i = header + 1; i < end; ++i) {
-        QString k, v;
-        if (!keyOf(m_text.at(i), &k, &v) || !sameName(k, key))
+        QStringView k, v;
+        if (!keyLine(m_text.at(i), &k, &v) || !sameName(k, key))
             continue;
-        // One pair of matching quotes around the whole value is removed.
-        if (v.size() >= 2 && v.front() == v.back()
-            && (v.front() == QLatin1Char('"') || v.front() == QLatin1Char('\'')))
-            v = v.mid(1, v.size() - 2);
-        *value = v;
+        *value = unquoted(v).toString();
         return true;
     }
     return false;
@@ -142,8 +154,8 @@ void IniProfile::set(const QString &section, const QString &key, const QString &
     const qsizetype end = sectionEnd(header);
     qsizetype lastFilled = header;
     for (qsizetype i = header + 1; i < end; ++i) {
-        QString k, v;
-        if (keyOf(m_text.at(i), &k, &v) && sameName(k, key)) {
+        QStringView k, v;
+        if (keyLine(m_text.at(i), &k, &v) && sameName(k, key)) {
             // Keep the line's own terminator so the rest of the file is untouched.
             const QByteArray raw = m_raw.at(i);
             const QByteArray ending = raw.endsWith("\r\n") ? QByteArray("\r\n")

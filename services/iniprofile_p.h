@@ -7,6 +7,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <QStringView>
 
 namespace plx {
 
@@ -27,6 +28,17 @@ public:
 
     // Decoded lines without their terminators.
     const QList<QString> &lines() const { return m_text; }
+
+    // The grammar, shared with IniSnapshot so that both read a file alike.
+    // The whole text of a file: UTF-8 after a byte-order mark, else Windows-1252.
+    static QString decode(const QByteArray &contents);
+    // True for a header line ("[name]", or "[name" without its bracket), with `name` its
+    // name, blanks trimmed (possibly empty).
+    static bool isHeader(QStringView line, QStringView *name);
+    // Splits "key = value" at the first "=" and trims both; false for a line without "=".
+    static bool keyLine(QStringView line, QStringView *key, QStringView *value);
+    // A trimmed value without one pair of matching quotes around the whole of it.
+    static QStringView unquoted(QStringView value);
 
 private:
     QByteArray encodeLine(const QString &text) const;

@@ -89,10 +89,16 @@ QStringList getINISections(const QString &file, QString *error)
         error->clear();
     if (!getFileExistLEN(file, false))
         return names;
+    // A runaway file is refused before it is read: it would take its size in memory twice.
+    if (const QString tooLarge = settingsFileSizeProblem(file); !tooLarge.isEmpty()) {
+        if (error)
+            *error = tooLarge;
+        return names;
+    }
     QFile f(toDiskPath(file));
     QByteArray contents;
     if (f.open(QIODevice::ReadOnly))
-        contents = f.readAll();
+        contents = f.read(kMaxSettingsFileBytes);
     // The file is there but unreadable (permissions, a lock, a read error): unlike a missing
     // file this is a fault the caller must hear about.
     if (!f.isOpen() || f.error() != QFileDevice::NoError) {

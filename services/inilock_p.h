@@ -1,0 +1,49 @@
+// services/inilock_p.h: the lock that serialises writers of one settings file across
+// processes, with a bounded wait.
+//
+// The lock is an exclusive lock on "<file>.lock" (flock on POSIX, LockFileEx on Windows).
+// It dies with its process, so a crashed writer never blocks the next one; but a live
+// process that keeps it (a hung program, a debugger, a backup tool) would block every
+// writer for ever. So the lock is waited for at most a given time, and the caller decides
+// what to do without it.
+#pragma once
+
+#include <QString>
+
+#include <chrono>
+
+#ifdef Q_OS_WIN
+#include <qt_windows.h>
+#endif
+
+namespace plx {
+
+class SettingsFileLock
+{
+public:
+    enum class State {
+        Locked, // the lock is ours until destruction
+        Busy, // another process held it for the whole wait
+        Unavailable, // "<file>.lock" cannot be opened (a read-only folder, a bad path)
+    };
+
+    // Tries for the lock on `diskPath` + ".lock" until `wait` has passed.
+    SettingsFileLock(const QString &diskPath, std::chrono::milliseconds wait);
+    ~SettingsFileLock();
+    SettingsFileLock(const SettingsFileLock &) = delete;
+    SettingsFileLock &operator=(const SettingsFileLock &) = delete;
+
+    State state() const { return m_state; }
+
+private:
+    bool tryLock() const;
+
+    State m_state = State::Unavailable;
+#ifdef Q_OS_WIN
+    HANDLE m_handle = INVALID_HANDLE_VALUE;
+#else
+    int m_fd = -1;
+#endif
+};
+
+} // namespace plx

@@ -1,0 +1,51 @@
+// services/tests/settingslockholder.cpp: another program that keeps a settings file locked.
+//
+//   settings_lock_holder <settings file>
+// Takes the writers' exclusive lock on "<settings file>.lock" the way every writer of the
+// product takes it, prints "locked" on its own line, and keeps the lock until its standard
+// input is closed (or it is killed). Written without the library, so that it holds the
+// lock as any other process would, whatever the library under test does.
+#include <QFile>
+
+#include <cstdio>
+#include <iostream>
+#include <string>
+
+#ifdef Q_OS_WIN
+#include <qt_windows.h>
+#else
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+#endif
+
+namespace {
+
+bool lockForGood(const QString &lockPath)
+{
+#ifdef Q_OS_WIN
+    HANDLE h = CreateFileW(reinterpret_cast<const wchar_t *>(lockPath.utf16()),
+                           GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                           nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    OVERLAPPED ov = {};
+    return h != INVALID_HANDLE_VALUE && LockFileEx(h, LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &ov);
+#else
+    const int fd = ::open(QFile::encodeName(lockPath).constData(), O_RDWR | O_CREAT, 0666);
+    return fd >= 0 && ::flock(fd, LOCK_EX) == 0; // released when the process ends
+#endif
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc != 2)
+        return 1;
+    if (!lockForGood(QFile::decodeName(argv[1]) + QStringLiteral(".lock")))
+        return 2;
+    std::printf("locked\n");
+    std::fflush(stdout);
+    std::string line;
+    while (std::getline(std::cin, line)) { }
+    return 0;
+}
