@@ -2,6 +2,7 @@
 #include "apps/plxform/formdescription.h"
 
 #include "services/ini.h"
+#include "services/inisnapshot.h"
 #include "services/texthelpers.h"
 
 #include <QFile>
@@ -24,32 +25,36 @@ const QSet<QString> kCheckKeys{ QStringLiteral("CAPTION"), QStringLiteral("FIELD
 const QSet<QString> kPairKeys{ QStringLiteral("CAPTION"), QStringLiteral("FIELD"),
                                QStringLiteral("DETAILS") };
 
-// Every section and its keys as written, for the checks the profile reader cannot make.
-QList<QPair<QString, QStringList>> scanKeys(const QByteArray &text)
+// The description, parsed once: every value is a look-up, not a read of the whole file.
+// Values are whole (no 1,998-character cut); one beyond kMaxSettingsValueChars is refused
+// with a warning and read as empty, never cut.
+class DescriptionReader
 {
-    QList<QPair<QString, QStringList>> sections;
-    for (QByteArray line : text.split('\n')) {
-        line = line.trimmed();
-        if (line.isEmpty() || line.startsWith(';'))
-            continue;
-        if (line.startsWith('[') && line.endsWith(']')) {
-            sections.append({ QString::fromLatin1(line.mid(1, line.size() - 2)).trimmed(), {} });
-            continue;
-        }
-        const qsizetype eq = line.indexOf('=');
-        if (!sections.isEmpty())
-            sections.last().second << (eq < 0 ? QString::fromLatin1(line)
-                                              : QString::fromLatin1(line.left(eq)).trimmed());
+public:
+    DescriptionReader(const QByteArray &text, QStringList *warnings)
+        : m_ini(IniSnapshot::parse(text)), m_warnings(warnings)
+    {
     }
-    return sections;
-}
 
-QString value(const QString &path, const QString &section, const char *key)
-{
-    QString v;
-    readINI(section, QString::fromLatin1(key), path, v, QString());
-    return v;
-}
+    QString value(const QString &section, const char *key) const
+    {
+        const QString name = QString::fromLatin1(key);
+        QString v = m_ini.value(section, name);
+        if (v.size() > kMaxSettingsValueChars) {
+            m_warnings->append(QStringLiteral("%1 in [%2] is longer than %3 KB and was not read")
+                                   .arg(name, section)
+                                   .arg(kMaxSettingsValueChars / 1024));
+            v.clear();
+        }
+        return v;
+    }
+    const QList<IniSnapshot::Section> &sections() const { return m_ini.sections(); }
+    QStringList *warnings() const { return m_warnings; }
+
+private:
+    IniSnapshot m_ini;
+    QStringList *m_warnings;
+};
 
 bool isNamelike(const FieldInfo &f)
 {
@@ -60,7 +65,7 @@ bool isNamelike(const FieldInfo &f)
             || n == QLatin1String("DESC"));
 }
 
-using Sections = QList<QPair<QString, QStringList>>;
+using Sections = QList<IniSnapshot::Section>;
 
 constexpr int kKeyLength = 7; // the part of a made ID the navigator counts up
 constexpr int kIntegerWidth = 11; // -2147483648
@@ -130,9 +135,6 @@ QList<QPair<QString, QString>> sortsFor(const FormDescription &form, const QList
     return sorts;
 }
 
-// A form description is a small settings file; anything this large is not one.
-constexpr qint64 kMaxDescriptionSize = qint64(4) * 1024 * 1024;
-
 // Warns of every section and key plxform does not know; true when there is a [FORM].
 bool checkKnownKeys(const Sections &sections, QStringList *warnings)
 {
@@ -176,10 +178,11 @@ QList<QPair<QString, QString>> readSorts(const QString &text, QStringList *warni
 
 // GenerateIDs, CodePage and Collate; a value plxform cannot use is warned of and the
 // default kept.
-void readTableOptions(const QString &path, FormDescription &form, QStringList *warnings)
+void readTableOptions(const DescriptionReader &in, FormDescription &form)
 {
+    QStringList *warnings = in.warnings();
     const QString f = QStringLiteral("FORM");
-    const QString generate = value(path, f, "GenerateIDs").trimmed();
+    const QString generate = in.value(f, "GenerateIDs").trimmed();
     if (!generate.isEmpty()) {
         const QString upper = generate.toUpper();
         if (upper == QLatin1String("YES") || upper == QLatin1String("TRUE")
@@ -192,7 +195,7 @@ void readTableOptions(const QString &path, FormDescription &form, QStringList *w
             warnings->append(
                 QStringLiteral("GenerateIDs \"%1\" ignored: write Yes or No").arg(generate));
     }
-    const QString codePage = value(path, f, "CodePage").trimmed();
+    const QString codePage = in.value(f, "CodePage").trimmed();
     if (!codePage.isEmpty()) {
         if (const std::optional<int> cp = parseCodePage(codePage))
             form.codePage = *cp;
@@ -201,7 +204,7 @@ void readTableOptions(const QString &path, FormDescription &form, QStringList *w
                 QStringLiteral("CodePage \"%1\" ignored: write a code page number such as 850")
                     .arg(codePage));
     }
-    const QString collate = value(path, f, "Collate").trimmed();
+    const QString collate = in.value(f, "Collate").trimmed();
     if (!collate.isEmpty()) {
         if (const std::optional<QString> c = parseCollate(collate))
             form.collate = *c;
@@ -213,23 +216,23 @@ void readTableOptions(const QString &path, FormDescription &form, QStringList *w
 
 // The [FORM] section: the table and the navigator's settings. Naming neither or both of a
 // table file and a database is an error, as is a database without a table.
-Status readFormSection(const QString &path, FormDescription &form, QStringList *warnings)
+Status readFormSection(const DescriptionReader &in, const QString &path, FormDescription &form)
 {
+    QStringList *warnings = in.warnings();
     const QString f = QStringLiteral("FORM");
-    form.file = value(path, f, "File");
-    form.database = value(path, f, "Database");
-    form.table = value(path, f, "Table");
-    form.desc = value(path, f, "Desc");
-    form.idField = value(path, f, "IDField");
-    form.descField = value(path, f, "DescField");
-    const QString parent = value(path, f, "ParentID");
+    form.file = in.value(f, "File");
+    form.database = in.value(f, "Database");
+    form.table = in.value(f, "Table");
+    form.desc = in.value(f, "Desc");
+    form.idField = in.value(f, "IDField");
+    form.descField = in.value(f, "DescField");
+    const QString parent = in.value(f, "ParentID");
     if (!parent.isEmpty())
         form.parentID = parent;
-    form.sorts = readSorts(value(path, f, "Sorts"), warnings);
-    for (const QString &field :
-         value(path, f, "Required").split(QLatin1Char(','), Qt::SkipEmptyParts))
+    form.sorts = readSorts(in.value(f, "Sorts"), warnings);
+    for (const QString &field : in.value(f, "Required").split(QLatin1Char(','), Qt::SkipEmptyParts))
         form.required << field.trimmed();
-    readTableOptions(path, form, warnings);
+    readTableOptions(in, form);
     if (form.file.isEmpty() == form.database.isEmpty())
         return Status(
             Status::Code::InvalidArgument,
@@ -254,17 +257,17 @@ int readCount(const QString &text, const QString &section, const QString &proble
     return 0;
 }
 
-void readRow(const QString &path, const QString &section, FormDescription &form,
-             QStringList *warnings)
+void readRow(const DescriptionReader &in, const QString &section, FormDescription &form)
 {
-    RowDescription row{ value(path, section, "Caption"), value(path, section, "Field"),
-                        value(path, section, "Format"), value(path, section, "Mode") };
+    QStringList *warnings = in.warnings();
+    RowDescription row{ in.value(section, "Caption"), in.value(section, "Field"),
+                        in.value(section, "Format"), in.value(section, "Mode") };
     row.maxLength = readCount(
-        value(path, section, "MaxLength"), section,
+        in.value(section, "MaxLength"), section,
         QStringLiteral("MaxLength \"%1\" in [%2] is not a length; the field's size is used"),
         warnings);
     row.labelWidth =
-        readCount(value(path, section, "LabelWidth"), section,
+        readCount(in.value(section, "LabelWidth"), section,
                   QStringLiteral("LabelWidth \"%1\" in [%2] is not a width in twips"), warnings);
     if (row.field.isEmpty())
         warnings->append(QStringLiteral("[%1] names no Field; the row is left out").arg(section));
@@ -272,12 +275,12 @@ void readRow(const QString &path, const QString &section, FormDescription &form,
         form.rows.append(row);
 }
 
-void readPair(const QString &path, const QString &section, FormDescription &form,
-              QStringList *warnings)
+void readPair(const DescriptionReader &in, const QString &section, FormDescription &form)
 {
-    PairDescription pair{ value(path, section, "Caption"), value(path, section, "Field"), {} };
+    QStringList *warnings = in.warnings();
+    PairDescription pair{ in.value(section, "Caption"), in.value(section, "Field"), {} };
     for (const QString &detail :
-         value(path, section, "Details").split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+         in.value(section, "Details").split(QLatin1Char(','), Qt::SkipEmptyParts)) {
         const qsizetype colon = detail.indexOf(QLatin1Char(':'));
         if (colon < 1 || getLenTrim(detail.mid(colon + 1)) < 1)
             warnings->append(
@@ -292,10 +295,10 @@ void readPair(const QString &path, const QString &section, FormDescription &form
         form.pairs.append(pair);
 }
 
-void readCheck(const QString &path, const QString &section, FormDescription &form,
-               QStringList *warnings)
+void readCheck(const DescriptionReader &in, const QString &section, FormDescription &form)
 {
-    CheckDescription check{ value(path, section, "Caption"), value(path, section, "Field") };
+    QStringList *warnings = in.warnings();
+    CheckDescription check{ in.value(section, "Caption"), in.value(section, "Field") };
     if (check.field.isEmpty())
         warnings->append(
             QStringLiteral("[%1] names no Field; the check box is left out").arg(section));
@@ -307,30 +310,36 @@ void readCheck(const QString &path, const QString &section, FormDescription &for
 
 Result<FormDescription> loadFormDescription(const QString &path, QStringList *warnings)
 {
+    // Measured before anything is read: a runaway file would take minutes and its size in
+    // memory several times over.
+    if (const QString tooLarge = settingsFileSizeProblem(path); !tooLarge.isEmpty())
+        return Status(Status::Code::NotSupported, tooLarge);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return Status(Status::Code::NotFound,
                       QStringLiteral("cannot read the form description %1").arg(path));
-    const QByteArray text = file.read(kMaxDescriptionSize);
+    const QByteArray text = file.read(kMaxSettingsFileBytes + 1);
+    if (text.size() > kMaxSettingsFileBytes) // it grew since it was measured
+        return Status(Status::Code::NotSupported, settingsFileSizeProblem(path));
     if (text.contains('\0'))
         return Status(Status::Code::Corrupt, QStringLiteral("%1 is not a settings file").arg(path));
-    const Sections sections = scanKeys(text);
-    if (!checkKnownKeys(sections, warnings))
+    const DescriptionReader in(text, warnings);
+    if (!checkKnownKeys(in.sections(), warnings))
         return Status(Status::Code::Corrupt, QStringLiteral("%1 has no [FORM] section").arg(path));
 
     FormDescription form;
     form.source = path;
-    if (Status s = readFormSection(path, form, warnings); !s.isOk())
+    if (Status s = readFormSection(in, path, form); !s.isOk())
         return s;
     // Rows, pairs and check boxes appear in the order of their sections in the file.
-    for (const auto &[section, keys] : sections) {
-        const QString upper = section.toUpper();
+    for (const IniSnapshot::Section &section : in.sections()) {
+        const QString upper = section.name.toUpper();
         if (upper.startsWith(QLatin1String("ROW")))
-            readRow(path, section, form, warnings);
+            readRow(in, section.name, form);
         else if (upper.startsWith(QLatin1String("PAIR")))
-            readPair(path, section, form, warnings);
+            readPair(in, section.name, form);
         else if (upper.startsWith(QLatin1String("CHECK")))
-            readCheck(path, section, form, warnings);
+            readCheck(in, section.name, form);
     }
     return form;
 }

@@ -301,8 +301,9 @@ TEST(FormDescription, OversizeFilesAndValuesAreRefusedNeverCut)
     ASSERT_EQ(read.value().sorts.size(), 200);
     EXPECT_EQ(read.value().sorts.last(),
               qMakePair(QStringLiteral("Sort 200"), QStringLiteral("FIELD200")));
-    EXPECT_EQ(warnings, QStringList{ QStringLiteral(
-                            "Caption in [ROW1] is longer than 64 KB and was not read") });
+    EXPECT_EQ(
+        warnings,
+        QStringList{ QStringLiteral("Caption in [ROW1] is longer than 64 KB and was not read") });
     ASSERT_EQ(read.value().rows.size(), 1);
     EXPECT_EQ(read.value().rows[0].caption, QString());
 }
