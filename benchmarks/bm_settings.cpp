@@ -1,8 +1,8 @@
 // benchmarks/bm_settings.cpp: reading settings files users make large.
 //
 //   LoadFormDescription/<rows>   plxform reads a form description of <rows> text rows
-//                                ([ROWn] with Field=Fn, ~23 bytes a row: 100,000 rows are
-//                                2.3 MB), every row checked and kept.
+//                                ([ROWn] with Field=Fn, ~26 bytes a row: 100,000 rows are
+//                                2.6 MB), every row checked and kept.
 // The files are written once per run into a temporary folder.
 #include "apps/plxform/formdescription.h"
 

@@ -235,7 +235,7 @@ TEST(FormDescription, TableOptionsAreReadWrittenAndCheckedNotFatal)
     EXPECT_TRUE(back.value().collate.isEmpty());
 }
 
-// A description of `rows` rows as users write them: ~23 bytes a row.
+// A description of `rows` rows as users write them: ~26 bytes a row.
 QByteArray manyRows(int rows)
 {
     QByteArray text = "[FORM]\r\nFile=/data/T.DBF\r\nDesc=Many\r\n";
