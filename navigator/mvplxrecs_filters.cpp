@@ -4,6 +4,7 @@
 #include "navigator/mvplxrecs.h"
 #include "navigator/filterlist.h"
 
+#include "services/activitylog.h"
 #include "services/ini.h"
 #include "services/paths.h"
 #include "services/texthelpers.h"
@@ -24,6 +25,12 @@ void PLXLoadFilterINI(QComboBox *list, const QString &directory)
     if (!list)
         return;
     const QString file = setPathName(directory, QStringLiteral("HBFiltersPLX.INI"), false);
+    // A filter file too large to be one is not read; the log says why the list is empty.
+    if (const QString tooLarge = settingsFileSizeProblem(file); !tooLarge.isEmpty()) {
+        list->clear();
+        logEntry(QStringLiteral("PLXLoadFilterINI"), tooLarge);
+        return;
+    }
     // Element 0 of the section list is a placeholder; the names start at 1.
     const QStringList sections = getINISections(file);
     list->clear();

@@ -14,7 +14,7 @@ qt=$(pkg-config --variable=includedir Qt6Core 2>/dev/null || echo /usr/include/x
 sources=(
     services/recordsource/dbf/*.cpp
     services/recordsource/filelock.cpp
-    services/installdir.cpp services/inifile.cpp services/paths.cpp services/activitylog.cpp
+    services/installdir.cpp services/inifile.cpp services/inilock.cpp services/paths.cpp services/activitylog.cpp
 )
 files=()
 for f in "${sources[@]}"; do

@@ -319,6 +319,8 @@ QString WalkModel::shownText(const QString &field) const
 {
     if (m_editing && m_typed.contains(field))
         return m_typed[field];
+    if (m_editing && m_buffer.contains(field))
+        return displayOf(field, m_buffer[field]);
     if (!m_table.contains(m_current))
         return QString();
     return displayOf(field, m_table[m_current].value(field));
@@ -390,6 +392,7 @@ Expectation WalkModel::apply(const Step &step, const QDateTime &now)
         m_editing = true;
         m_editedID = m_current;
         m_typed.clear();
+        m_buffer.clear();
     } else if (v == QLatin1String("TYPE")) {
         return typeInto(step);
     } else if ((v == QLatin1String("SAVE") || v == QLatin1String("FULLSAVE")) && m_editing) {
@@ -484,6 +487,7 @@ QString WalkModel::acceptNewRecord(const QString &id)
     m_editing = true;
     m_editedID = id;
     m_typed.clear();
+    m_buffer.clear();
     adopt(id, count() - 1);
     return QString();
 }
@@ -527,6 +531,8 @@ Expectation WalkModel::save(const Step &step, const QDateTime &now)
         return e;
     }
     Record r = m_table[m_editedID];
+    for (auto it = m_buffer.cbegin(); it != m_buffer.cend(); ++it)
+        r[it.key()] = it.value();
     QStringList refused;
     for (const QString &field : rowFields()) {
         if (!m_typed.contains(field) || m_typed[field] == displayOf(field, r.value(field)))
@@ -548,8 +554,12 @@ Expectation WalkModel::save(const Step &step, const QDateTime &now)
     if (step.verb == QLatin1String("FULLSAVE")) {
         // The write fails on the full disk: the box says why, nothing is written, the
         // record stays in edit with what was typed; a refused row shows its former value.
+        // What the rows wrote stays in the record's edit buffer: a later refusal shows it.
         for (const QString &field : std::as_const(refused))
             m_typed.remove(field);
+        for (const QString &field : rowFields())
+            if (r.value(field) != m_table[m_editedID].value(field))
+                m_buffer[field] = r.value(field);
         e.boxes << patternBox(QStringLiteral("mvPLXRecs Facilities"),
                               QRegularExpression::escape(notSavedText())
                                   + QStringLiteral("\r\n\r\n.*(No space left on device|"
@@ -566,6 +576,7 @@ Expectation WalkModel::save(const Step &step, const QDateTime &now)
         m_newRecord.reset();
     m_editing = false;
     m_typed.clear();
+    m_buffer.clear();
     m_current = newID; // the saved record, whatever its ID became
     e.touchesDisk = true;
     requery(&e, true);
@@ -577,6 +588,7 @@ Expectation WalkModel::cancel(const Step &step, qsizetype answer)
     Expectation e;
     m_editing = false;
     m_typed.clear();
+    m_buffer.clear();
     // Only the edit of the record NEW or COPY made offers to delete it.
     if (!m_newRecord || *m_newRecord != m_editedID)
         return e;

@@ -144,6 +144,8 @@ private:
     bool m_editing = false;
     QString m_editedID;
     QMap<QString, QString> m_typed; // field -> text typed in this edit
+    // field -> value the rows put in the record's edit buffer at a SAVE that then failed
+    QMap<QString, QString> m_buffer;
     std::optional<QString> m_newRecord;
     int m_returnPosition = -1;
     std::optional<Record> m_pendingNew; // NEW or COPY waiting for its ID
