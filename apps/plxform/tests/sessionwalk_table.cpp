@@ -310,7 +310,12 @@ bool readFoxProWithPythonDbf(const QString &dbfPath, Table *table, QString *erro
     // One line per live record: the fields in table order, tab-separated, each written as
     // Python's repr of its plain text so tabs and line ends inside values survive.
     static const char *const script = R"(import dbf, sys, datetime
+import codecs
 t = dbf.Table(sys.argv[1], codepage='cp1252'); t.open()
+# The five codes Windows-1252 leaves undefined (made IDs may hold them) read as the C1
+# characters of the same value, as Windows and the table engine read them.
+codecs.register_error('c1', lambda e: (''.join(chr(b) for b in e.object[e.start:e.end]), e.end))
+t._meta.decoder = lambda d, *a: (codecs.decode(bytes(d), 'cp1252', 'c1'), len(d))
 def plain(v):
     if v is None: return ''
     if isinstance(v, bool): return 'T' if v else 'F'
