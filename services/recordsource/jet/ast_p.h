@@ -2,7 +2,8 @@
 //
 // One tree serves every back end: the SQLite translator re-emits it in SQLite's dialect,
 // the evaluator runs it over rows (FindFirst on FoxPro tables, standalone expressions).
-// Nodes are immutable after parsing except for the column index that binding fills in.
+// Nodes are immutable after parsing except for what binding fills in: the column index, and
+// when binding knows the text comparison, constant parts computed and prepared data.
 #pragma once
 
 #include <QString>
@@ -61,6 +62,9 @@ inline constexpr int kMaxExpressionDepth = 100;
 
 struct Node;
 using NodePtr = std::shared_ptr<Node>;
+// What binding for one text comparison worked out once for a node (a compiled Like pattern,
+// a lookup set, keys of constant texts): evaluator_prepare_p.h.
+struct PreparedNode;
 
 struct Node
 {
@@ -74,6 +78,8 @@ struct Node
     bool negated = false;
     std::vector<NodePtr> args;
     mutable int column = -1; // Column: index filled in by binding
+    // Filled in by binding for one text comparison; the evaluator ignores it under another.
+    std::shared_ptr<const PreparedNode> prepared;
     // Levels of evaluation below and including this node, a chain's links not counted: set
     // by the parser, which keeps it within kMaxExpressionDepth.
     int height = 1;

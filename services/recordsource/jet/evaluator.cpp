@@ -2,8 +2,11 @@
 // propagation, '&' treating one Null as "", True = -1, three-valued And/Or, lazy IIF.
 #include "services/recordsource/jet/evaluator_p.h"
 
+#include "services/recordsource/jet/deadline_p.h"
+#include "services/recordsource/jet/evaluatorprepare_p.h"
 #include "services/recordsource/jet/functionlibrary_p.h"
 #include "services/recordsource/jet/functions_p.h"
+#include "services/recordsource/jet/generalorder_p.h"
 #include "services/recordsource/jet/like_p.h"
 #include "services/recordsource/jet/parser_p.h"
 #include "services/recordsource/jet/values_p.h"
@@ -110,11 +113,29 @@ R logical(Op op, const QVariant &a, const QVariant &b, int pos)
     return QVariant();
 }
 
-R comparison(Op op, const QVariant &a, const QVariant &b, TextCompare mode, int pos)
+// Compares operands i and j of `node`, whose values are a and b. In the General order a
+// constant text's key was made once when the tree was bound; a row's text is keyed (if at
+// all) on its own.
+Result<int> compareOperands(const Node &node, size_t i, const QVariant &a, size_t j,
+                            const QVariant &b, TextCompare mode)
 {
+    const PreparedNode *p = preparedFor(node, mode);
+    if (p && mode == TextCompare::NoCase && isText(a) && isText(b)) {
+        const std::vector<std::optional<QString>> &keys = p->generalKeys;
+        if (j < keys.size() && keys[j])
+            return compareGeneral(a.toString(), b.toString(), *keys[j]);
+        if (i < keys.size() && keys[i])
+            return -compareGeneral(b.toString(), a.toString(), *keys[i]);
+    }
+    return compareValues(a, b, mode, node.pos);
+}
+
+R comparison(const Node &node, const QVariant &a, const QVariant &b, TextCompare mode)
+{
+    const Op op = node.op;
     if (isNull(a) || isNull(b))
         return QVariant();
-    Result<int> c = compareValues(a, b, mode, pos);
+    Result<int> c = compareOperands(node, 0, a, 1, b, mode);
     if (!c.isOk())
         return c.status();
     const int v = c.value();
@@ -153,7 +174,7 @@ R combine(const Node &node, QVariant &a, const QVariant &b, TextCompare mode)
     case Op::Lt:
     case Op::Gt:
     case Op::Le:
-    case Op::Ge: return comparison(node.op, a, b, mode, node.pos);
+    case Op::Ge: return comparison(node, a, b, mode);
     case Op::And:
     case Op::Or:
     case Op::Xor:
@@ -257,6 +278,11 @@ R like(const Node &node, const Row *row, TextCompare mode)
     R value = evaluate(*node.args[0], row, mode);
     if (!value.isOk())
         return value;
+    if (const PreparedNode *p = preparedFor(node, mode); p && p->pattern) {
+        if (isNull(value.value()))
+            return QVariant();
+        return QVariant(p->pattern->matches(toText(value.value())) != node.negated);
+    }
     R pattern = evaluate(*node.args[1], row, mode);
     if (!pattern.isOk())
         return pattern;
@@ -279,39 +305,53 @@ R between(const Node &node, const Row *row, TextCompare mode)
     }
     if (isNull(v[0]) || isNull(v[1]) || isNull(v[2]))
         return QVariant();
-    Result<int> order = compareValues(v[1], v[2], mode, node.pos);
+    Result<int> order = compareOperands(node, 1, v[1], 2, v[2], mode);
     if (!order.isOk())
         return order.status();
     // Jet accepts the bounds in either order.
-    const QVariant &low = order.value() <= 0 ? v[1] : v[2];
-    const QVariant &high = order.value() <= 0 ? v[2] : v[1];
-    Result<int> lo = compareValues(v[0], low, mode, node.pos);
+    const size_t low = order.value() <= 0 ? 1 : 2;
+    const size_t high = 3 - low;
+    Result<int> lo = compareOperands(node, 0, v[0], low, v[low], mode);
     if (!lo.isOk())
         return lo.status();
-    Result<int> hi = compareValues(v[0], high, mode, node.pos);
+    Result<int> hi = compareOperands(node, 0, v[0], high, v[high], mode);
     if (!hi.isOk())
         return hi.status();
     return QVariant((lo.value() >= 0 && hi.value() <= 0) != node.negated);
 }
 
-R inList(const Node &node, const Row *row, TextCompare mode)
+// The value against each item in turn.
+R inListOneByOne(const Node &node, const R &value, const Row *row, TextCompare mode)
 {
-    R value = evaluate(*node.args[0], row, mode);
-    if (!value.isOk() || isNull(value.value()))
-        return value;
     for (size_t i = 1; i < node.args.size(); ++i) {
         R item = evaluate(*node.args[i], row, mode);
         if (!item.isOk())
             return item;
         if (isNull(item.value()))
             continue;
-        Result<int> c = compareValues(value.value(), item.value(), mode, node.pos);
+        Result<int> c = compareOperands(node, 0, value.value(), i, item.value(), mode);
         if (!c.isOk())
             return c.status();
         if (c.value() == 0)
             return QVariant(!node.negated);
     }
     return QVariant(node.negated);
+}
+
+// A set made when the tree was bound answers in one look-up; a value it cannot judge is
+// compared one by one, or, for an In made from an Or run, runs that run as written.
+R inList(const Node &node, const Row *row, TextCompare mode)
+{
+    R value = evaluate(*node.args[0], row, mode);
+    if (!value.isOk() || isNull(value.value()))
+        return value;
+    if (const PreparedNode *p = preparedFor(node, mode); p && p->set) {
+        if (const std::optional<bool> hit = p->set->contains(value.value()))
+            return QVariant(*hit != node.negated);
+        if (p->orRun)
+            return evaluate(*p->orRun, row, mode);
+    }
+    return inListOneByOne(node, value, row, mode);
 }
 
 R call(const Node &node, const Row *row, TextCompare mode)
@@ -379,6 +419,8 @@ Result<QVariant> evaluate(const Node &node, const Row *row, TextCompare mode)
                       QStringLiteral("expression nested deeper than %1 levels at position %2")
                           .arg(kMaxExpressionDepth)
                           .arg(node.pos));
+    if (deadlinePassed())
+        return deadlineError();
     struct Level
     {
         Level() { ++depth; }

@@ -30,10 +30,19 @@ public:
 // UnknownField error that names the field and its position.
 using ColumnResolver = std::function<Result<int>(const Node &column)>;
 
-// Assigns column indexes to every Column node of the tree.
+// Assigns column indexes to every Column node of the tree, and computes the parts that are
+// the same for every row and under either text comparison.
 Status bind(const NodePtr &root, const ColumnResolver &resolve);
+// The same for a tree that will be evaluated under `mode` only (an engine's statement or
+// find): every constant part is computed here, comparisons, Like, In, InStr, Replace and the
+// branch an IIF with a constant condition takes included; constant Like patterns are
+// compiled; In lists of constants, and runs of "field = constant" joined by Or, become
+// look-up sets; constant texts compared in the General order are keyed. A row then costs
+// what its non-constant parts cost, however long the constants are.
+Status bind(const NodePtr &root, const ColumnResolver &resolve, TextCompare mode);
 
-// Evaluates a bound tree. `row` may be null when the expression has no columns.
+// Evaluates a bound tree. `row` may be null when the expression has no columns. Fails with
+// the deadline's error once a deadline armed on this thread has passed (deadline_p.h).
 Result<QVariant> evaluate(const Node &node, const Row *row, TextCompare mode);
 
 // A WHERE or FindFirst condition holds only when its value is True (not False, not Null).

@@ -3,19 +3,23 @@
 // evaluator: standalone expressions and how a value is printed.
 #include "services/recordsource/jet/evaluator_p.h"
 
+#include "services/recordsource/jet/evaluatorprepare_p.h"
 #include "services/recordsource/jet/functionlibrary_p.h"
 #include "services/recordsource/jet/parser_p.h"
 #include "services/recordsource/jet/values_p.h"
 
 #include <QVarLengthArray>
 
+#include <optional>
+
 namespace plx::jet {
 
 namespace {
 
-// Whether a node's value is the same for every row and under either text comparison:
-// operators and functions that do not compare text, over literals only.
-bool foldable(const Node &node)
+// Whether a node's value is the same for every row: operators and functions over literals
+// only, the clock functions excepted. Without a known text comparison only what does not
+// compare text qualifies, so that the value holds under either comparison.
+bool foldable(const Node &node, const std::optional<TextCompare> &mode)
 {
     if (node.args.empty())
         return false;
@@ -23,21 +27,39 @@ bool foldable(const Node &node)
         if (arg->kind != NodeKind::Literal)
             return false;
     }
+    if (node.kind == NodeKind::Call && isClockFunction(node.name))
+        return false;
+    if (mode)
+        return true;
     if (node.kind == NodeKind::Binary)
         return node.op >= Op::Add && node.op <= Op::Concat;
     if (node.kind == NodeKind::Call)
-        return !isClockFunction(node.name) && node.name != QLatin1String("INSTR")
-            && node.name != QLatin1String("IIF") && node.name != QLatin1String("STRCOMP")
-            && node.name != QLatin1String("INSTRREV") && node.name != QLatin1String("REPLACE");
+        return node.name != QLatin1String("INSTR") && node.name != QLatin1String("IIF")
+            && node.name != QLatin1String("STRCOMP") && node.name != QLatin1String("INSTRREV")
+            && node.name != QLatin1String("REPLACE");
     return false;
+}
+
+// IIF with a constant condition is the branch it chooses, whatever that branch holds: the
+// other one is never evaluated.
+bool foldChosenBranch(Node &node)
+{
+    if (node.kind != NodeKind::Call || node.name != QLatin1String("IIF") || node.args.size() != 3
+        || node.args[0]->kind != NodeKind::Literal)
+        return false;
+    Node chosen = *node.args[isTrue(node.args[0]->value) ? 1 : 2];
+    node = std::move(chosen);
+    return true;
 }
 
 // Computes constant parts once, so that a key written as CHR(80) & CHR(76) & ... costs one
 // comparison per row. A part that fails stays as it is and fails only when it is reached
 // (IIF does not evaluate the branch it does not take).
-void foldConstant(Node &node)
+void foldConstant(Node &node, const std::optional<TextCompare> &mode)
 {
-    if (!foldable(node))
+    if (mode && foldChosenBranch(node))
+        return;
+    if (!foldable(node, mode))
         return;
     if (node.kind == NodeKind::Binary && (node.op == Op::Concat || node.op == Op::Add)) {
         // Text joined in place: folding a chain of 100,000 pieces costs their total length,
@@ -59,7 +81,7 @@ void foldConstant(Node &node)
             return;
         }
     }
-    Result<QVariant> v = evaluate(node, nullptr, TextCompare::Binary);
+    Result<QVariant> v = evaluate(node, nullptr, mode.value_or(TextCompare::Binary));
     if (!v.isOk())
         return;
     node.kind = NodeKind::Literal;
@@ -68,7 +90,8 @@ void foldConstant(Node &node)
     node.args.clear();
 }
 
-Status bindAt(const NodePtr &root, const ColumnResolver &resolve, int depth)
+Status bindAt(const NodePtr &root, const ColumnResolver &resolve,
+              const std::optional<TextCompare> &mode, int depth)
 {
     if (!root)
         return Status::ok();
@@ -90,23 +113,23 @@ Status bindAt(const NodePtr &root, const ColumnResolver &resolve, int depth)
         QVarLengthArray<Node *, 16> chain;
         for (Node *n = root.get(); n->kind == root->kind; n = n->args[0].get())
             chain.append(n);
-        if (Status s = bindAt(chain.back()->args[0], resolve, depth + 1); !s.isOk())
+        if (Status s = bindAt(chain.back()->args[0], resolve, mode, depth + 1); !s.isOk())
             return s;
         for (qsizetype i = chain.size() - 1; i >= 0; --i) {
             Node &link = *chain[i];
             for (size_t a = 1; a < link.args.size(); ++a) {
-                if (Status s = bindAt(link.args[a], resolve, depth + 1); !s.isOk())
+                if (Status s = bindAt(link.args[a], resolve, mode, depth + 1); !s.isOk())
                     return s;
             }
-            foldConstant(link); // drops the link below, already folded or bound
+            foldConstant(link, mode); // drops the link below, already folded or bound
         }
         return Status::ok();
     }
     for (const NodePtr &arg : root->args) {
-        if (Status s = bindAt(arg, resolve, depth + 1); !s.isOk())
+        if (Status s = bindAt(arg, resolve, mode, depth + 1); !s.isOk())
             return s;
     }
-    foldConstant(*root);
+    foldConstant(*root, mode);
     return Status::ok();
 }
 
@@ -114,7 +137,15 @@ Status bindAt(const NodePtr &root, const ColumnResolver &resolve, int depth)
 
 Status bind(const NodePtr &root, const ColumnResolver &resolve)
 {
-    return bindAt(root, resolve, 0);
+    return bindAt(root, resolve, std::nullopt, 0);
+}
+
+Status bind(const NodePtr &root, const ColumnResolver &resolve, TextCompare mode)
+{
+    if (Status s = bindAt(root, resolve, mode, 0); !s.isOk())
+        return s;
+    prepare(root, mode);
+    return Status::ok();
 }
 
 bool isTrue(const QVariant &value)

@@ -2,6 +2,7 @@
 // and the argument readers and error texts its groups share.
 #include "services/recordsource/jet/functionlibrary_p.h"
 
+#include "services/recordsource/jet/evaluationcounters_p.h"
 #include "services/recordsource/jet/lexer_p.h"
 #include "services/recordsource/jet/values_p.h"
 
@@ -85,6 +86,7 @@ QString functionDisplayName(const QString &upperName)
 Result<QVariant> callFunction(const FunctionDef &def, const QVariant *args, int count,
                               TextCompare mode, int pos)
 {
+    ++evaluationCounters().functionCalls;
     Result<QVariant> r = def.call(args, count, mode, pos);
     if (r.isOk())
         return r;

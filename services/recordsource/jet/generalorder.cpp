@@ -6,6 +6,8 @@
 // so a text whose letters run out first sorts first whatever follows.
 #include "services/recordsource/jet/generalorder_p.h"
 
+#include "services/recordsource/jet/evaluationcounters_p.h"
+
 #include <algorithm>
 
 namespace plx::jet {
@@ -105,24 +107,68 @@ private:
     bool m_accented = false;
 };
 
+// Whether canonical decomposition can restart at code point `c`: it and the first character of
+// its decomposition combine with nothing before them (combining class 0), so no reordering
+// of marks reaches across it.
+bool startsDecompositionSegment(char32_t c)
+{
+    if (QChar::combiningClass(c) != 0)
+        return false;
+    const QString parts = QChar::decomposition(c);
+    return parts.isEmpty() || QChar::combiningClass(parts.at(0).unicode()) == 0;
+}
+
 } // namespace
+
+// In pieces of about kSegment characters cut where decomposition can restart: Qt decomposes
+// a text by replacing each character in place, which moves the rest of the text each time,
+// so a megabyte of accented letters would take minutes in one piece.
+QString canonicalDecomposition(QStringView text)
+{
+    constexpr qsizetype kSegment = 64;
+    QString out;
+    out.reserve(text.size() + text.size() / 4);
+    qsizetype begin = 0;
+    qsizetype i = 0;
+    while (i < text.size()) {
+        const qsizetype at = i;
+        char32_t c = text[i].unicode();
+        if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
+            c = QChar::surrogateToUcs4(text[i], text[i + 1]);
+            ++i;
+        }
+        ++i;
+        if (at - begin >= kSegment && startsDecompositionSegment(c)) {
+            out +=
+                text.sliced(begin, at - begin).toString().normalized(QString::NormalizationForm_D);
+            begin = at;
+        }
+    }
+    out += text.sliced(begin).toString().normalized(QString::NormalizationForm_D);
+    return out;
+}
 
 QString generalSortKey(QStringView text)
 {
+    evaluationCounters().keyedCharacters += quint64(text.size());
     if (isAscii(text)) {
         QString key(text.size(), Qt::Uninitialized);
         for (qsizetype i = 0; i < text.size(); ++i)
             key[i] = QChar(asciiLower(text[i].unicode()));
         return key;
     }
-    const QString decomposed = text.toString().normalized(QString::NormalizationForm_D);
-    KeyBuilder builder(decomposed.size());
-    for (const QChar c : decomposed)
+    const QString letters = canonicalDecomposition(text);
+    KeyBuilder builder(letters.size());
+    for (const QChar c : letters)
         builder.add(c);
     return std::move(builder).key();
 }
 
-int compareGeneral(QStringView a, QStringView b)
+namespace {
+
+// The General order of `a` and `b`; `keyOfB` gives b's key, made only when a character outside
+// ASCII is met before the texts differ.
+template<typename KeyOfB> int compareGeneralWith(QStringView a, QStringView b, KeyOfB keyOfB)
 {
     // While both texts are ASCII each character is one letter without accents, so the first
     // difference decides as it would in the keys.
@@ -130,7 +176,7 @@ int compareGeneral(QStringView a, QStringView b)
     for (qsizetype i = 0; i < n; ++i) {
         const char16_t x = a[i].unicode(), y = b[i].unicode();
         if (x >= 0x80 || y >= 0x80) {
-            const int c = generalSortKey(a).compare(generalSortKey(b), Qt::CaseSensitive);
+            const int c = QStringView(generalSortKey(a)).compare(keyOfB(), Qt::CaseSensitive);
             return c < 0 ? -1 : (c > 0 ? 1 : 0);
         }
         const char16_t lx = asciiLower(x), ly = asciiLower(y);
@@ -139,6 +185,22 @@ int compareGeneral(QStringView a, QStringView b)
     }
     // Whatever the longer text has left adds a letter or an accent, and sorts it after.
     return a.size() < b.size() ? -1 : (a.size() > b.size() ? 1 : 0);
+}
+
+} // namespace
+
+int compareGeneral(QStringView a, QStringView b)
+{
+    QString key;
+    return compareGeneralWith(a, b, [&key, b] {
+        key = generalSortKey(b);
+        return QStringView(key);
+    });
+}
+
+int compareGeneral(QStringView a, QStringView b, QStringView bKey)
+{
+    return compareGeneralWith(a, b, [bKey] { return bKey; });
 }
 
 } // namespace plx::jet

@@ -20,8 +20,15 @@ namespace plx::jet {
 // when their keys are. ASCII text is its own lower-case form.
 QString generalSortKey(QStringView text);
 
+// The canonical decomposition (NFD) of `text`, as QString::normalized gives it, in time
+// linear in the text's length.
+QString canonicalDecomposition(QStringView text);
+
 // -1, 0 or 1 as `a` sorts before, with or after `b` in the General order. ASCII is compared
 // in place; only a text with other characters has its key made.
 int compareGeneral(QStringView a, QStringView b);
+// The same with b's key made beforehand (generalSortKey(b)): a constant compared with every
+// row is keyed once, not once a row.
+int compareGeneral(QStringView a, QStringView b, QStringView bKey);
 
 } // namespace plx::jet

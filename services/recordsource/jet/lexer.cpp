@@ -1,6 +1,7 @@
 // services/recordsource/jet/lexer.cpp: the Jet SQL tokenizer.
 #include "services/recordsource/jet/lexer_p.h"
 
+#include <QLocale>
 #include <QRegularExpression>
 
 namespace plx::jet {
@@ -10,6 +11,21 @@ namespace {
 Status syntaxError(const QString &what, int pos)
 {
     return Status(Status::Code::Syntax, QStringLiteral("%1 at position %2").arg(what).arg(pos));
+}
+
+// "the query is too long to run (more than 100,000 terms); shorten the condition"
+Status tooLongToRun(qint64 bound, const char *unit)
+{
+    return Status(Status::Code::NotSupported,
+                  QStringLiteral("the query is too long to run (more than %1 %2); shorten the "
+                                 "condition")
+                      .arg(QLocale(QLocale::English).toString(bound), QLatin1String(unit)));
+}
+
+// Parentheses, commas and the like only group or separate terms.
+bool isTerm(const Token &t)
+{
+    return t.kind != TokenKind::Symbol || !QStringLiteral("(),;.!").contains(t.text);
 }
 
 bool isNameStart(QChar c)
@@ -241,11 +257,14 @@ Status readToken(const QString &text, qsizetype &i, Token &tok)
 
 } // namespace
 
-Result<std::vector<Token>> tokenize(const QString &text)
+Result<std::vector<Token>> tokenize(const QString &text, const ParseLimits &limits)
 {
+    if (limits.maxCharacters > 0 && text.size() > limits.maxCharacters)
+        return tooLongToRun(limits.maxCharacters, "characters");
     std::vector<Token> tokens;
     const qsizetype n = text.size();
     qsizetype i = 0;
+    int terms = 0;
     while (i < n) {
         if (text.at(i).isSpace()) {
             ++i;
@@ -255,6 +274,8 @@ Result<std::vector<Token>> tokenize(const QString &text)
         tok.pos = int(i) + 1;
         if (Status s = readToken(text, i, tok); !s.isOk())
             return s;
+        if (limits.maxTerms > 0 && isTerm(tok) && ++terms > limits.maxTerms)
+            return tooLongToRun(limits.maxTerms, "terms");
         tokens.push_back(std::move(tok));
     }
     Token end;

@@ -39,8 +39,21 @@ struct Token
     }
 };
 
-// Syntax errors name the offending text and its position.
-Result<std::vector<Token>> tokenize(const QString &text);
+// Bounds an engine may set on the texts it runs, so that no text costs more than a user
+// waits for. None by default. A text beyond a bound is refused before it is parsed, with
+// NotSupported and a one-line message naming the bound: "the query is too long to run (more
+// than 100,000 terms); shorten the condition".
+struct ParseLimits
+{
+    qsizetype maxCharacters = 0; // of the whole text; 0: no bound
+    // Terms: every name, keyword, constant and operator (a parenthesis or a comma is none),
+    // so "A = 1 Or A = 2" has seven. 0: no bound.
+    int maxTerms = 0;
+};
+
+// Syntax errors name the offending text and its position. A text beyond `limits` is refused
+// as soon as the bound is crossed.
+Result<std::vector<Token>> tokenize(const QString &text, const ParseLimits &limits = {});
 
 // Reads the inside of a #...# literal: month first (m/d/yyyy, with an optional time, and
 // "AM"/"PM"), ISO yyyy-mm-dd, or a time alone (on 12/30/1899). Invalid month-first dates

@@ -1,6 +1,8 @@
 // services/recordsource/jet/like.cpp: the Like matcher.
 #include "services/recordsource/jet/like_p.h"
 
+#include "services/recordsource/jet/evaluationcounters_p.h"
+
 namespace plx::jet {
 
 namespace {
@@ -14,6 +16,7 @@ QChar fold(QChar c, TextCompare mode)
 
 Result<LikePattern> LikePattern::compile(const QString &pattern, TextCompare mode, int pos)
 {
+    ++evaluationCounters().patternCompilations;
     LikePattern p;
     p.m_mode = mode;
     const qsizetype n = pattern.size();

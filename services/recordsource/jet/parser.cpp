@@ -415,18 +415,18 @@ Result<NodePtr> Parser::wholeExpression()
 
 } // namespace detail
 
-Result<SelectStatement> parseSelect(const QString &sql)
+Result<SelectStatement> parseSelect(const QString &sql, const ParseLimits &limits)
 {
-    Result<std::vector<Token>> tokens = tokenize(sql);
+    Result<std::vector<Token>> tokens = tokenize(sql, limits);
     if (!tokens.isOk())
         return tokens.status();
     Parser parser(std::move(tokens).value());
     return parser.select();
 }
 
-Result<NodePtr> parseExpression(const QString &text)
+Result<NodePtr> parseExpression(const QString &text, const ParseLimits &limits)
 {
-    Result<std::vector<Token>> tokens = tokenize(text);
+    Result<std::vector<Token>> tokens = tokenize(text, limits);
     if (!tokens.isOk())
         return tokens.status();
     Parser parser(std::move(tokens).value());

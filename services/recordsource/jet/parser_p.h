@@ -3,16 +3,18 @@
 // Accepts one SELECT statement (an optional trailing ';' and nothing after it) or one
 // expression (a WHERE condition or a FindFirst criterion). Keywords are case-insensitive.
 // Errors are Status::Code::Syntax with the offending token and its 1-based position; an
-// unknown function is Status::Code::UnknownFunction, found here so that nothing runs.
+// unknown function is Status::Code::UnknownFunction, found here so that nothing runs. A text
+// beyond the engine's `limits` (lexer_p.h) is NotSupported, refused before it is parsed.
 #pragma once
 
 #include "services/recordsource/jet/ast_p.h"
+#include "services/recordsource/jet/lexer_p.h"
 #include "services/recordsource/result.h"
 
 namespace plx::jet {
 
-Result<SelectStatement> parseSelect(const QString &sql);
-Result<NodePtr> parseExpression(const QString &text);
+Result<SelectStatement> parseSelect(const QString &sql, const ParseLimits &limits = {});
+Result<NodePtr> parseExpression(const QString &text, const ParseLimits &limits = {});
 
 // True for the names the evaluator and the translators implement (upper case, '$' kept).
 bool isKnownFunction(const QString &upperName);
