@@ -6,6 +6,7 @@
 #include "services/recordsource/foxpro/dbfvtab_p.h"
 
 #include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/jet/deadline_p.h"
 
 #include <sqlite3.h>
 
@@ -16,10 +17,31 @@ namespace plx::foxpro {
 
 namespace {
 
+// When the statement running on the connection began, and how long it may run. One per
+// connection, owned by the module registration.
+struct StatementClock
+{
+    qint64 limitMs = 0; // 0: no limit
+    QByteArray stoppedMessage;
+    qint64 startedMs = 0;
+    int rowsUntilClockRead = 0;
+};
+
+constexpr int kRowsPerClockRead = 64;
+
+int onStatementStart(unsigned, void *clock, void *, void *)
+{
+    auto *c = static_cast<StatementClock *>(clock);
+    c->startedMs = jet::deadlineClockNow();
+    c->rowsUntilClockRead = 0;
+    return 0;
+}
+
 struct DbfVtab
 {
     sqlite3_vtab base;
     DbfTable *table; // owned
+    StatementClock *clock; // the connection's; null without a limit
 };
 static_assert(std::is_standard_layout_v<DbfVtab>);
 
@@ -52,7 +74,7 @@ QString declaredType(const DbfField &f)
     }
 }
 
-int dbfConnect(sqlite3 *db, void *, int argc, const char *const *argv, sqlite3_vtab **out,
+int dbfConnect(sqlite3 *db, void *clock, int argc, const char *const *argv, sqlite3_vtab **out,
                char **err)
 {
     try {
@@ -90,6 +112,7 @@ int dbfConnect(sqlite3 *db, void *, int argc, const char *const *argv, sqlite3_v
             return SQLITE_NOMEM;
         std::memset(vtab, 0, sizeof(DbfVtab));
         vtab->table = table.value().release();
+        vtab->clock = static_cast<StatementClock *>(clock);
         *out = &vtab->base;
         return SQLITE_OK;
     } catch (...) {
@@ -144,12 +167,28 @@ void skipDeleted(DbfCursor *c, const DbfTable &table)
         ++c->recno;
 }
 
+// SQLITE_ERROR with the limit's message once the running statement has had its time; read
+// between rows, every kRowsPerClockRead of them.
+int checkTime(sqlite3_vtab_cursor *base)
+{
+    auto *vtab = reinterpret_cast<DbfVtab *>(base->pVtab);
+    StatementClock *clock = vtab->clock;
+    if (!clock || --clock->rowsUntilClockRead > 0)
+        return SQLITE_OK;
+    clock->rowsUntilClockRead = kRowsPerClockRead;
+    if (jet::deadlineClockNow() - clock->startedMs < clock->limitMs)
+        return SQLITE_OK;
+    sqlite3_free(vtab->base.zErrMsg);
+    vtab->base.zErrMsg = sqlite3_mprintf("%s", clock->stoppedMessage.constData());
+    return SQLITE_ERROR;
+}
+
 int dbfFilter(sqlite3_vtab_cursor *base, int, const char *, int, sqlite3_value **)
 {
     auto *c = reinterpret_cast<DbfCursor *>(base);
     c->recno = 1;
     skipDeleted(c, tableOf(base));
-    return SQLITE_OK;
+    return checkTime(base);
 }
 
 int dbfNext(sqlite3_vtab_cursor *base)
@@ -157,7 +196,7 @@ int dbfNext(sqlite3_vtab_cursor *base)
     auto *c = reinterpret_cast<DbfCursor *>(base);
     ++c->recno;
     skipDeleted(c, tableOf(base));
-    return SQLITE_OK;
+    return checkTime(base);
 }
 
 int dbfEof(sqlite3_vtab_cursor *base)
@@ -245,9 +284,21 @@ const sqlite3_module kDbfModule = {
 
 } // namespace
 
-Status registerDbfModule(sqlite3 *db)
+Status registerDbfModule(sqlite3 *db, qint64 timeLimitMs, const QString &stoppedMessage)
 {
-    const int rc = sqlite3_create_module_v2(db, "dbf", &kDbfModule, nullptr, nullptr);
+    StatementClock *clock = nullptr;
+    if (timeLimitMs > 0) {
+        clock = new StatementClock;
+        clock->limitMs = timeLimitMs;
+        clock->stoppedMessage = stoppedMessage.toUtf8();
+        clock->startedMs = jet::deadlineClockNow();
+    }
+    // The module owns the clock: SQLite deletes it when the connection closes (or at once when
+    // the registration fails).
+    const int rc = sqlite3_create_module_v2(
+        db, "dbf", &kDbfModule, clock, [](void *c) { delete static_cast<StatementClock *>(c); });
+    if (rc == SQLITE_OK && clock)
+        sqlite3_trace_v2(db, SQLITE_TRACE_STMT, onStatementStart, clock);
     if (rc != SQLITE_OK)
         return Status(Status::Code::Engine, QStringLiteral("cannot register the dbf module"), rc,
                       QString::fromUtf8(sqlite3_errmsg(db)));

@@ -12,6 +12,9 @@
 // Columns carry declared types (CHAR(n), NUMERIC(w,d), DATE, BOOLEAN, MEMO) so the SQLite
 // record source reads them back as the same field types; the rowid is the record number;
 // deleted records are skipped; text is decoded from the table's code page to UTF-8.
+//
+// With a time limit, a statement of the connection that is still reading a table when the
+// limit has passed since it began fails, with the limit's message as SQLite's error text.
 #pragma once
 
 #include "services/recordsource/result.h"
@@ -20,7 +23,7 @@ struct sqlite3;
 
 namespace plx::foxpro {
 
-// Installs the "dbf" module on a connection.
-Status registerDbfModule(sqlite3 *db);
+// Installs the "dbf" module on a connection; `timeLimitMs` 0 for no time limit.
+Status registerDbfModule(sqlite3 *db, qint64 timeLimitMs = 0, const QString &stoppedMessage = {});
 
 } // namespace plx::foxpro

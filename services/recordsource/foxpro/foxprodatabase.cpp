@@ -3,6 +3,7 @@
 
 #include "services/recordsource/foxpro/dbfvtab_p.h"
 #include "services/recordsource/foxpro/foxprorecordsource_p.h"
+#include "services/recordsource/foxpro/statementbounds_p.h"
 #include "services/recordsource/jet/parser_p.h"
 #include "services/recordsource/sqlite/sqliterecordsource_p.h"
 
@@ -26,7 +27,10 @@ public:
     {
         if (m_closed)
             return Status(Status::Code::InvalidArgument, QStringLiteral("the database is closed"));
-        if (needsSqlite(tableOrSql))
+        Result<jet::SelectStatement> stmt = jet::parseSelect(tableOrSql, statementLimits());
+        if (stmt.status().code() == Status::Code::NotSupported)
+            return stmt.status(); // beyond the bounds: not parsed again below
+        if (stmt.isOk() && (!stmt->joins.empty() || !stmt->star))
             return openThroughSqlite(tableOrSql);
         return FoxProRecordSource::open([this](const QString &name) { return tablePath(name); },
                                         tableOrSql, m_readOnly, m_codePage, m_collate);
@@ -50,23 +54,23 @@ public:
 
 private:
     // Joins and column lists are SQLite's work; the record source runs the one-table shapes.
-    static bool needsSqlite(const QString &tableOrSql)
-    {
-        Result<jet::SelectStatement> stmt = jet::parseSelect(tableOrSql);
-        return stmt.isOk() && (!stmt->joins.empty() || !stmt->star);
-    }
-
-    // Runs the statement on an in-memory SQLite connection where each table it names is a
+    // The statement runs on an in-memory SQLite connection where each table it names is a
     // "dbf" virtual table. Such a record source holds its rows and is read-only.
     Result<std::unique_ptr<RecordSource>> openThroughSqlite(const QString &sql) const
     {
-        const jet::SelectStatement stmt = jet::parseSelect(sql).value();
+        Result<jet::SelectStatement> parsed = jet::parseSelect(sql, sqliteStatementLimits());
+        if (!parsed.isOk())
+            return parsed.status();
+        const jet::SelectStatement &stmt = parsed.value();
         Result<std::shared_ptr<sqlite::Connection>> conn =
             sqlite::Connection::open(QStringLiteral(":memory:"), {});
         if (!conn.isOk())
             return conn.status();
         conn.value()->setTextCompare(m_collate);
-        if (Status s = registerDbfModule(conn.value()->handle()); !s.isOk())
+        const Status stopped = statementStopped();
+        if (Status s =
+                registerDbfModule(conn.value()->handle(), kStatementTimeLimitMs, stopped.message());
+            !s.isOk())
             return s;
         std::vector<jet::TableRef> tables{ stmt.from };
         for (const jet::Join &j : stmt.joins)
@@ -92,7 +96,11 @@ private:
                 return s;
             created << t.name;
         }
-        return sqlite::SqliteRecordSource::open(conn.value(), sql);
+        Result<std::unique_ptr<RecordSource>> opened =
+            sqlite::SqliteRecordSource::open(conn.value(), sql);
+        if (!opened.isOk() && opened.status().engineMessage() == stopped.message())
+            return stopped; // in the engine's own words, not SQLite's wrapping of them
+        return opened;
     }
 
     // The file of a table, its title matched without regard to case; empty when none.

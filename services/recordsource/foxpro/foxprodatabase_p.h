@@ -7,6 +7,12 @@
 // of the controls stay case-insensitive because they compare UCase() of both sides. The
 // General collating sequence compares text as the SQLite engine does instead:
 // case-insensitively, accented letters beside their base letters (jet/generalorder_p.h).
+//
+// Limits: every statement and find finishes or is refused within a time a user waits for.
+// Texts over 4,000,000 characters or 1,000,000 terms (50,000 for joins and column lists,
+// which SQLite runs) are refused before they are parsed, nesting deeper than 100 levels by
+// the parser, and a statement or find still running after 10 seconds stops: "the query was
+// stopped after 10 seconds; use a simpler condition" (statementbounds_p.h).
 #pragma once
 
 #include "services/recordsource/database.h"

@@ -1,5 +1,6 @@
 // services/recordsource/foxpro/foxprorecordsource.cpp: opening, moving and reading.
 #include "services/recordsource/foxpro/foxprorecordsource_p.h"
+#include "services/recordsource/foxpro/statementbounds_p.h"
 
 #include "services/recordsource/jet/parser_p.h"
 
@@ -47,7 +48,7 @@ Result<std::unique_ptr<RecordSource>> FoxProRecordSource::open(const TablePaths 
             name = name.mid(1, name.size() - 2);
         sql = QStringLiteral("SELECT * FROM [%1]").arg(name);
     }
-    Result<jet::SelectStatement> parsed = jet::parseSelect(sql);
+    Result<jet::SelectStatement> parsed = jet::parseSelect(sql, statementLimits());
     if (!parsed.isOk())
         return parsed.status();
     const jet::SelectStatement &stmt = parsed.value();
@@ -77,8 +78,11 @@ Result<std::unique_ptr<RecordSource>> FoxProRecordSource::open(const TablePaths 
     source->m_collate = collate;
     source->m_tableName = stmt.from.name;
     source->m_alias = stmt.from.effectiveAlias();
-    if (Status s = source->build(stmt); !s.isOk())
-        return s;
+    {
+        const StatementDeadline deadline;
+        if (Status s = source->build(stmt); !s.isOk())
+            return s;
+    }
     if (!source->m_keys.empty())
         (void)source->moveTo(0);
     return std::unique_ptr<RecordSource>(std::move(source));

@@ -5,7 +5,9 @@
 #include "services/recordsource/foxpro/prefixscan_p.h"
 #include "services/recordsource/foxpro/rankcache_p.h"
 #include "services/recordsource/foxpro/recordrow_p.h"
+#include "services/recordsource/foxpro/statementbounds_p.h"
 
+#include "services/recordsource/jet/deadline_p.h"
 #include "services/recordsource/jet/evaluator_p.h"
 #include "services/recordsource/jet/generalorder_p.h"
 #include "services/recordsource/jet/parser_p.h"
@@ -146,7 +148,7 @@ Result<NodePtr> FoxProRecordSource::bindExpression(const NodePtr &node) const
     const DbfTable &table = *m_table;
     const QString alias = m_alias;
     const QString tableName = m_tableName;
-    Status s = jet::bind(node, [&](const Node &col) -> Result<int> {
+    const jet::ColumnResolver resolve = [&](const Node &col) -> Result<int> {
         QString qualifier = col.table;
         QString name = col.name;
         if (col.wholeBracket) {
@@ -163,7 +165,9 @@ Result<NodePtr> FoxProRecordSource::bindExpression(const NodePtr &node) const
                 Status::Code::UnknownField,
                 QStringLiteral("unknown field '%1' at position %2").arg(written).arg(col.pos));
         return index;
-    });
+    };
+    // Bound for the source's comparison: constant parts are worked out here, once.
+    Status s = jet::bind(node, resolve, m_collate);
     if (!s.isOk())
         return s;
     return node;
@@ -200,6 +204,10 @@ Result<std::vector<quint32>> FoxProRecordSource::filter(const NodePtr &where,
             }
             if (record[0] == '*')
                 continue;
+            if (jet::deadlinePassed()) {
+                failed = jet::deadlineError();
+                return false;
+            }
             if (where) {
                 const Verdict verdict = scan ? scan->test(record) : Verdict::Undecided;
                 if (verdict == Verdict::Reject)
@@ -337,7 +345,8 @@ qint64 FoxProRecordSource::locateInFileOrder(const std::function<bool(quint32)> 
 
 Result<qint64> FoxProRecordSource::locate(const QString &criterion, qint64 start) const
 {
-    Result<NodePtr> tree = jet::parseExpression(criterion);
+    const StatementDeadline deadline;
+    Result<NodePtr> tree = jet::parseExpression(criterion, statementLimits());
     if (!tree.isOk())
         return tree.status();
     Result<NodePtr> bound = bindExpression(tree.value());
@@ -355,6 +364,8 @@ Result<qint64> FoxProRecordSource::locate(const QString &criterion, qint64 start
         const char *record = m_table->recordBytes(recno);
         if (!record || record[0] == '*')
             continue; // deleted by another user since the open
+        if (jet::deadlinePassed())
+            return jet::deadlineError();
         if (equal) {
             if (equal(recno))
                 return i;
