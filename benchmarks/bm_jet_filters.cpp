@@ -8,6 +8,9 @@
 //   Nz        Nz(CITY, '') = 'Denver'            IIF(IsNull(CITY), '', CITY) = 'Denver'
 //   DatePart  DatePart('yyyy', BORN) = 1990      Year(BORN) = 1990
 //   InStrRev  InStrRev(NAME, ',') > 7            InStr(NAME, ',') > 7
+// and, on FoxPro, statements whose constants must be worked out once, not once a record:
+//   MegabyteConstant  NAME = Replace('<1,000,000 x>', 'x', 'y') Or CITY Like '<1,000,000 x>*'
+//   OrChain10000      AMOUNT = 1 Or AMOUNT = 2 Or ... Or AMOUNT = 10000
 #include "benchmarks/benchtablecache.h"
 
 #include "services/recordsource/tablegen/benchtable.h"
@@ -46,13 +49,13 @@ Database *foxProDb()
     return db.get();
 }
 
-void runFilter(benchmark::State &state, Database *db, const char *filter)
+void runFilter(benchmark::State &state, Database *db, const QString &filter)
 {
     if (!db) {
         state.SkipWithError("no benchmark database");
         return;
     }
-    const QString sql = QStringLiteral("SELECT * from T WHERE ") + QLatin1String(filter);
+    const QString sql = QStringLiteral("SELECT * from T WHERE ") + filter;
     qint64 hits = 0;
     for (auto _ : state) {
         Result<std::unique_ptr<RecordSource>> rs = db->OpenRecordset(sql);
@@ -77,7 +80,7 @@ const char *const kInStrRevOld = "InStr(NAME, ',') > 7";
 #define PLX_FILTER_BENCH(NAME, DB, FILTER) \
     void NAME(benchmark::State &state) \
     { \
-        runFilter(state, DB(), FILTER); \
+        runFilter(state, DB(), QLatin1String(FILTER)); \
     } \
     BENCHMARK(NAME)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
@@ -95,6 +98,32 @@ PLX_FILTER_BENCH(BM_FoxProFilter_InStrRevNew, foxProDb, kInStrRevNew)
 PLX_FILTER_BENCH(BM_FoxProFilter_InStrRevOld, foxProDb, kInStrRevOld)
 
 #undef PLX_FILTER_BENCH
+
+QString megabyteConstantFilter()
+{
+    const QString megabyte(1'000'000, QLatin1Char('x'));
+    return QStringLiteral("NAME = Replace('%1', 'x', 'y') Or CITY Like '%1*'").arg(megabyte);
+}
+
+QString orChainFilter(int terms)
+{
+    QStringList alternatives;
+    for (int i = 1; i <= terms; ++i)
+        alternatives << QStringLiteral("AMOUNT = %1").arg(i);
+    return alternatives.join(QStringLiteral(" Or "));
+}
+
+void BM_FoxProFilter_MegabyteConstant(benchmark::State &state)
+{
+    runFilter(state, foxProDb(), megabyteConstantFilter());
+}
+BENCHMARK(BM_FoxProFilter_MegabyteConstant)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+
+void BM_FoxProFilter_OrChain10000(benchmark::State &state)
+{
+    runFilter(state, foxProDb(), orChainFilter(10000));
+}
+BENCHMARK(BM_FoxProFilter_OrChain10000)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
 } // namespace
 
