@@ -386,6 +386,7 @@ private:
     bool parentAllowsSave();
     bool isNewRecord(const QString &id) const;
     bool keyIsFree(const QString &id, const QString &ownID);
+    void saveFieldRows(const QList<BoundControl *> &fields);
     bool writeEditedRecord(const QString &heldID);
     void moveToNeighbour(qint32 position);
     void releaseHeldRecord();

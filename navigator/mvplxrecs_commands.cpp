@@ -182,6 +182,19 @@ bool mvPLXRecs::isNewRecord(const QString &id) const
     return m_newRecordID && rtrimSpaces(*m_newRecordID) == rtrimSpaces(id);
 }
 
+// Each field row hands what was typed to the record's edit buffer; a row that refuses its
+// value says so in its own box, titled with the row's name.
+void mvPLXRecs::saveFieldRows(const QList<BoundControl *> &fields)
+{
+    for (BoundControl *control : fields)
+        control->EditUpdate();
+    for (BoundControl *control : fields) {
+        const QString said = control->Save();
+        if (!said.isEmpty())
+            showBox(said, MsgStyle::Information, control->Name());
+    }
+}
+
 bool mvPLXRecs::writeEditedRecord(const QString &heldID)
 {
     // The rows put their values into the record's edit buffer and the navigator writes the
@@ -197,13 +210,7 @@ bool mvPLXRecs::writeEditedRecord(const QString &heldID)
         }
     }
     const QList<BoundControl *> fields = cMervaneControls();
-    for (BoundControl *control : fields)
-        control->EditUpdate();
-    for (BoundControl *control : fields) {
-        const QString said = control->Save();
-        if (!said.isEmpty())
-            showBox(said, MsgStyle::Information, control->Name());
-    }
+    saveFieldRows(fields);
     // The ID as the rows left it: typed over, blanked or as it was.
     const Result<QVariant> typed = m_rs->value(m_sIDfield);
     const QString id = typed.isOk() ? typed.value().toString() : QString();
@@ -262,13 +269,7 @@ bool mvPLXRecs::commandSave()
         m_sEventInfo = QStringLiteral("ButtonClick: Save (RecSave)");
         Q_EMIT RecSave(id);
     } else {
-        for (BoundControl *control : fields)
-            control->EditUpdate();
-        for (BoundControl *control : fields) {
-            const QString said = control->Save();
-            if (!said.isEmpty())
-                showBox(said, MsgStyle::Information, control->Name());
-        }
+        saveFieldRows(fields);
     }
     pump();
     for (BoundControl *control : fields)

@@ -255,14 +255,14 @@ void WalkModel::adopt(const QString &id, int position)
 
 std::optional<QString> WalkModel::storedValue(const QString &field, const QString &typed) const
 {
-    const FieldSpec *spec = fieldSpec(field);
-    if (!spec)
+    const FieldShape *shape = fieldShape(field);
+    if (!shape)
         return std::nullopt;
     const bool foxPro = m_options.backend == Backend::FoxPro;
-    switch (spec->kind) {
+    switch (shape->kind) {
     case FieldKind::Text: {
         const QString text = isUpperRow(field) ? typed.toUpper() : typed;
-        if (text.size() > spec->size || (foxPro && !fitsCp1252(text)))
+        if (text.size() > shape->size || (foxPro && !fitsCp1252(text)))
             return std::nullopt;
         QString kept = text;
         while (kept.endsWith(QLatin1Char(' ')))
@@ -286,9 +286,9 @@ std::optional<QString> WalkModel::storedValue(const QString &field, const QStrin
         if (!(digitsOnly ? digits : decimal).match(text).hasMatch())
             return std::nullopt;
         const double v = text.toDouble();
-        if (QString::number(v, 'f', spec->decimals).size() > spec->size)
+        if (QString::number(v, 'f', shape->decimals).size() > shape->size)
             return std::nullopt; // wider than the field
-        return plainNumber(v, spec->decimals);
+        return plainNumber(v, shape->decimals);
     }
     case FieldKind::Date: {
         const QDate d = QDate::fromString(typed.trimmed(), QStringLiteral("MM/dd/yyyy"));
@@ -303,12 +303,12 @@ std::optional<QString> WalkModel::storedValue(const QString &field, const QStrin
 
 QString WalkModel::displayOf(const QString &field, const QString &plain) const
 {
-    const FieldSpec *spec = fieldSpec(field);
-    if (!spec || plain.isEmpty())
+    const FieldShape *shape = fieldShape(field);
+    if (!shape || plain.isEmpty())
         return plain;
     if (field == QLatin1String("BEDS"))
         return QLocale(QLocale::English).toString(qlonglong(std::llround(plain.toDouble())));
-    if (spec->kind == FieldKind::Date) {
+    if (shape->kind == FieldKind::Date) {
         const QDate d = QDate::fromString(plain, QStringLiteral("yyyyMMdd"));
         return d.isValid() ? d.toString(QStringLiteral("MM/dd/yyyy")) : plain;
     }
@@ -455,7 +455,7 @@ Expectation WalkModel::create(bool copy, const QDateTime &now)
     if (copy) {
         r = m_table[m_current]; // every field, the old ID too, before the new ID overwrites it
     } else {
-        for (const FieldSpec &f : sampleFieldSpecs())
+        for (const FieldShape &f : sampleFieldShapes())
             r.insert(f.name, f.kind == FieldKind::Logical ? QStringLiteral("F") : QString());
     }
     r[QStringLiteral("PLSTART")] = stamp(now);

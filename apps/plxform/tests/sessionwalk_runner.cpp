@@ -15,6 +15,7 @@
 #include <QLocale>
 #include <QTemporaryDir>
 
+#include <functional>
 #include <memory>
 
 namespace plx::walk {
@@ -336,7 +337,13 @@ QString sampleTablePath(Backend backend)
                                       : QStringLiteral("/facility.sqlite"));
 }
 
-WalkResult runRandomWalk(const WalkOptions &options)
+namespace {
+
+// Runs a walk of at most `count` steps, step i being `stepAt(model, i)`. Past a failing
+// check it goes on only when `goOnPastFailures` (a benchmark measures the same work on
+// every build); the end-of-walk check runs when no step failed.
+WalkResult runWalk(const WalkOptions &options, qsizetype count, bool goOnPastFailures,
+                   const std::function<Step(const WalkModel &, qsizetype)> &stepAt)
 {
     WalkResult result;
     QString error;
@@ -346,11 +353,10 @@ WalkResult runRandomWalk(const WalkOptions &options)
     }
     Walk walk(options);
     result.failure = walk.start();
-    StepGenerator generator(options.seed, options.idRowTyped && options.refuseDuplicateIDs);
-    for (int i = 0; !result.failure && i < options.steps; ++i) {
-        result.steps << generator.next(walk.model());
-        result.failure = walk.step(result.steps.last(), i);
-        if (result.failure && !options.stopAtFirstFailure) {
+    for (qsizetype i = 0; !result.failure && i < count; ++i) {
+        result.steps << stepAt(walk.model(), i);
+        result.failure = walk.step(result.steps.last(), int(i));
+        if (result.failure && goOnPastFailures) {
             ++result.failuresPassed;
             result.failure.reset();
         }
@@ -360,23 +366,20 @@ WalkResult runRandomWalk(const WalkOptions &options)
     return result;
 }
 
+} // namespace
+
+WalkResult runRandomWalk(const WalkOptions &options)
+{
+    StepGenerator generator(options.seed, options.idRowTyped && options.refuseDuplicateIDs);
+    return runWalk(
+        options, options.steps, !options.stopAtFirstFailure,
+        [&generator](const WalkModel &model, qsizetype) { return generator.next(model); });
+}
+
 WalkResult replaySteps(const WalkOptions &options, const QList<Step> &steps)
 {
-    WalkResult result;
-    QString error;
-    if (!prepareSample(&error)) {
-        result.failure = WalkFailure{ -1, QStringLiteral("setup"), error };
-        return result;
-    }
-    Walk walk(options);
-    result.failure = walk.start();
-    for (int i = 0; !result.failure && i < steps.size(); ++i) {
-        result.steps << steps[i];
-        result.failure = walk.step(steps[i], i);
-    }
-    if (!result.failure)
-        result.failure = walk.finish(int(result.steps.size()) - 1);
-    return result;
+    return runWalk(options, steps.size(), false,
+                   [&steps](const WalkModel &, qsizetype i) { return steps[i]; });
 }
 
 QList<Step> shrinkFailingWalk(const WalkOptions &options, const WalkResult &failing, int maxReplays,

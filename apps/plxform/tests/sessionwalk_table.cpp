@@ -137,9 +137,9 @@ QString backendName(Backend backend)
     return backend == Backend::FoxPro ? QStringLiteral("FoxPro") : QStringLiteral("SQLite");
 }
 
-const QList<FieldSpec> &sampleFieldSpecs()
+const QList<FieldShape> &sampleFieldShapes()
 {
-    static const QList<FieldSpec> fields = {
+    static const QList<FieldShape> fields = {
         { QStringLiteral("ID"), FieldKind::Text, 10 },
         { QStringLiteral("NAME"), FieldKind::Text, 40 },
         { QStringLiteral("CITY"), FieldKind::Text, 24 },
@@ -158,9 +158,9 @@ const QList<FieldSpec> &sampleFieldSpecs()
     return fields;
 }
 
-const FieldSpec *fieldSpec(const QString &name)
+const FieldShape *fieldShape(const QString &name)
 {
-    for (const FieldSpec &f : sampleFieldSpecs())
+    for (const FieldShape &f : sampleFieldShapes())
         if (f.name == name)
             return &f;
     return nullptr;
@@ -238,16 +238,16 @@ bool readFoxProTable(const QString &dbfPath, Table *table, QString *error, QStri
 
 namespace {
 
-QString plainSqliteValue(sqlite3_stmt *row, int column, const FieldSpec &spec)
+QString plainSqliteValue(sqlite3_stmt *row, int column, const FieldShape &shape)
 {
     const int type = sqlite3_column_type(row, column);
     if (type == SQLITE_NULL)
-        return spec.kind == FieldKind::Logical ? QStringLiteral("F") : QString();
+        return shape.kind == FieldKind::Logical ? QStringLiteral("F") : QString();
     const QString text =
         QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(row, column)),
                           sqlite3_column_bytes(row, column));
-    switch (spec.kind) {
-    case FieldKind::Number: return plainNumber(sqlite3_column_double(row, column), spec.decimals);
+    switch (shape.kind) {
+    case FieldKind::Number: return plainNumber(sqlite3_column_double(row, column), shape.decimals);
     case FieldKind::Logical:
         if (type == SQLITE_INTEGER || type == SQLITE_FLOAT)
             return sqlite3_column_double(row, column) != 0 ? QStringLiteral("T")
@@ -280,7 +280,7 @@ bool readSqliteTable(const QString &dbPath, const QString &tableName, Table *tab
     }
     sqlite3_busy_timeout(db, 2000);
     QStringList columns;
-    for (const FieldSpec &f : sampleFieldSpecs())
+    for (const FieldShape &f : sampleFieldShapes())
         columns << QLatin1Char('"') + f.name + QLatin1Char('"');
     const QByteArray sql = QStringLiteral("SELECT %1 FROM \"%2\"")
                                .arg(columns.join(QLatin1Char(',')), tableName)
@@ -291,9 +291,9 @@ bool readSqliteTable(const QString &dbPath, const QString &tableName, Table *tab
     int rc = SQLITE_ROW;
     while (ok && (rc = sqlite3_step(row)) == SQLITE_ROW) {
         Record record;
-        for (int i = 0; i < sampleFieldSpecs().size(); ++i)
-            record.insert(sampleFieldSpecs()[i].name,
-                          plainSqliteValue(row, i, sampleFieldSpecs()[i]));
+        for (int i = 0; i < sampleFieldShapes().size(); ++i)
+            record.insert(sampleFieldShapes()[i].name,
+                          plainSqliteValue(row, i, sampleFieldShapes()[i]));
         addRecord(table, std::move(record), duplicates);
     }
     ok = ok && rc == SQLITE_DONE;
@@ -341,7 +341,7 @@ for r in t:
             continue;
         const QList<QByteArray> cells = line.split('\t');
         Record record;
-        for (int i = 0; i < cells.size() && i < sampleFieldSpecs().size(); ++i) {
+        for (int i = 0; i < cells.size() && i < sampleFieldShapes().size(); ++i) {
             // ascii() gives a quoted literal with \xNN, \uNNNN and \n escapes.
             QString cell = QString::fromLatin1(cells[i].mid(1, cells[i].size() - 2));
             QString value;
@@ -362,10 +362,10 @@ for r in t:
                                                    : e;
                 }
             }
-            const FieldSpec &spec = sampleFieldSpecs()[i];
-            if (spec.kind == FieldKind::Number && !value.isEmpty())
-                value = plainNumber(value.toDouble(), spec.decimals);
-            record.insert(spec.name, value);
+            const FieldShape &shape = sampleFieldShapes()[i];
+            if (shape.kind == FieldKind::Number && !value.isEmpty())
+                value = plainNumber(value.toDouble(), shape.decimals);
+            record.insert(shape.name, value);
         }
         addRecord(table, std::move(record), nullptr);
     }

@@ -21,7 +21,7 @@ QString backendName(Backend backend);
 
 enum class FieldKind { Text, Number, Date, Logical, Memo };
 
-struct FieldSpec
+struct FieldShape
 {
     QString name;
     FieldKind kind;
@@ -30,8 +30,8 @@ struct FieldSpec
 };
 
 // The fields of the sample facility table, in table order.
-const QList<FieldSpec> &sampleFieldSpecs();
-const FieldSpec *fieldSpec(const QString &name);
+const QList<FieldShape> &sampleFieldShapes();
+const FieldShape *fieldShape(const QString &name);
 
 using Record = QMap<QString, QString>; // field name -> plain value
 using Table = QMap<QString, Record>; // ID (plain) -> record
