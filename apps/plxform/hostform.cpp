@@ -447,7 +447,9 @@ void HostForm::focusFirstEditableRow()
     for (qint16 n = 0; m_rows && n <= m_rows->nUbound(); ++n) {
         mvText *row = m_rows->textRow(n);
         if (row && !row->Locked() && row->isEnabled()) {
-            row->setFocus(Qt::OtherFocusReason);
+            // As if the user had tabbed there: the row's text is selected, so what is typed
+            // replaces it instead of landing in front of it.
+            row->setFocus(Qt::TabFocusReason);
             return;
         }
     }
