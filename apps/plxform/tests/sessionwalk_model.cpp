@@ -119,7 +119,31 @@ QStringList WalkModel::filterNames()
 
 // --- The order ------------------------------------------------------------------------
 
+const WalkModel::RecordFacts &WalkModel::facts(const Record &record) const
+{
+    RecordFacts &f = m_facts[record.value(QStringLiteral("ID"))];
+    if (!f.record.isSharedWith(record) || f.record.isEmpty() || f.sort != m_sort
+        || f.filter != m_filter) {
+        f.record = record;
+        f.sort = m_sort;
+        f.filter = m_filter;
+        f.key = computeSortKey(record);
+        f.member = computeInFilter(record);
+    }
+    return f;
+}
+
 QStringList WalkModel::sortKey(const Record &record) const
+{
+    return facts(record).key;
+}
+
+bool WalkModel::inFilter(const Record &record) const
+{
+    return facts(record).member;
+}
+
+QStringList WalkModel::computeSortKey(const Record &record) const
 {
     // Each back end's text order: a FoxPro table compares its code page's bytes; SQLite
     // compares letters without case and accents first, then the accents, a letter
@@ -156,7 +180,7 @@ QStringList WalkModel::sortKey(const Record &record) const
     return key;
 }
 
-bool WalkModel::inFilter(const Record &r) const
+bool WalkModel::computeInFilter(const Record &r) const
 {
     if (m_filter == QLatin1String("Active facilities"))
         return r.value(QStringLiteral("ACTIVE")) == QLatin1String("T");
@@ -174,36 +198,34 @@ bool WalkModel::inFilter(const Record &r) const
     return true;
 }
 
-QStringList WalkModel::orderedMembers(QList<QStringList> *keys) const
+const WalkModel::Order &WalkModel::order() const
 {
+    Order &o = m_order;
+    if (o.table.isSharedWith(m_table) && !o.table.isEmpty() && o.sort == m_sort
+        && o.filter == m_filter && o.tail == m_tail)
+        return o;
     QList<std::pair<QStringList, QString>> sorted;
-    for (auto it = m_table.begin(); it != m_table.end(); ++it)
+    for (auto it = m_table.cbegin(); it != m_table.cend(); ++it)
         if (!m_tail.contains(it.key()) && inFilter(*it))
             sorted.append({ sortKey(*it), it.key() });
     std::stable_sort(sorted.begin(), sorted.end(), [](const auto &a, const auto &b) {
         return compareKeys(a.first, b.first) < 0;
     });
-    QStringList ids;
-    for (const auto &[key, id] : sorted) {
-        ids << id;
-        if (keys)
-            keys->append(key);
+    o = Order{ m_table, m_sort, m_filter, m_tail, {}, {}, int(sorted.size()) };
+    for (auto &[key, id] : sorted) {
+        o.ids << id;
+        o.keys << std::move(key);
     }
     for (const QString &id : m_tail) {
-        ids << id;
-        if (keys)
-            keys->append(QStringList{ QStringLiteral("\x01tail"), id });
+        o.ids << id;
+        o.keys << QStringList{ QStringLiteral("\x01tail"), id };
     }
-    return ids;
+    return o;
 }
 
 int WalkModel::count() const
 {
-    int n = int(m_tail.size());
-    for (auto it = m_table.begin(); it != m_table.end(); ++it)
-        if (!m_tail.contains(it.key()) && inFilter(*it))
-            ++n;
-    return n;
+    return int(order().ids.size());
 }
 
 QString WalkModel::countText() const
@@ -213,35 +235,33 @@ QString WalkModel::countText() const
 
 std::pair<int, int> WalkModel::positionRange(const QString &id) const
 {
-    if (!m_table.contains(id))
+    const auto record = m_table.constFind(id);
+    if (record == m_table.cend())
         return { -1, -1 };
-    int plain = 0, below = 0, equal = 0;
-    const QStringList key = sortKey(m_table[id]);
-    for (auto it = m_table.begin(); it != m_table.end(); ++it) {
-        if (m_tail.contains(it.key()) || !inFilter(*it))
-            continue;
-        ++plain;
-        const int c = compareKeys(sortKey(*it), key);
-        below += c < 0 ? 1 : 0;
-        equal += c == 0 ? 1 : 0;
-    }
+    const Order &o = order();
     if (const qsizetype t = m_tail.indexOf(id); t >= 0)
-        return { plain + int(t), plain + int(t) };
-    if (!inFilter(m_table[id]))
+        return { o.plain + int(t), o.plain + int(t) };
+    if (!inFilter(*record))
         return { -1, -1 };
-    return { below, below + equal - 1 };
+    const QStringList key = sortKey(*record);
+    const auto plainEnd = o.keys.cbegin() + o.plain;
+    const auto less = [](const QStringList &a, const QStringList &b) {
+        return compareKeys(a, b) < 0;
+    };
+    const auto from = std::lower_bound(o.keys.cbegin(), plainEnd, key, less);
+    const auto to = std::upper_bound(from, plainEnd, key, less);
+    return { int(from - o.keys.cbegin()), int(to - o.keys.cbegin()) - 1 };
 }
 
 QSet<QString> WalkModel::recordsAt(int position) const
 {
-    QList<QStringList> keys;
-    const QStringList ids = orderedMembers(&keys);
+    const Order &o = order();
     QSet<QString> at;
-    if (position < 0 || position >= ids.size())
+    if (position < 0 || position >= o.ids.size())
         return at;
-    for (qsizetype i = 0; i < ids.size(); ++i)
-        if (compareKeys(keys[i], keys[position]) == 0)
-            at.insert(ids[i]);
+    for (qsizetype i = 0; i < o.ids.size(); ++i)
+        if (compareKeys(o.keys[i], o.keys[position]) == 0)
+            at.insert(o.ids[i]);
     return at;
 }
 

@@ -116,7 +116,8 @@ private:
     QString displayOf(const QString &field, const QString &plain) const;
     QStringList sortKey(const Record &record) const;
     bool inFilter(const Record &record) const;
-    QStringList orderedMembers(QList<QStringList> *keys = nullptr) const;
+    QStringList computeSortKey(const Record &record) const;
+    bool computeInFilter(const Record &record) const;
     QString stamp(const QDateTime &now) const;
     void requery(Expectation *e, bool keepCurrent);
     void removeRecord(const QString &id);
@@ -149,6 +150,35 @@ private:
     std::optional<QString> m_newRecord;
     int m_returnPosition = -1;
     std::optional<Record> m_pendingNew; // NEW or COPY waiting for its ID
+
+    // A record's sort key and filter membership, worked out once per version of the record:
+    // the position checks ask for them thousands of times a step. A record that changed no
+    // longer shares its data with the copy kept here, which is how a stale entry shows.
+    struct RecordFacts
+    {
+        Record record;
+        QString sort;
+        QString filter;
+        QStringList key;
+        bool member = false;
+    };
+    const RecordFacts &facts(const Record &record) const;
+    mutable QHash<QString, RecordFacts> m_facts; // record ID -> facts
+
+    // The query's records in order (the tail last) with their keys, kept while the table,
+    // sort, filter and tail are the ones it was worked out for.
+    struct Order
+    {
+        Table table;
+        QString sort;
+        QString filter;
+        QStringList tail;
+        QStringList ids;
+        QList<QStringList> keys;
+        int plain = 0; // records before the tail
+    };
+    const Order &order() const;
+    mutable Order m_order;
 };
 
 } // namespace plx::walk

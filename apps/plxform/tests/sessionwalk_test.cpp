@@ -81,7 +81,7 @@ TEST_P(SessionWalk, BoundedRandomWalkKeepsFormTableAndRulesTogether)
 {
     WalkOptions o = options();
     o.seed = envOr("PLX_WALK_SEED", GetParam() == Backend::FoxPro ? 20261124 : 20261125);
-    o.steps = int(envOr("PLX_WALK_STEPS", 700));
+    o.steps = int(envOr("PLX_WALK_STEPS", 2500));
     o.diskCheckEvery = 10;
     o.crossCheckWithPython = true;
     walk(o, 20000);
