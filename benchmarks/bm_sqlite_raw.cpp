@@ -13,7 +13,7 @@
 #include "services/recordsource/tablegen/benchtable.h"
 #include "benchmarks/benchtablecache.h"
 #include "services/texthelpers.h"
-#include "services/recordsource/jet/sqlitetranslate_p.h"
+#include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
 
 #include <benchmark/benchmark.h>
 #include <cstdio>

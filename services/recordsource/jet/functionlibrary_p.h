@@ -3,7 +3,7 @@
 // share. Private to the Jet layer.
 //
 // The library extends the table in functions.cpp: findFunction() looks here after its own
-// entries, so the parser, the evaluator and the SQLite functions all know the same names.
+// entries, so the parser, the evaluator and every engine's bindings know the same names.
 // Every error names the function (in its usual spelling) and the call's position.
 #pragma once
 
@@ -12,13 +12,8 @@
 
 #include <QDateTime>
 
-#include <functional>
 #include <optional>
 #include <span>
-
-struct sqlite3;
-struct sqlite3_context;
-struct sqlite3_value;
 
 namespace plx::jet {
 
@@ -32,24 +27,6 @@ bool isClockFunction(const QString &upperName);
 // Runs a function and makes sure its error names it: "... in Left at position 7".
 Result<QVariant> callFunction(const FunctionDef &def, const QVariant *args, int count,
                               TextCompare mode, int pos);
-// Nz(value [, valueIfNull]) in SQLite: COALESCE(value, valueIfNull or ''), SQLite's own
-// operation, so that Nz(CITY, '') costs what IIF(IsNull(CITY), '', CITY) costs. `sub`
-// translates an argument.
-Result<QString> translateNz(const Node &call,
-                            const std::function<Result<QString>(const Node &)> &sub);
-
-// The generic SQLite binding of a function (its FunctionDef is the user data), and the
-// direct bindings that replace it where a filter would pay for the conversions on every
-// row (DatePart). An SQLite result code.
-void callGenericJetFunction(sqlite3_context *ctx, int argc, sqlite3_value **argv);
-int registerFastLibraryFunctions(sqlite3 *db);
-
-// SQLite keeps dates as ISO text; a date that a function returns carries this subtype so
-// that the next function reads it as a date again. The flags declare that the functions
-// read and set subtypes.
-constexpr unsigned kSqliteDateSubtype = 'D';
-extern const int kSqliteSubtypeFlags;
-
 // "DATEADD" -> "DateAdd": the spelling the dialect's documentation uses.
 QString functionDisplayName(const QString &upperName);
 

@@ -6,7 +6,7 @@
 // Jet front end's table look-ups. Used from one thread only.
 #pragma once
 
-#include "services/recordsource/jet/sqlitetranslate_p.h"
+#include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
 
 #include <QString>
 #include <QStringList>

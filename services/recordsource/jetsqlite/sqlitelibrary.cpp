@@ -1,7 +1,9 @@
-// services/recordsource/jet/sqlitelibrary.cpp: library functions that SQLite runs with its
+// services/recordsource/jetsqlite/sqlitelibrary.cpp: library functions that SQLite runs with its
 // own operations or with a direct binding. The generic binding converts every value to a
 // QVariant and back; for Nz, which only chooses one of its arguments, and for DatePart on
 // a stored date, that costs more than the filter around it.
+#include "services/recordsource/jetsqlite/sqlitelibrary_p.h"
+
 #include "services/recordsource/jet/functionlibrary_p.h"
 
 #include <QDate>

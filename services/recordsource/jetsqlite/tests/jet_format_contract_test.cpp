@@ -3,7 +3,7 @@
 // https://learn.microsoft.com/en-us/office/vba/language/reference/user-interface-help/format-function-visual-basic-for-applications
 // (its examples and the tables of named and user-defined formats), unless a group cites
 // another page.
-#include "services/recordsource/jet/tests/jetcontract.h"
+#include "services/recordsource/jetsqlite/tests/jetcontract.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
-// services/recordsource/jet/sqlitetranslate.cpp: assembles a translated SELECT: resolves
+// services/recordsource/jetsqlite/sqlitetranslate.cpp: assembles a translated SELECT: resolves
 // the tables against the database, expands * and T.*, and emits the FROM, WHERE and
 // ORDER BY parts the SQLite back end builds its keyset and record queries from.
-#include "services/recordsource/jet/sqlitetranslate_p.h"
+#include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
 
 #include "services/recordsource/jet/parser_p.h"
-#include "services/recordsource/jet/sqlitetranslator_p.h"
+#include "services/recordsource/jetsqlite/sqlitetranslator_p.h"
 
 namespace plx::jet {
 

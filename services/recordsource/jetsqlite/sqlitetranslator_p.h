@@ -1,10 +1,10 @@
-// services/recordsource/jet/sqlitetranslator_p.h: the expression half of the SQLite
+// services/recordsource/jetsqlite/sqlitetranslator_p.h: the expression half of the SQLite
 // translation, shared by the statement assembly (sqlitetranslate.cpp) and the expression
-// emitter (sqliteexpr.cpp). Private to the Jet layer.
+// emitter (sqliteexpr.cpp). Private to the dialect on SQLite.
 #pragma once
 
 #include "services/recordsource/jet/ast_p.h"
-#include "services/recordsource/jet/sqlitetranslate_p.h"
+#include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
 
 #include <optional>
 #include <vector>

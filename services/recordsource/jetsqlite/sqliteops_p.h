@@ -1,5 +1,5 @@
-// services/recordsource/jet/sqliteops_p.h: the operator codes that translated SQL passes to
-// the registered jet_op() function. Private to the Jet layer.
+// services/recordsource/jetsqlite/sqliteops_p.h: the operator codes that translated SQL passes to
+// the registered jet_op() function. Private to the dialect on SQLite.
 #pragma once
 
 #include "services/recordsource/jet/ast_p.h"

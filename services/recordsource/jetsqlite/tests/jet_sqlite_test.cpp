@@ -1,6 +1,6 @@
 // The navigator's query texts and host clauses, translated and run on a real SQLite
 // database with the Jet functions registered: each must find exactly the rows Jet would.
-#include "services/recordsource/jet/sqlitetranslate_p.h"
+#include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
 
 #include <sqlite3.h>
 

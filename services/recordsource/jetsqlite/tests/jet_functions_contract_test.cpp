@@ -4,7 +4,7 @@
 // https://learn.microsoft.com/en-us/office/vba/language/reference/user-interface-help/.
 // VBA modules compare text in binary by default; Jet expressions compare as text, so
 // calls without a compare argument follow the Jet rule.
-#include "services/recordsource/jet/tests/jetcontract.h"
+#include "services/recordsource/jetsqlite/tests/jetcontract.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// services/recordsource/jet/sqlitefunctions.cpp: the SQL functions and the collation that
+// services/recordsource/jetsqlite/sqlitefunctions.cpp: the SQL functions and the collation that
 // translated Jet texts call on a SQLite connection.
 //
 //   jet_op(code, a, b)             arithmetic, &, Not, Xor, Eqv, Imp with Jet's rules
@@ -10,13 +10,14 @@
 //   COLLATE JETBINARY             case-sensitive order of the Windows-1252 bytes
 //
 // Every callback body is inside a catch-all: no C++ exception may unwind into SQLite.
-#include "services/recordsource/jet/sqlitetranslate_p.h"
+#include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
 
 #include "services/recordsource/jet/evaluator_p.h"
 #include "services/recordsource/jet/functionlibrary_p.h"
 #include "services/recordsource/jet/functions_p.h"
 #include "services/recordsource/jet/like_p.h"
-#include "services/recordsource/jet/sqliteops_p.h"
+#include "services/recordsource/jetsqlite/sqlitelibrary_p.h"
+#include "services/recordsource/jetsqlite/sqliteops_p.h"
 #include "services/recordsource/jet/values_p.h"
 
 #include <QVarLengthArray>

@@ -1,7 +1,7 @@
 // The SELECT forms hosts write (column lists, aliases, T.*, the join nestings Jet
 // parenthesises, keyword case, a trailing ';'), run on SQLite, and the binary order that
 // FoxPro-like sources use.
-#include "services/recordsource/jet/sqlitetranslate_p.h"
+#include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
 
 #include <sqlite3.h>
 

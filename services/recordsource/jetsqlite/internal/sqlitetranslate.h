@@ -1,4 +1,4 @@
-// services/recordsource/jet/sqlitetranslate_p.h: Jet SQL texts run on SQLite.
+// services/recordsource/jetsqlite/internal/sqlitetranslate.h: Jet SQL texts run on SQLite.
 //
 // The controls build their queries in Jet's dialect. SQLite reads several of its
 // spellings differently ("..." is a name, & is a bit operation, LIKE uses % and folds

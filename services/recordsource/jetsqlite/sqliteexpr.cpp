@@ -1,16 +1,17 @@
-// services/recordsource/jet/sqliteexpr.cpp: re-emits a Jet syntax tree in SQLite's
+// services/recordsource/jetsqlite/sqliteexpr.cpp: re-emits a Jet syntax tree in SQLite's
 // dialect. Literals become standard '...' literals, names become "quoted" names resolved
 // against the real tables, and every operator whose meaning differs (&, +, /, \, Mod, ^,
 // Like, Between, Xor, Eqv, Imp) calls a function that registerJetFunctions() installs.
 // Comparisons carry the source's collation. Booleans come out as -1/0 as in Jet.
-#include "services/recordsource/jet/sqlitetranslator_p.h"
+#include "services/recordsource/jetsqlite/sqlitetranslator_p.h"
 
 #include "services/recordsource/jet/evaluator_p.h"
 #include "services/recordsource/jet/functionlibrary_p.h"
 #include "services/recordsource/jet/functions_p.h"
 #include "services/recordsource/jet/like_p.h"
 #include "services/recordsource/jet/parser_p.h"
-#include "services/recordsource/jet/sqliteops_p.h"
+#include "services/recordsource/jetsqlite/sqlitelibrary_p.h"
+#include "services/recordsource/jetsqlite/sqliteops_p.h"
 #include "services/recordsource/jet/values_p.h"
 
 #include <QVarLengthArray>

@@ -1,10 +1,10 @@
-// services/recordsource/jet/tests/jet_limits_test.cpp: no text crashes the dialect. Nesting
+// services/recordsource/jetsqlite/tests/jet_limits_test.cpp: no text crashes the dialect. Nesting
 // is refused past its limit with an error naming the limit and the position, at the parser,
 // the binder, the evaluator and the SQLite translation; chains of 100,000 terms of one
 // operator are built, evaluated and run on SQLite.
 #include "services/recordsource/jet/evaluator_p.h"
 #include "services/recordsource/jet/parser_p.h"
-#include "services/recordsource/jet/sqlitetranslate_p.h"
+#include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
 
 #include <QThread>
 

@@ -1,10 +1,10 @@
 // Both ways of running a Jet expression, for the function library's contract tests.
-#include "services/recordsource/jet/tests/jetcontract.h"
+#include "services/recordsource/jetsqlite/tests/jetcontract.h"
 
 #include "services/recordsource/jet/evaluator_p.h"
 #include "services/recordsource/jet/lexer_p.h"
 #include "services/recordsource/jet/parser_p.h"
-#include "services/recordsource/jet/sqlitetranslate_p.h"
+#include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
 #include "services/recordsource/jet/values_p.h"
 
 #include <sqlite3.h>

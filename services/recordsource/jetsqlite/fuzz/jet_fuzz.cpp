@@ -1,4 +1,4 @@
-// services/recordsource/jet/fuzz/jet_fuzz.cpp: libFuzzer entry for the Jet dialect.
+// services/recordsource/jetsqlite/fuzz/jet_fuzz.cpp: libFuzzer entry for the Jet dialect.
 //
 // The input is Jet text (UTF-8). It is parsed as an expression and as a statement, bound
 // against a row of three fields, evaluated under both text comparisons, translated to SQLite
@@ -6,7 +6,7 @@
 // the dialect cannot take must give an error, never undefined behaviour.
 #include "services/recordsource/jet/evaluator_p.h"
 #include "services/recordsource/jet/parser_p.h"
-#include "services/recordsource/jet/sqlitetranslate_p.h"
+#include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
 
 #include <sqlite3.h>
 
