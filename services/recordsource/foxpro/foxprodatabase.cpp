@@ -14,6 +14,20 @@ namespace plx::foxpro {
 
 namespace {
 
+// "SELECT" as the first word marks a statement; anything else names a table, bare or in
+// brackets, which is read as the statement selecting all of it.
+QString statementText(const QString &tableOrSql)
+{
+    const QString text = tableOrSql.trimmed();
+    if (text.startsWith(QLatin1String("SELECT"), Qt::CaseInsensitive)
+        && (text.size() == 6 || !text.at(6).isLetterOrNumber()))
+        return tableOrSql;
+    QString name = text;
+    if (name.startsWith(QLatin1Char('[')) && name.endsWith(QLatin1Char(']')))
+        name = name.mid(1, name.size() - 2);
+    return QStringLiteral("SELECT * FROM [%1]").arg(name);
+}
+
 class FoxProDatabase final : public Database
 {
 public:
@@ -27,13 +41,16 @@ public:
     {
         if (m_closed)
             return Status(Status::Code::InvalidArgument, QStringLiteral("the database is closed"));
-        Result<jet::SelectStatement> stmt = jet::parseSelect(tableOrSql, statementLimits());
-        if (stmt.status().code() == Status::Code::NotSupported)
-            return stmt.status(); // beyond the bounds: not parsed again below
-        if (stmt.isOk() && (!stmt->joins.empty() || !stmt->star))
-            return openThroughSqlite(tableOrSql);
+        // Parsed once, here: the record source and the SQLite path take the tree.
+        const Result<jet::SelectStatement> stmt =
+            jet::parseSelect(statementText(tableOrSql), statementLimits());
+        if (!stmt.isOk())
+            return stmt.status();
+        if (!stmt->joins.empty() || !stmt->star)
+            return openThroughSqlite(stmt.value());
         return FoxProRecordSource::open([this](const QString &name) { return tablePath(name); },
-                                        tableOrSql, m_readOnly, m_codePage, m_collate);
+                                        stmt.value(), tableOrSql, m_readOnly, m_codePage,
+                                        m_collate);
     }
 
     void Idle() override { }
@@ -56,12 +73,10 @@ private:
     // Joins and column lists are SQLite's work; the record source runs the one-table shapes.
     // The statement runs on an in-memory SQLite connection where each table it names is a
     // "dbf" virtual table. Such a record source holds its rows and is read-only.
-    Result<std::unique_ptr<RecordSource>> openThroughSqlite(const QString &sql) const
+    Result<std::unique_ptr<RecordSource>> openThroughSqlite(const jet::SelectStatement &stmt) const
     {
-        Result<jet::SelectStatement> parsed = jet::parseSelect(sql, sqliteStatementLimits());
-        if (!parsed.isOk())
-            return parsed.status();
-        const jet::SelectStatement &stmt = parsed.value();
+        if (Status s = jet::checkTerms(stmt.terms, sqliteStatementLimits()); !s.isOk())
+            return s;
         Result<std::shared_ptr<sqlite::Connection>> conn =
             sqlite::Connection::open(QStringLiteral(":memory:"), {});
         if (!conn.isOk())
@@ -97,7 +112,7 @@ private:
             created << t.name;
         }
         Result<std::unique_ptr<RecordSource>> opened =
-            sqlite::SqliteRecordSource::open(conn.value(), sql);
+            sqlite::SqliteRecordSource::open(conn.value(), stmt);
         if (!opened.isOk() && opened.status().engineMessage() == stopped.message())
             return stopped; // in the engine's own words, not SQLite's wrapping of them
         return opened;

@@ -2,8 +2,6 @@
 #include "services/recordsource/foxpro/foxprorecordsource_p.h"
 #include "services/recordsource/foxpro/statementbounds_p.h"
 
-#include "services/recordsource/jet/parser_p.h"
-
 #include <QFileInfo>
 
 namespace plx::foxpro {
@@ -22,13 +20,6 @@ QString databaseRefusal(const QString &tablePath, bool readOnly)
     return {};
 }
 
-// "SELECT" as the first word marks a statement; anything else names a table.
-bool isStatement(const QString &text)
-{
-    return text.trimmed().startsWith(QLatin1String("SELECT"), Qt::CaseInsensitive)
-        && (text.trimmed().size() == 6 || !text.trimmed().at(6).isLetterOrNumber());
-}
-
 } // namespace
 
 FoxProRecordSource::~FoxProRecordSource()
@@ -37,29 +28,18 @@ FoxProRecordSource::~FoxProRecordSource()
 }
 
 Result<std::unique_ptr<RecordSource>> FoxProRecordSource::open(const TablePaths &paths,
-                                                               const QString &tableOrSql,
-                                                               bool readOnly, int codePage,
-                                                               TextCompare collate)
+                                                               const jet::SelectStatement &stmt,
+                                                               const QString &text, bool readOnly,
+                                                               int codePage, TextCompare collate)
 {
-    QString sql = tableOrSql;
-    if (!isStatement(tableOrSql)) {
-        QString name = tableOrSql.trimmed();
-        if (name.startsWith(QLatin1Char('[')) && name.endsWith(QLatin1Char(']')))
-            name = name.mid(1, name.size() - 2);
-        sql = QStringLiteral("SELECT * FROM [%1]").arg(name);
-    }
-    Result<jet::SelectStatement> parsed = jet::parseSelect(sql, statementLimits());
-    if (!parsed.isOk())
-        return parsed.status();
-    const jet::SelectStatement &stmt = parsed.value();
     if (!stmt.joins.empty())
-        return Status(Status::Code::NotSupported,
-                      QStringLiteral("a query over several FoxPro tables is not supported: %1")
-                          .arg(tableOrSql));
+        return Status(
+            Status::Code::NotSupported,
+            QStringLiteral("a query over several FoxPro tables is not supported: %1").arg(text));
     if (!stmt.star)
-        return Status(Status::Code::NotSupported,
-                      QStringLiteral("FoxPro record sources select whole records (SELECT *): %1")
-                          .arg(tableOrSql));
+        return Status(
+            Status::Code::NotSupported,
+            QStringLiteral("FoxPro record sources select whole records (SELECT *): %1").arg(text));
     const QString path = paths(stmt.from.name);
     if (path.isEmpty())
         return Status(Status::Code::NotFound,

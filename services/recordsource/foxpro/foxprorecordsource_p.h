@@ -42,14 +42,14 @@ struct ScanRanking;
 class FoxProRecordSource final : public PositionedRecordSource
 {
 public:
-    // A table name or a SELECT on one table with WHERE and ORDER BY. NotFound for an unknown
-    // table, the Jet front end's errors for a bad text, NotSupported for a join.
-    // `codePage` applies to tables without a code-page mark (0: Windows-1252); `collate` is
-    // how text compares in the statement and in later finds (Binary: byte order).
-    static Result<std::unique_ptr<RecordSource>> open(const TablePaths &paths,
-                                                      const QString &tableOrSql, bool readOnly,
-                                                      int codePage = 0,
-                                                      TextCompare collate = TextCompare::Binary);
+    // A SELECT * on one table with WHERE and ORDER BY, as the database parsed it from `text`
+    // (a table name or the statement). NotFound for an unknown table, NotSupported for a
+    // join or a column list, naming `text`. `codePage` applies to tables without a
+    // code-page mark (0: Windows-1252); `collate` is how text compares in the statement and
+    // in later finds (Binary: byte order).
+    static Result<std::unique_ptr<RecordSource>>
+    open(const TablePaths &paths, const jet::SelectStatement &stmt, const QString &text,
+         bool readOnly, int codePage = 0, TextCompare collate = TextCompare::Binary);
     ~FoxProRecordSource() override;
 
     const QList<FieldInfo> &fieldInfos() const override { return m_table->fieldInfos(); }

@@ -144,6 +144,9 @@ struct SelectStatement
     std::vector<Join> joins;
     NodePtr where; // may be null
     std::vector<OrderItem> orderBy;
+    // The text's terms, as ParseLimits counts them: an engine that runs some statements
+    // under a tighter bound checks them against it without reading the text again.
+    int terms = 0;
 };
 
 } // namespace plx::jet

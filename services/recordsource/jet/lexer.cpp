@@ -4,6 +4,8 @@
 #include <QLocale>
 #include <QRegularExpression>
 
+#include <algorithm>
+
 namespace plx::jet {
 
 namespace {
@@ -256,6 +258,19 @@ Status readToken(const QString &text, qsizetype &i, Token &tok)
 }
 
 } // namespace
+
+int countTerms(const std::vector<Token> &tokens)
+{
+    return int(std::count_if(tokens.begin(), tokens.end(),
+                             [](const Token &t) { return t.kind != TokenKind::End && isTerm(t); }));
+}
+
+Status checkTerms(int terms, const ParseLimits &limits)
+{
+    if (limits.maxTerms > 0 && terms > limits.maxTerms)
+        return tooLongToRun(limits.maxTerms, "terms");
+    return Status::ok();
+}
 
 Result<std::vector<Token>> tokenize(const QString &text, const ParseLimits &limits)
 {

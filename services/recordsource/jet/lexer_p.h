@@ -55,6 +55,12 @@ struct ParseLimits
 // as soon as the bound is crossed.
 Result<std::vector<Token>> tokenize(const QString &text, const ParseLimits &limits = {});
 
+// The terms among `tokens` (see ParseLimits).
+int countTerms(const std::vector<Token> &tokens);
+// OK when a text of `terms` terms is within `limits`' bound on terms; otherwise the error
+// tokenize() gives for such a text.
+Status checkTerms(int terms, const ParseLimits &limits);
+
 // Reads the inside of a #...# literal: month first (m/d/yyyy, with an optional time, and
 // "AM"/"PM"), ISO yyyy-mm-dd, or a time alone (on 12/30/1899). Invalid month-first dates
 // whose month is above 12 are read day first, as Jet guesses. An invalid date gives an

@@ -4,6 +4,7 @@
 #include "services/recordsource/jet/parser_p.h"
 
 #include "services/recordsource/jet/descentparser_p.h"
+#include "services/recordsource/jet/evaluationcounters_p.h"
 
 namespace plx::jet {
 
@@ -417,11 +418,16 @@ Result<NodePtr> Parser::wholeExpression()
 
 Result<SelectStatement> parseSelect(const QString &sql, const ParseLimits &limits)
 {
+    ++evaluationCounters().statementsParsed;
     Result<std::vector<Token>> tokens = tokenize(sql, limits);
     if (!tokens.isOk())
         return tokens.status();
+    const int terms = countTerms(tokens.value());
     Parser parser(std::move(tokens).value());
-    return parser.select();
+    Result<SelectStatement> stmt = parser.select();
+    if (stmt.isOk())
+        stmt->terms = terms;
+    return stmt;
 }
 
 Result<NodePtr> parseExpression(const QString &text, const ParseLimits &limits)

@@ -118,7 +118,12 @@ Result<TranslatedSelect> translateSelect(const QString &jetSql, const TableLooku
     Result<SelectStatement> parsed = parseSelect(jetSql);
     if (!parsed.isOk())
         return parsed.status();
-    const SelectStatement &stmt = parsed.value();
+    return translateSelect(parsed.value(), tables, compare);
+}
+
+Result<TranslatedSelect> translateSelect(const SelectStatement &stmt, const TableLookup &tables,
+                                         TextCompare compare)
+{
     Result<std::vector<Source>> sources = resolveSources(stmt, tables);
     if (!sources.isOk())
         return sources.status();

@@ -63,13 +63,10 @@ bool isRowPerBaseRow(const jet::TranslatedSelect &select)
 
 // The translator reports a table it cannot find as an unknown name; to the caller of
 // OpenRecordset it is NotFound, as on every back end. OK when every table is there.
-Status missingTable(const Connection &connection, const QString &sql)
+Status missingTable(const Connection &connection, const jet::SelectStatement &stmt)
 {
-    const Result<jet::SelectStatement> stmt = jet::parseSelect(sql);
-    if (!stmt.isOk())
-        return Status::ok();
-    std::vector<jet::TableRef> tables{ stmt->from };
-    for (const jet::Join &j : stmt->joins)
+    std::vector<jet::TableRef> tables{ stmt.from };
+    for (const jet::Join &j : stmt.joins)
         tables.push_back(j.table);
     for (const jet::TableRef &t : tables) {
         if (!connection.lookupTable(t.name))
@@ -103,11 +100,20 @@ SqliteRecordSource::open(std::shared_ptr<Connection> connection, const QString &
                           QStringLiteral("no table named %1").arg(plainName(sql)));
         sql = QStringLiteral("SELECT * FROM [%1]").arg(table->table);
     }
+    const Result<jet::SelectStatement> stmt = jet::parseSelect(sql);
+    if (!stmt.isOk())
+        return stmt.status();
+    return open(std::move(connection), stmt.value());
+}
+
+Result<std::unique_ptr<RecordSource>>
+SqliteRecordSource::open(std::shared_ptr<Connection> connection, const jet::SelectStatement &stmt)
+{
     Result<jet::TranslatedSelect> translated =
-        jet::translateSelect(sql, connection->tableLookup(), connection->textCompare());
+        jet::translateSelect(stmt, connection->tableLookup(), connection->textCompare());
     if (!translated.isOk()) {
         if (translated.status().code() == Status::Code::UnknownField)
-            if (Status missing = missingTable(*connection, sql); !missing.isOk())
+            if (Status missing = missingTable(*connection, stmt); !missing.isOk())
                 return missing;
         return translated.status();
     }

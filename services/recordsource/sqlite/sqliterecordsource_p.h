@@ -27,6 +27,9 @@ public:
     // table; the front end's errors (Syntax, UnknownField, ...) for a bad statement.
     static Result<std::unique_ptr<RecordSource>> open(std::shared_ptr<Connection> connection,
                                                       const QString &tableOrSql);
+    // The same for a SELECT the caller has parsed, under the bounds of its engine.
+    static Result<std::unique_ptr<RecordSource>> open(std::shared_ptr<Connection> connection,
+                                                      const jet::SelectStatement &stmt);
     ~SqliteRecordSource() override;
 
     const QList<FieldInfo> &fieldInfos() const override { return m_fields; }

@@ -20,6 +20,8 @@ struct sqlite3;
 
 namespace plx::jet {
 
+struct SelectStatement;
+
 // The columns of a table as the engine knows them, in table order.
 struct TableColumns
 {
@@ -49,6 +51,9 @@ struct TranslatedSelect
 // UnknownFunction and TypeMismatch (when it can be seen without data) are distinct errors
 // whose message names the offending token and its position.
 Result<TranslatedSelect> translateSelect(const QString &jetSql, const TableLookup &tables,
+                                         TextCompare compare = TextCompare::NoCase);
+// The same for a statement the caller has parsed, under the bounds of its engine.
+Result<TranslatedSelect> translateSelect(const SelectStatement &stmt, const TableLookup &tables,
                                          TextCompare compare = TextCompare::NoCase);
 
 // Translates a Jet criterion (a WHERE condition without the word) evaluated against the
