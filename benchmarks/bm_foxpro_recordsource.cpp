@@ -6,9 +6,9 @@
 #include "benchmarks/benchtablecache.h"
 #include "benchmarks/recordsourceworkloads.h"
 
-#include "services/recordsource/dbf/dbftable_p.h"
-#include "services/recordsource/foxpro/foxprorecordsource_p.h"
-#include "services/recordsource/foxpro/rankcache_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
+#include "services/recordsource/foxpro/internal/foxprorecordsource.h"
+#include "services/recordsource/foxpro/internal/rankcache.h"
 
 #include <benchmark/benchmark.h>
 

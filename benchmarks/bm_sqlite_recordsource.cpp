@@ -5,7 +5,7 @@
 #include "benchmarks/recordsourceworkloads.h"
 
 #include "services/recordsource/tablegen/benchtable.h"
-#include "services/recordsource/sqlite/sqliterecordsource_p.h"
+#include "services/recordsource/sqlite/internal/sqliterecordsource.h"
 
 #include <benchmark/benchmark.h>
 

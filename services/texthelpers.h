@@ -90,8 +90,8 @@ QString strToASC(const QString &text);
 
 // The longest text the navigator's find box takes (cboFind's maximum length). A find query
 // built from any text this long, quotes and pipes included, runs on every back end within
-// the dialect's limits (services/recordsource/jet/ast_p.h). The find text is upper-cased with
-// QString::toUpper(), the full Unicode mapping UCase applies to the fields on every back end
+// the dialect's limits (services/recordsource/jet/internal/ast.h). The find text is upper-cased
+// with QString::toUpper(), the full Unicode mapping UCase applies to the fields on every back end
 // ("ß" becomes "SS" in both), so that both sides fold case alike.
 inline constexpr int kFindTextMaxLength = 65536;
 // "065066" for "AB": three-digit Windows-1252 codes.

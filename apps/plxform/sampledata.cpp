@@ -2,9 +2,9 @@
 #include "apps/plxform/sampledata.h"
 
 #include "services/ini.h"
-#include "services/recordsource/dbf/dbftable_p.h"
-#include "services/recordsource/foxpro/fieldmapping_p.h"
-#include "services/recordsource/sqlite/sqlitevalues_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
+#include "services/recordsource/foxpro/internal/fieldmapping.h"
+#include "services/recordsource/sqlite/internal/sqlitevalues.h"
 
 #include <QDate>
 #include <QDir>

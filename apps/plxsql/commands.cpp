@@ -3,8 +3,8 @@
 
 #include "apps/plxsql/textoutput.h"
 
-#include "services/recordsource/dbf/dbftable_p.h"
-#include "services/recordsource/jet/evaluator_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
+#include "services/recordsource/jet/internal/evaluator.h"
 
 #include <QDir>
 #include <QFileInfo>

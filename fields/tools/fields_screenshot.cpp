@@ -10,7 +10,7 @@
 #include "mervane/twips.h"
 
 #include "services/recordsource/database.h"
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include <QApplication>
 #include <QDate>

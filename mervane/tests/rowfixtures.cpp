@@ -1,8 +1,8 @@
 // mervane/tests/rowfixtures.cpp
 #include "mervane/tests/rowfixtures.h"
 
-#include "services/recordsource/dbf/dbftable_p.h"
-#include "services/recordsource/sqlite/sqlitevalues_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
+#include "services/recordsource/sqlite/internal/sqlitevalues.h"
 
 #include <QDir>
 

@@ -11,7 +11,7 @@
 // PATH is the FoxPro table file or the SQLite database file (table T).
 #include "navigator/mvplxrecs.h"
 #include "services/prompter.h"
-#include "services/recordsource/dbf/dbftesthooks_p.h"
+#include "services/recordsource/dbf/internal/dbftesthooks.h"
 #include "services/recordsource/database.h"
 #include "services/texthelpers.h"
 

@@ -1,6 +1,6 @@
 // services/recordsource/positionedrecordsource.cpp: DAO's position rules, once for all
 // back ends.
-#include "services/recordsource/positionedrecordsource_p.h"
+#include "services/recordsource/internal/positionedrecordsource.h"
 
 #include <algorithm>
 

@@ -33,7 +33,8 @@ message(STATUS "installed package works: ${step_output}")
 
 # The public surface: the headers without _p.h, and only those, each one self-contained.
 set(library_dirs services services/recordsource services/recordsource/jet
-    services/recordsource/sqlite services/recordsource/dbf services/recordsource/foxpro
+    services/recordsource/jetsqlite services/recordsource/sqlite services/recordsource/dbf
+    services/recordsource/foxpro
     mervane fields navigator dialogs)
 set(include_root "${WORK_DIR}/prefix/include/plx")
 file(GLOB_RECURSE installed RELATIVE "${include_root}" "${include_root}/*.h")

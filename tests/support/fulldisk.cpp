@@ -2,7 +2,7 @@
 // fail while the disk is "full".
 #include "tests/support/fulldisk.h"
 
-#include "services/recordsource/dbf/dbftesthooks_p.h"
+#include "services/recordsource/dbf/internal/dbftesthooks.h"
 
 #include <sqlite3.h>
 

@@ -3,7 +3,7 @@
 // Used by tests, the benchmark generator and hosts that make scratch tables. The header is
 // what FoxPro 2.6 writes: 32 + 32 x fields + 1 bytes, field displacements filled in, the
 // code page mark, then the end-of-file mark 0x1A right after the header.
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include "services/codepages.h"
 #include "services/recordsource/dbf/dbfio_p.h"

@@ -1,6 +1,6 @@
 // services/recordsource/dbf/dbfinfo.cpp: how a table describes itself: the record-source
 // field types of its fields and the header description shown by plxsql --info.
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include <QFileInfo>
 

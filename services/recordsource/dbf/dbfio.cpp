@@ -2,7 +2,7 @@
 // and error sentences (the native file calls are in dbfnative_posix.cpp and dbfnative_win.cpp).
 #include "services/recordsource/dbf/dbfio_p.h"
 
-#include "services/recordsource/dbf/dbftesthooks_p.h"
+#include "services/recordsource/dbf/internal/dbftesthooks.h"
 
 #include <QDir>
 #include <QFile>

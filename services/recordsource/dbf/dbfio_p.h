@@ -6,7 +6,7 @@
 // directory's tables is damaged.
 #pragma once
 
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 #include "services/recordsource/filelock_p.h"
 #include "services/recordsource/result.h"
 

@@ -11,7 +11,7 @@
 // PACK MEMO (or any rewrite of the table) gives the dead blocks back.
 #pragma once
 
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include <QByteArray>
 #include <QString>

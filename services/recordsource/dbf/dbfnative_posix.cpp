@@ -1,7 +1,7 @@
 // services/recordsource/dbf/dbfnative_posix.cpp: positioned I/O, stamps and mappings on
 // POSIX systems.
 #include "services/recordsource/dbf/dbfio_p.h"
-#include "services/recordsource/dbf/dbftesthooks_p.h"
+#include "services/recordsource/dbf/internal/dbftesthooks.h"
 #include "services/recordsource/dbf/filemapping_p.h"
 
 #include <QFile>

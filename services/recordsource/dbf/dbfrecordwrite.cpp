@@ -1,10 +1,10 @@
 // services/recordsource/dbf/dbfrecordwrite.cpp: writeRecord, appendRecord and setDeleted.
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include "services/recordsource/dbf/dbfio_p.h"
 #include "services/recordsource/dbf/filemapping_p.h"
 #include "services/recordsource/dbf/dbfmemo_p.h"
-#include "services/recordsource/dbf/dbftesthooks_p.h"
+#include "services/recordsource/dbf/internal/dbftesthooks.h"
 #include "services/recordsource/dbf/dbfvalue_p.h"
 
 namespace plx {

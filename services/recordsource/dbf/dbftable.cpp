@@ -1,11 +1,11 @@
 // services/recordsource/dbf/dbftable.cpp: opening a table: header, field descriptors, the
 // checks FoxPro makes on open, companion files and the read-only mapping of the records.
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include "services/codepages.h"
 #include "services/recordsource/dbf/dbfio_p.h"
 #include "services/recordsource/dbf/dbfmemo_p.h"
-#include "services/recordsource/dbf/dbftesthooks_p.h"
+#include "services/recordsource/dbf/internal/dbftesthooks.h"
 #include "services/recordsource/dbf/filemapping_p.h"
 
 #include <QFileInfo>

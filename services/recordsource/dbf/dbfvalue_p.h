@@ -4,7 +4,7 @@
 // value written is exactly the value read back.
 #pragma once
 
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include <QByteArrayView>
 #include <QVariant>

@@ -5,11 +5,11 @@
 // the end-of-file mark) before the header count that makes it visible, and the header count
 // only under the header lock. Each durable operation ends with one fdatasync before its
 // locks are released, so the next locker reads what was written.
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include "services/recordsource/dbf/dbfio_p.h"
 #include "services/recordsource/dbf/dbfmemo_p.h"
-#include "services/recordsource/dbf/dbftesthooks_p.h"
+#include "services/recordsource/dbf/internal/dbftesthooks.h"
 #include "services/recordsource/dbf/dbfvalue_p.h"
 #include "services/recordsource/filelock_p.h"
 

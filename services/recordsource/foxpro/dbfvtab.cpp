@@ -5,8 +5,8 @@
 // exception unwinds into SQLite's C frames.
 #include "services/recordsource/foxpro/dbfvtab_p.h"
 
-#include "services/recordsource/dbf/dbftable_p.h"
-#include "services/recordsource/jet/deadline_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
+#include "services/recordsource/jet/internal/deadline.h"
 
 #include <sqlite3.h>
 

@@ -1,5 +1,5 @@
 // services/recordsource/foxpro/fieldmapping.cpp: record-source field types as FoxPro fields.
-#include "services/recordsource/foxpro/fieldmapping_p.h"
+#include "services/recordsource/foxpro/internal/fieldmapping.h"
 
 namespace plx::foxpro {
 

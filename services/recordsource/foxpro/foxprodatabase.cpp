@@ -2,10 +2,10 @@
 #include "services/recordsource/foxpro/foxprodatabase_p.h"
 
 #include "services/recordsource/foxpro/dbfvtab_p.h"
-#include "services/recordsource/foxpro/foxprorecordsource_p.h"
+#include "services/recordsource/foxpro/internal/foxprorecordsource.h"
 #include "services/recordsource/foxpro/statementbounds_p.h"
-#include "services/recordsource/jet/parser_p.h"
-#include "services/recordsource/sqlite/sqliterecordsource_p.h"
+#include "services/recordsource/jet/internal/parser.h"
+#include "services/recordsource/sqlite/internal/sqliterecordsource.h"
 
 #include <QDir>
 #include <QFileInfo>

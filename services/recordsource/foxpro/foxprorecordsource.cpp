@@ -1,5 +1,5 @@
 // services/recordsource/foxpro/foxprorecordsource.cpp: opening, moving and reading.
-#include "services/recordsource/foxpro/foxprorecordsource_p.h"
+#include "services/recordsource/foxpro/internal/foxprorecordsource.h"
 #include "services/recordsource/foxpro/statementbounds_p.h"
 
 #include <QFileInfo>

@@ -1,9 +1,9 @@
 // services/recordsource/foxpro/foxprorecordsource_edit.cpp: AddNew, Edit, Update,
 // CancelUpdate and Delete through the table file layer, which writes as FoxPro does and
 // takes FoxPro's record locks.
-#include "services/recordsource/foxpro/foxprorecordsource_p.h"
+#include "services/recordsource/foxpro/internal/foxprorecordsource.h"
 
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/values.h"
 
 namespace plx::foxpro {
 

@@ -1,17 +1,17 @@
 // services/recordsource/foxpro/foxprorecordsource_query.cpp: WHERE and finds over the mapped
 // table, with fast paths for the shapes the controls send on every keystroke and every save.
-#include "services/recordsource/foxpro/foxprorecordsource_p.h"
+#include "services/recordsource/foxpro/internal/foxprorecordsource.h"
 #include "services/recordsource/foxpro/distinctranker_p.h"
 #include "services/recordsource/foxpro/prefixscan_p.h"
-#include "services/recordsource/foxpro/rankcache_p.h"
+#include "services/recordsource/foxpro/internal/rankcache.h"
 #include "services/recordsource/foxpro/recordrow_p.h"
 #include "services/recordsource/foxpro/statementbounds_p.h"
 
-#include "services/recordsource/jet/deadline_p.h"
-#include "services/recordsource/jet/evaluator_p.h"
-#include "services/recordsource/jet/generalorder_p.h"
-#include "services/recordsource/jet/parser_p.h"
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/deadline.h"
+#include "services/recordsource/jet/internal/evaluator.h"
+#include "services/recordsource/jet/internal/generalorder.h"
+#include "services/recordsource/jet/internal/parser.h"
+#include "services/recordsource/jet/internal/values.h"
 
 #include <QHash>
 

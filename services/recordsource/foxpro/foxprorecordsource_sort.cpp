@@ -6,10 +6,10 @@
 // keys instead), for anything else the rank of the Jet value. The ranks of all keys are packed into
 // one 64-bit integer where they fit, and the records sorted by that integer with a stable
 // radix sort, which leaves ties in record order.
-#include "services/recordsource/foxpro/foxprorecordsource_p.h"
+#include "services/recordsource/foxpro/internal/foxprorecordsource.h"
 #include "services/recordsource/foxpro/recordrow_p.h"
 
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/values.h"
 
 #include <algorithm>
 #include <bit>

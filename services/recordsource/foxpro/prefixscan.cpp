@@ -1,8 +1,8 @@
 // services/recordsource/foxpro/prefixscan.cpp: compiling find conditions into byte tests.
 #include "services/recordsource/foxpro/prefixscan_p.h"
 
-#include "services/recordsource/jet/like_p.h"
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/like.h"
+#include "services/recordsource/jet/internal/values.h"
 
 namespace plx::foxpro {
 

@@ -10,8 +10,8 @@
 // Like ignores case, so the tables compare case-folded characters, as the evaluator does.
 #pragma once
 
-#include "services/recordsource/dbf/dbftable_p.h"
-#include "services/recordsource/jet/ast_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
+#include "services/recordsource/jet/internal/ast.h"
 #include "services/recordsource/textcompare.h"
 
 #include <optional>

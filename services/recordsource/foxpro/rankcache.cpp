@@ -1,5 +1,5 @@
 // services/recordsource/foxpro/rankcache.cpp: the process's kept ranks.
-#include "services/recordsource/foxpro/rankcache_p.h"
+#include "services/recordsource/foxpro/internal/rankcache.h"
 
 #include <QMutexLocker>
 

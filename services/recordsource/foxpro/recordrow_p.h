@@ -1,8 +1,8 @@
 // services/recordsource/foxpro/recordrow_p.h: one record of a table as the Jet evaluator's row.
 #pragma once
 
-#include "services/recordsource/dbf/dbftable_p.h"
-#include "services/recordsource/jet/evaluator_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
+#include "services/recordsource/jet/internal/evaluator.h"
 
 namespace plx::foxpro {
 

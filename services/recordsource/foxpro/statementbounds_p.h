@@ -21,8 +21,8 @@
 // are looked up in a set; a 1 MB constant is worked out once per statement, not once a record.
 #pragma once
 
-#include "services/recordsource/jet/deadline_p.h"
-#include "services/recordsource/jet/lexer_p.h"
+#include "services/recordsource/jet/internal/deadline.h"
+#include "services/recordsource/jet/internal/lexer.h"
 
 namespace plx::foxpro {
 

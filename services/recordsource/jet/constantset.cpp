@@ -1,8 +1,8 @@
 // services/recordsource/jet/constantset.cpp: the look-up set of an In list or an Or run.
 #include "services/recordsource/jet/constantset_p.h"
 
-#include "services/recordsource/jet/generalorder_p.h"
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/generalorder.h"
+#include "services/recordsource/jet/internal/values.h"
 
 #include <cmath>
 

@@ -1,5 +1,5 @@
 // services/recordsource/jet/deadline.cpp: the thread's deadline and its clock.
-#include "services/recordsource/jet/deadline_p.h"
+#include "services/recordsource/jet/internal/deadline.h"
 
 #include <atomic>
 #include <chrono>

@@ -3,8 +3,8 @@
 // the Jet layer.
 #pragma once
 
-#include "services/recordsource/jet/ast_p.h"
-#include "services/recordsource/jet/lexer_p.h"
+#include "services/recordsource/jet/internal/ast.h"
+#include "services/recordsource/jet/internal/lexer.h"
 #include "services/recordsource/result.h"
 
 namespace plx::jet::detail {

@@ -1,5 +1,5 @@
 // services/recordsource/jet/evaluationcounters.cpp: the thread's evaluation counters.
-#include "services/recordsource/jet/evaluationcounters_p.h"
+#include "services/recordsource/jet/internal/evaluationcounters.h"
 
 namespace plx::jet {
 

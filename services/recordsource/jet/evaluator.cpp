@@ -1,15 +1,15 @@
 // services/recordsource/jet/evaluator.cpp: Jet's expression semantics over rows: Null
 // propagation, '&' treating one Null as "", True = -1, three-valued And/Or, lazy IIF.
-#include "services/recordsource/jet/evaluator_p.h"
+#include "services/recordsource/jet/internal/evaluator.h"
 
-#include "services/recordsource/jet/deadline_p.h"
+#include "services/recordsource/jet/internal/deadline.h"
 #include "services/recordsource/jet/evaluatorprepare_p.h"
-#include "services/recordsource/jet/functionlibrary_p.h"
-#include "services/recordsource/jet/functions_p.h"
-#include "services/recordsource/jet/generalorder_p.h"
-#include "services/recordsource/jet/like_p.h"
-#include "services/recordsource/jet/parser_p.h"
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/functionlibrary.h"
+#include "services/recordsource/jet/internal/functions.h"
+#include "services/recordsource/jet/internal/generalorder.h"
+#include "services/recordsource/jet/internal/like.h"
+#include "services/recordsource/jet/internal/parser.h"
+#include "services/recordsource/jet/internal/values.h"
 
 #include <QVarLengthArray>
 

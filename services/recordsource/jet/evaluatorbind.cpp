@@ -1,12 +1,12 @@
 // services/recordsource/jet/evaluatorbind.cpp: preparing a tree for evaluation (binding
 // names to column indexes, computing constant parts once) and the shell's side of the
 // evaluator: standalone expressions and how a value is printed.
-#include "services/recordsource/jet/evaluator_p.h"
+#include "services/recordsource/jet/internal/evaluator.h"
 
 #include "services/recordsource/jet/evaluatorprepare_p.h"
-#include "services/recordsource/jet/functionlibrary_p.h"
-#include "services/recordsource/jet/parser_p.h"
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/functionlibrary.h"
+#include "services/recordsource/jet/internal/parser.h"
+#include "services/recordsource/jet/internal/values.h"
 
 #include <QVarLengthArray>
 

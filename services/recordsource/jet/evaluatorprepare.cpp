@@ -3,8 +3,8 @@
 // length cost no stack.
 #include "services/recordsource/jet/evaluatorprepare_p.h"
 
-#include "services/recordsource/jet/generalorder_p.h"
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/generalorder.h"
+#include "services/recordsource/jet/internal/values.h"
 
 #include <memory>
 

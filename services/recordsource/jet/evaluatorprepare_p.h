@@ -9,9 +9,9 @@
 //   long constant is not keyed again for every row.
 #pragma once
 
-#include "services/recordsource/jet/ast_p.h"
+#include "services/recordsource/jet/internal/ast.h"
 #include "services/recordsource/jet/constantset_p.h"
-#include "services/recordsource/jet/like_p.h"
+#include "services/recordsource/jet/internal/like.h"
 #include "services/recordsource/textcompare.h"
 
 #include <optional>

@@ -1,10 +1,10 @@
 // services/recordsource/jet/functionlibrary.cpp: the look-up of the wider function library
 // and the argument readers and error texts its groups share.
-#include "services/recordsource/jet/functionlibrary_p.h"
+#include "services/recordsource/jet/internal/functionlibrary.h"
 
-#include "services/recordsource/jet/evaluationcounters_p.h"
-#include "services/recordsource/jet/lexer_p.h"
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/evaluationcounters.h"
+#include "services/recordsource/jet/internal/lexer.h"
+#include "services/recordsource/jet/internal/values.h"
 
 #include <QHash>
 #include <QRegularExpression>

@@ -1,11 +1,11 @@
 // services/recordsource/jet/functions.cpp: UCase, Left, Mid, InStr, Chr, Val, CLng and the
 // rest, with VBA's rules for Null: the plain forms pass Null through, the '$' forms and the
 // conversions raise "Invalid use of Null".
-#include "services/recordsource/jet/functions_p.h"
+#include "services/recordsource/jet/internal/functions.h"
 
 #include "services/cp1252.h"
-#include "services/recordsource/jet/functionlibrary_p.h"
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/functionlibrary.h"
+#include "services/recordsource/jet/internal/values.h"
 
 #include <cmath>
 

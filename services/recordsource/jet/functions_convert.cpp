@@ -2,9 +2,9 @@
 // CSng, CCur, CVar), the tests (IsNumeric, IsDate, IsEmpty, VarType) and the choices
 // (Choose, Switch). Conversions refuse Null ("invalid use of Null") except CVar, which
 // keeps it.
-#include "services/recordsource/jet/functionlibrary_p.h"
+#include "services/recordsource/jet/internal/functionlibrary.h"
 
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/values.h"
 
 #include <cmath>
 

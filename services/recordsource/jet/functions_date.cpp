@@ -5,9 +5,9 @@
 // Arithmetic on times goes through whole seconds counted from the serial epoch rather
 // than QDateTime::addSecs, so that local-time rules (daylight saving) never move a value:
 // the dialect's dates carry no time zone.
-#include "services/recordsource/jet/functionlibrary_p.h"
+#include "services/recordsource/jet/internal/functionlibrary.h"
 
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/values.h"
 
 namespace plx::jet::fn {
 

@@ -1,8 +1,8 @@
 // services/recordsource/jet/functions_number.cpp: Abs, Int, Fix, Round, Sgn, Sqr, Exp,
 // Log, Hex and Oct. The plain forms pass Null through; Hex$ and Oct$ refuse it.
-#include "services/recordsource/jet/functionlibrary_p.h"
+#include "services/recordsource/jet/internal/functionlibrary.h"
 
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/values.h"
 
 #include <cmath>
 

@@ -2,10 +2,10 @@
 // StrReverse, InStrRev and the '$' forms of the trims. Without a compare argument the
 // comparisons follow the source's own rule, as InStr does: text on SQLite and in --eval,
 // binary on FoxPro tables (whose Xbase collation was ASCII).
-#include "services/recordsource/jet/functionlibrary_p.h"
+#include "services/recordsource/jet/internal/functionlibrary.h"
 
 #include "services/cp1252.h"
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/values.h"
 
 namespace plx::jet::fn {
 

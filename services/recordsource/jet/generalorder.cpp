@@ -4,9 +4,9 @@
 // accent, a separator and each letter's accents in turn, every letter's ended by a mark that
 // sorts below all accents (the second level). The separator sorts below every base letter,
 // so a text whose letters run out first sorts first whatever follows.
-#include "services/recordsource/jet/generalorder_p.h"
+#include "services/recordsource/jet/internal/generalorder.h"
 
-#include "services/recordsource/jet/evaluationcounters_p.h"
+#include "services/recordsource/jet/internal/evaluationcounters.h"
 
 #include <algorithm>
 

@@ -5,8 +5,8 @@
 // half to even on purpose.
 #include "services/recordsource/jet/jetformat_p.h"
 
-#include "services/recordsource/jet/functionlibrary_p.h"
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/functionlibrary.h"
+#include "services/recordsource/jet/internal/values.h"
 
 #include <QRegularExpression>
 

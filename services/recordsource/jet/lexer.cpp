@@ -1,5 +1,5 @@
 // services/recordsource/jet/lexer.cpp: the Jet SQL tokenizer.
-#include "services/recordsource/jet/lexer_p.h"
+#include "services/recordsource/jet/internal/lexer.h"
 
 #include <QLocale>
 #include <QRegularExpression>

@@ -1,7 +1,7 @@
 // services/recordsource/jet/like.cpp: the Like matcher.
-#include "services/recordsource/jet/like_p.h"
+#include "services/recordsource/jet/internal/like.h"
 
-#include "services/recordsource/jet/evaluationcounters_p.h"
+#include "services/recordsource/jet/internal/evaluationcounters.h"
 
 namespace plx::jet {
 

@@ -1,10 +1,10 @@
 // services/recordsource/jet/parser.cpp: a recursive-descent parser with Jet's operator
 // precedence (loosest first): Imp, Eqv, Xor, Or, And, Not, comparisons (= <> < > <= >=
 // Like Is Between In), &, + -, Mod, \, * /, unary -, ^.
-#include "services/recordsource/jet/parser_p.h"
+#include "services/recordsource/jet/internal/parser.h"
 
 #include "services/recordsource/jet/descentparser_p.h"
-#include "services/recordsource/jet/evaluationcounters_p.h"
+#include "services/recordsource/jet/internal/evaluationcounters.h"
 
 namespace plx::jet {
 

@@ -1,11 +1,11 @@
 // services/recordsource/jet/values.cpp: conversions and comparisons of Jet values.
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/values.h"
 
 #include "services/cp1252.h"
-#include "services/recordsource/jet/functionlibrary_p.h"
-#include "services/recordsource/jet/generalorder_p.h"
+#include "services/recordsource/jet/internal/functionlibrary.h"
+#include "services/recordsource/jet/internal/generalorder.h"
 #include "services/recordsource/jet/jetformat_p.h"
-#include "services/recordsource/jet/lexer_p.h"
+#include "services/recordsource/jet/internal/lexer.h"
 
 #include <QRegularExpression>
 

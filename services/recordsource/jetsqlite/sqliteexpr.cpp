@@ -5,14 +5,14 @@
 // Comparisons carry the source's collation. Booleans come out as -1/0 as in Jet.
 #include "services/recordsource/jetsqlite/sqlitetranslator_p.h"
 
-#include "services/recordsource/jet/evaluator_p.h"
-#include "services/recordsource/jet/functionlibrary_p.h"
-#include "services/recordsource/jet/functions_p.h"
-#include "services/recordsource/jet/like_p.h"
-#include "services/recordsource/jet/parser_p.h"
+#include "services/recordsource/jet/internal/evaluator.h"
+#include "services/recordsource/jet/internal/functionlibrary.h"
+#include "services/recordsource/jet/internal/functions.h"
+#include "services/recordsource/jet/internal/like.h"
+#include "services/recordsource/jet/internal/parser.h"
 #include "services/recordsource/jetsqlite/sqlitelibrary_p.h"
 #include "services/recordsource/jetsqlite/sqliteops_p.h"
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/values.h"
 
 #include <QVarLengthArray>
 

@@ -5,20 +5,20 @@
 //   jet_like(value, pattern, mode, negated)   mode 2: UCase(value) Like a prefix pattern
 //   jet_concat(a, b, ...)         a & b & ... (a long run of '&' in groups)
 //   jet_between(mode, x, a, b, negated)   bounds in either order
-//   jet_<name>(mode, args...)     UCase, Left, InStr, Chr, ... (see functions_p.h)
+//   jet_<name>(mode, args...)     UCase, Left, InStr, Chr, ... (see jet/internal/functions.h)
 //   COLLATE JETNOCASE             case-insensitive text order (Unicode case folding)
 //   COLLATE JETBINARY             case-sensitive order of the Windows-1252 bytes
 //
 // Every callback body is inside a catch-all: no C++ exception may unwind into SQLite.
 #include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
 
-#include "services/recordsource/jet/evaluator_p.h"
-#include "services/recordsource/jet/functionlibrary_p.h"
-#include "services/recordsource/jet/functions_p.h"
-#include "services/recordsource/jet/like_p.h"
+#include "services/recordsource/jet/internal/evaluator.h"
+#include "services/recordsource/jet/internal/functionlibrary.h"
+#include "services/recordsource/jet/internal/functions.h"
+#include "services/recordsource/jet/internal/like.h"
 #include "services/recordsource/jetsqlite/sqlitelibrary_p.h"
 #include "services/recordsource/jetsqlite/sqliteops_p.h"
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/values.h"
 
 #include <QVarLengthArray>
 

@@ -4,7 +4,7 @@
 // a stored date, that costs more than the filter around it.
 #include "services/recordsource/jetsqlite/sqlitelibrary_p.h"
 
-#include "services/recordsource/jet/functionlibrary_p.h"
+#include "services/recordsource/jet/internal/functionlibrary.h"
 
 #include <QDate>
 

@@ -2,7 +2,7 @@
 // to SQLite. Private to the SQLite binding of the dialect.
 #pragma once
 
-#include "services/recordsource/jet/ast_p.h"
+#include "services/recordsource/jet/internal/ast.h"
 #include "services/recordsource/result.h"
 
 #include <functional>

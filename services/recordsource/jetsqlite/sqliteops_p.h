@@ -2,7 +2,7 @@
 // the registered jet_op() function. Private to the dialect on SQLite.
 #pragma once
 
-#include "services/recordsource/jet/ast_p.h"
+#include "services/recordsource/jet/internal/ast.h"
 
 namespace plx::jet {
 

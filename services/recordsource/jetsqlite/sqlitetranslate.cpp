@@ -3,7 +3,7 @@
 // ORDER BY parts the SQLite back end builds its keyset and record queries from.
 #include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
 
-#include "services/recordsource/jet/parser_p.h"
+#include "services/recordsource/jet/internal/parser.h"
 #include "services/recordsource/jetsqlite/sqlitetranslator_p.h"
 
 namespace plx::jet {

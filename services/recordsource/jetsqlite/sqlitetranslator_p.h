@@ -3,7 +3,7 @@
 // emitter (sqliteexpr.cpp). Private to the dialect on SQLite.
 #pragma once
 
-#include "services/recordsource/jet/ast_p.h"
+#include "services/recordsource/jet/internal/ast.h"
 #include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
 
 #include <optional>

@@ -1,5 +1,5 @@
 // services/recordsource/sqlite/keyset.cpp: chunked storage of a record source's keys.
-#include "services/recordsource/sqlite/keyset_p.h"
+#include "services/recordsource/sqlite/internal/keyset.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 // services/recordsource/sqlite/recordlock.cpp: record locks in the "-plxlock" sidecar file.
-#include "services/recordsource/sqlite/recordlock_p.h"
+#include "services/recordsource/sqlite/internal/recordlock.h"
 
 namespace plx::sqlite {
 

@@ -1,6 +1,6 @@
 // services/recordsource/sqlite/sqliteconnection.cpp: statements, error mapping and table
 // look-ups for the Jet front end.
-#include "services/recordsource/sqlite/sqliteconnection_p.h"
+#include "services/recordsource/sqlite/internal/sqliteconnection.h"
 
 #include <sqlite3.h>
 

@@ -5,7 +5,7 @@
 // failed: <constraint name or expression>". The user needs the field: NOT NULL and UNIQUE
 // name it; for CHECK the columns are found in the rule's expression (looked up in the table's
 // CREATE statement when the rule has a name).
-#include "services/recordsource/sqlite/sqliteconnection_p.h"
+#include "services/recordsource/sqlite/internal/sqliteconnection.h"
 
 #include <QRegularExpression>
 

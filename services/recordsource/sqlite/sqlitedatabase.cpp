@@ -1,8 +1,8 @@
 // services/recordsource/sqlite/sqlitedatabase.cpp: the SQLite Database.
 #include "services/recordsource/sqlite/sqlitedatabase_p.h"
 
-#include "services/recordsource/sqlite/sqliteconnection_p.h"
-#include "services/recordsource/sqlite/sqliterecordsource_p.h"
+#include "services/recordsource/sqlite/internal/sqliteconnection.h"
+#include "services/recordsource/sqlite/internal/sqliterecordsource.h"
 
 namespace plx::sqlite {
 

@@ -7,7 +7,7 @@
 #pragma once
 
 #include "services/recordsource/database.h"
-#include "services/recordsource/sqlite/sqliteconnection_p.h"
+#include "services/recordsource/sqlite/internal/sqliteconnection.h"
 
 namespace plx::sqlite {
 

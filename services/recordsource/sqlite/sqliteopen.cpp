@@ -7,11 +7,11 @@
 // pragma or a commit that needs the journal.
 //
 // The file's journal mode is never changed. The engine needs no particular one: record
-// locks live in the "-plxlock" sidecar (recordlock_p.h), and every write is one short
+// locks live in the "-plxlock" sidecar (internal/recordlock.h), and every write is one short
 // BEGIN IMMEDIATE ... COMMIT. In WAL mode readers of other connections go on while a record
 // is written; in a rollback-journal mode the commit waits (busy timeout) for the readers of
 // that moment, which read one record at a time and release the file between records.
-#include "services/recordsource/sqlite/sqliteconnection_p.h"
+#include "services/recordsource/sqlite/internal/sqliteconnection.h"
 
 #include <QFileInfo>
 #include <QUrl>

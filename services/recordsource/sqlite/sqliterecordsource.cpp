@@ -1,8 +1,8 @@
 // services/recordsource/sqlite/sqliterecordsource.cpp: opening, positions and reading.
-#include "services/recordsource/sqlite/sqliterecordsource_p.h"
+#include "services/recordsource/sqlite/internal/sqliterecordsource.h"
 
-#include "services/recordsource/jet/parser_p.h"
-#include "services/recordsource/sqlite/sqlitevalues_p.h"
+#include "services/recordsource/jet/internal/parser.h"
+#include "services/recordsource/sqlite/internal/sqlitevalues.h"
 
 #include <QRegularExpression>
 

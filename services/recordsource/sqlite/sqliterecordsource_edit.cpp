@@ -5,9 +5,9 @@
 // re-reads the record so that the buffer starts from the latest committed values. Update
 // writes only the fields that were set, in one transaction, and returns once SQLite has
 // synced it (synchronous=FULL).
-#include "services/recordsource/sqlite/sqliterecordsource_p.h"
+#include "services/recordsource/sqlite/internal/sqliterecordsource.h"
 
-#include "services/recordsource/sqlite/sqlitevalues_p.h"
+#include "services/recordsource/sqlite/internal/sqlitevalues.h"
 
 #include <sqlite3.h>
 

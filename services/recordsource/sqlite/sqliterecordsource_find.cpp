@@ -5,7 +5,7 @@
 // first of them at or after the start position in the keyset's order wins. Looking a
 // record up by ID therefore costs one pass of the engine over the table plus one scan
 // of the 8-byte keys, never a read of each record's values.
-#include "services/recordsource/sqlite/sqliterecordsource_p.h"
+#include "services/recordsource/sqlite/internal/sqliterecordsource.h"
 
 #include <sqlite3.h>
 

@@ -1,5 +1,5 @@
 // services/recordsource/sqlite/sqlitevalues.cpp: declared types, reading and binding values.
-#include "services/recordsource/sqlite/sqlitevalues_p.h"
+#include "services/recordsource/sqlite/internal/sqlitevalues.h"
 
 #include <QDate>
 #include <QDateTime>

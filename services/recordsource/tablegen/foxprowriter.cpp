@@ -3,8 +3,8 @@
 #include "services/recordsource/tablegen/foxprowriter.h"
 
 #include "services/recordsource/tablegen/benchtable.h"
-#include "services/recordsource/dbf/dbftable_p.h"
-#include "services/recordsource/foxpro/fieldmapping_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
+#include "services/recordsource/foxpro/internal/fieldmapping.h"
 
 #include <QDir>
 #include <QFile>

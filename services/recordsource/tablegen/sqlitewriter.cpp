@@ -2,7 +2,7 @@
 #include "services/recordsource/tablegen/sqlitewriter.h"
 
 #include "services/recordsource/tablegen/benchtable.h"
-#include "services/recordsource/sqlite/sqlitevalues_p.h"
+#include "services/recordsource/sqlite/internal/sqlitevalues.h"
 
 #include <sqlite3.h>
 

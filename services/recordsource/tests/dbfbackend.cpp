@@ -1,8 +1,8 @@
 // services/recordsource/tests/dbfbackend.cpp: writes the contract tables as FoxPro files.
 #include "services/recordsource/tests/dbfbackend.h"
 
-#include "services/recordsource/dbf/dbftable_p.h"
-#include "services/recordsource/foxpro/fieldmapping_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
+#include "services/recordsource/foxpro/internal/fieldmapping.h"
 
 #include <QDir>
 

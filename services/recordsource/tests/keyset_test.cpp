@@ -1,6 +1,6 @@
 // services/recordsource/tests/keyset_test.cpp: the chunked keyset of the SQLite back end
 // across its chunk boundaries, where an off-by-one would lose or repeat a record.
-#include "services/recordsource/sqlite/keyset_p.h"
+#include "services/recordsource/sqlite/internal/keyset.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 // promises: how declared types map to fields and how values are stored, held (join)
 // sources, read-only databases, and sources that outlive their Database.
 #include "services/recordsource/database.h"
-#include "services/recordsource/jet/evaluationcounters_p.h"
+#include "services/recordsource/jet/internal/evaluationcounters.h"
 
 #include <QDate>
 #include <QDateTime>

@@ -3,7 +3,7 @@
 // -1/0 booleans), so that the record source under test reads rows it did not write.
 #include "services/recordsource/tests/sqlitebackend.h"
 
-#include "services/recordsource/sqlite/sqlitevalues_p.h"
+#include "services/recordsource/sqlite/internal/sqlitevalues.h"
 
 #include <QDate>
 #include <QDateTime>

@@ -5,7 +5,7 @@
 // table is. Every record is decoded field by field, the header description is built and
 // the count refreshed. Any crash, hang, leak or sanitizer report is a bug: damaged files
 // must give errors, never undefined behaviour.
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include <QByteArray>
 #include <QDir>

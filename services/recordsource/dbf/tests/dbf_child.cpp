@@ -13,8 +13,8 @@
 //                                       record), ending the process before its Nth file write;
 //                                       exit 0 when the operation finished first
 #include "services/recordsource/database.h"
-#include "services/recordsource/dbf/dbftable_p.h"
-#include "services/recordsource/dbf/dbftesthooks_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
+#include "services/recordsource/dbf/internal/dbftesthooks.h"
 
 #include <QCoreApplication>
 #include <QDate>

@@ -3,7 +3,7 @@
 // hidden _NullFlags column, and a dBASE IV table with its own .DBT memo layout.
 #include "dbf_test_util.h"
 
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include <QTemporaryDir>
 

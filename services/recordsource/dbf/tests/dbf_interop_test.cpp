@@ -3,7 +3,7 @@
 // FoxPro 2.x type, memos, deleted records, code pages 437, 850 and 1252.
 #include "dbf_test_util.h"
 
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include <QDate>
 #include <QTemporaryDir>

@@ -3,7 +3,7 @@
 // killed in the middle of a write leaves a table every reader can open.
 #include "dbf_test_util.h"
 
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include <QProcess>
 #include <QSet>

@@ -3,7 +3,7 @@
 // Each case starts from a table this layer wrote and damages one thing.
 #include "dbf_test_util.h"
 
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -3,7 +3,7 @@
 // and read the same values that python3-dbfread reads.
 #include "dbf_test_util.h"
 
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include <QDateTime>
 #include <QFile>

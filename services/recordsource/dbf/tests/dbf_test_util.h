@@ -1,7 +1,7 @@
 // services/recordsource/dbf/tests/dbf_test_util.h: helpers shared by the table-layer tests.
 #pragma once
 
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include <QByteArray>
 #include <QString>

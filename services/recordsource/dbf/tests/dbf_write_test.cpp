@@ -3,7 +3,7 @@
 // refused values, and locks at FoxPro's byte offsets.
 #include "dbf_test_util.h"
 
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include <QDate>
 #include <QFile>

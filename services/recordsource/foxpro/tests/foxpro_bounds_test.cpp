@@ -4,11 +4,11 @@
 // nesting is refused at its position, and a statement or find still running after 10 seconds
 // stops with its message. Time is made to pass by a stepping clock, never waited for.
 #include "services/recordsource/database.h"
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 #include "services/recordsource/foxpro/tests/foxprotestsupport.h"
-#include "services/recordsource/jet/deadline_p.h"
-#include "services/recordsource/jet/evaluationcounters_p.h"
-#include "services/recordsource/jet/generalorder_p.h"
+#include "services/recordsource/jet/internal/deadline.h"
+#include "services/recordsource/jet/internal/evaluationcounters.h"
+#include "services/recordsource/jet/internal/generalorder.h"
 
 #include <QTemporaryDir>
 

@@ -3,7 +3,7 @@
 // and find exactly as the SQLite engine does on the same values, in whatever code page the
 // table is kept.
 #include "services/recordsource/database.h"
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 #include "services/recordsource/foxpro/tests/foxprotestsupport.h"
 
 #include <QDir>

@@ -2,9 +2,9 @@
 // the find condition compiled to byte tests, the ranks kept between sorts (and dropped when
 // the file changes, whoever changes it), and the ID search of a sorted keyset.
 #include "services/recordsource/database.h"
-#include "services/recordsource/dbf/dbftable_p.h"
-#include "services/recordsource/dbf/dbftesthooks_p.h"
-#include "services/recordsource/foxpro/rankcache_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
+#include "services/recordsource/dbf/internal/dbftesthooks.h"
+#include "services/recordsource/foxpro/internal/rankcache.h"
 #include "services/recordsource/foxpro/tests/foxprotestsupport.h"
 
 #include <QDeadlineTimer>

@@ -2,7 +2,7 @@
 // what all back ends share): byte-order comparison, deleted records, and the statements the
 // driver refuses (read-only tables: foxpro_samplefiles_test.cpp).
 #include "services/recordsource/database.h"
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 #include "services/recordsource/foxpro/tests/foxprotestsupport.h"
 
 #include <QDir>

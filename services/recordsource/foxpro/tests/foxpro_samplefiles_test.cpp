@@ -2,7 +2,7 @@
 // under file names that are no identifiers, and read-only for each reason a table can have,
 // which the record source announces and every write repeats.
 #include "services/recordsource/database.h"
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 #include "services/recordsource/foxpro/tests/foxprotestsupport.h"
 #include "services/recordsource/tests/writeprotection.h"
 

@@ -1,7 +1,7 @@
 // Errors: malformed text, an unknown field, an unknown function and a type mismatch are
 // distinct, name the offending token and its position, and never run part of a statement.
-#include "services/recordsource/jet/evaluator_p.h"
-#include "services/recordsource/jet/parser_p.h"
+#include "services/recordsource/jet/internal/evaluator.h"
+#include "services/recordsource/jet/internal/parser.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 // shell would print for it. The cases are the traps where Jet differs from SQL engines and
 // from VBA modules: Null propagation through '&' and '+', lazy IIF, reversed Between,
 // Like's ANSI-89 wildcards, InStr at the last position, Chr in Windows-1252.
-#include "services/recordsource/jet/evaluator_p.h"
+#include "services/recordsource/jet/internal/evaluator.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // The General text order: case ignored, accented letters beside their base letters, accents
 // deciding only between texts whose letters agree; and the quick comparison agrees with the
 // keys everywhere.
-#include "services/recordsource/jet/generalorder_p.h"
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/generalorder.h"
+#include "services/recordsource/jet/internal/values.h"
 
 #include <QStringList>
 

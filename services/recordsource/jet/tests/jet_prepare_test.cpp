@@ -3,11 +3,11 @@
 // sets, General keys) and answers every row as the tree bound without that knowledge does;
 // texts beyond an engine's bounds are refused before parsing; an armed deadline stops an
 // evaluation.
-#include "services/recordsource/jet/deadline_p.h"
-#include "services/recordsource/jet/evaluationcounters_p.h"
-#include "services/recordsource/jet/evaluator_p.h"
-#include "services/recordsource/jet/generalorder_p.h"
-#include "services/recordsource/jet/parser_p.h"
+#include "services/recordsource/jet/internal/deadline.h"
+#include "services/recordsource/jet/internal/evaluationcounters.h"
+#include "services/recordsource/jet/internal/evaluator.h"
+#include "services/recordsource/jet/internal/generalorder.h"
+#include "services/recordsource/jet/internal/parser.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // Criteria evaluated over rows, as the FoxPro back end runs FindFirst and WHERE: names are
 // bound to column indexes once, then each row is evaluated under the source's text
 // comparison. FoxPro sources compare in binary, in the order of the Windows-1252 bytes.
-#include "services/recordsource/jet/evaluator_p.h"
-#include "services/recordsource/jet/parser_p.h"
+#include "services/recordsource/jet/internal/evaluator.h"
+#include "services/recordsource/jet/internal/parser.h"
 
 #include <gtest/gtest.h>
 

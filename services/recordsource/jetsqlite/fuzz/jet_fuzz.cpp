@@ -4,8 +4,8 @@
 // against a row of three fields, evaluated under both text comparisons, translated to SQLite
 // and run there on a one-row table. Any crash, hang, leak or sanitizer report is a bug: text
 // the dialect cannot take must give an error, never undefined behaviour.
-#include "services/recordsource/jet/evaluator_p.h"
-#include "services/recordsource/jet/parser_p.h"
+#include "services/recordsource/jet/internal/evaluator.h"
+#include "services/recordsource/jet/internal/parser.h"
 #include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
 
 #include <sqlite3.h>

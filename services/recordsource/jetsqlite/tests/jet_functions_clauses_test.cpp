@@ -2,7 +2,7 @@
 // files: a SQLite database and a FoxPro 2.6 table holding the same records. Each query must
 // give the same records in the same order on both.
 #include "services/recordsource/database.h"
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 #include <QTemporaryDir>
 

@@ -2,8 +2,8 @@
 // is refused past its limit with an error naming the limit and the position, at the parser,
 // the binder, the evaluator and the SQLite translation; chains of 100,000 terms of one
 // operator are built, evaluated and run on SQLite.
-#include "services/recordsource/jet/evaluator_p.h"
-#include "services/recordsource/jet/parser_p.h"
+#include "services/recordsource/jet/internal/evaluator.h"
+#include "services/recordsource/jet/internal/parser.h"
 #include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
 
 #include <QThread>

@@ -1,11 +1,11 @@
 // Both ways of running a Jet expression, for the function library's contract tests.
 #include "services/recordsource/jetsqlite/tests/jetcontract.h"
 
-#include "services/recordsource/jet/evaluator_p.h"
-#include "services/recordsource/jet/lexer_p.h"
-#include "services/recordsource/jet/parser_p.h"
+#include "services/recordsource/jet/internal/evaluator.h"
+#include "services/recordsource/jet/internal/lexer.h"
+#include "services/recordsource/jet/internal/parser.h"
 #include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
-#include "services/recordsource/jet/values_p.h"
+#include "services/recordsource/jet/internal/values.h"
 
 #include <sqlite3.h>
 

@@ -1,4 +1,4 @@
-// services/recordsource/jet/like_p.h: Jet's Like patterns (ANSI-89 wildcards).
+// services/recordsource/jet/internal/like.h: Jet's Like patterns (ANSI-89 wildcards).
 //
 // '*' any run of characters, '?' one character, '#' one digit, [abc] [a-z] a character of
 // the group, [!a-z] one not in it; [*] [?] [#] [[] stand for themselves; '%' and '_' are

@@ -1,4 +1,5 @@
-// services/recordsource/sqlite/sqliterecordsource_p.h: the record source over a SQLite query.
+// services/recordsource/sqlite/internal/sqliterecordsource.h: the record source over a SQLite
+// query.
 //
 // Keyset-driven, like a DAO dynaset: opening reads the rowids of the whole result once,
 // in the query's order (8 bytes a record, see keyset.h); the values of a record are
@@ -11,10 +12,10 @@
 // no rowid to key on; its rows are held in memory and it is read-only.
 #pragma once
 
-#include "services/recordsource/positionedrecordsource_p.h"
-#include "services/recordsource/sqlite/keyset_p.h"
-#include "services/recordsource/sqlite/recordlock_p.h"
-#include "services/recordsource/sqlite/sqliteconnection_p.h"
+#include "services/recordsource/internal/positionedrecordsource.h"
+#include "services/recordsource/sqlite/internal/keyset.h"
+#include "services/recordsource/sqlite/internal/recordlock.h"
+#include "services/recordsource/sqlite/internal/sqliteconnection.h"
 
 #include <vector>
 

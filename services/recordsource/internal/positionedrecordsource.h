@@ -1,4 +1,4 @@
-// services/recordsource/positionedrecordsource_p.h: the position rules every keyset-driven
+// services/recordsource/internal/positionedrecordsource.h: the position rules every keyset-driven
 // record source shares.
 //
 // A back end keeps its records as an ordered list of keys (rowids, record numbers, held

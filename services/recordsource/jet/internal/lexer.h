@@ -1,4 +1,4 @@
-// services/recordsource/jet/lexer_p.h: splits Jet SQL text into tokens.
+// services/recordsource/jet/internal/lexer.h: splits Jet SQL text into tokens.
 //
 // Jet delimits text with '...' or "..." (the delimiter doubled inside), dates with #...#
 // (month first), and names with [...] or `...`. Every token keeps its 1-based position so

@@ -1,4 +1,4 @@
-// services/recordsource/jet/values_p.h: Jet's values and how they convert and compare.
+// services/recordsource/jet/internal/values.h: Jet's values and how they convert and compare.
 //
 // A value is a QVariant: Null (invalid), text (QString), number (double; integers read
 // from an engine may arrive as qint64), Boolean (bool; True is -1 in arithmetic), and
@@ -40,7 +40,7 @@ QDateTime toDateTime(const QVariant &v); // invalid when the value is no date
 QDateTime parseDateText(const QString &text);
 
 // Compares two texts: in the General order for NoCase (case-insensitive, accented letters
-// beside their base letters, generalorder_p.h), by Windows-1252 byte for Binary.
+// beside their base letters, internal/generalorder.h), by Windows-1252 byte for Binary.
 int compareText(QStringView a, QStringView b, TextCompare mode);
 // Compares two non-Null values of compatible kinds; TypeMismatch at `pos` when text meets
 // a number that it cannot be read as.

@@ -1,4 +1,4 @@
-// services/recordsource/jet/ast_p.h: the syntax tree of Jet SQL statements and expressions.
+// services/recordsource/jet/internal/ast.h: the syntax tree of Jet SQL statements and expressions.
 //
 // One tree serves every back end: the SQLite translator re-emits it in SQLite's dialect,
 // the evaluator runs it over rows (FindFirst on FoxPro tables, standalone expressions).

@@ -1,4 +1,4 @@
-// services/recordsource/jet/deadline_p.h: a time limit on the work of one thread.
+// services/recordsource/jet/internal/deadline.h: a time limit on the work of one thread.
 //
 // An engine arms a deadline around a statement it runs; the evaluator checks it at every
 // node it evaluates and the engine's scans at every record, so a statement stops within a

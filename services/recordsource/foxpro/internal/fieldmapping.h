@@ -1,8 +1,8 @@
-// services/recordsource/foxpro/fieldmapping_p.h: the FoxPro 2.6 field that holds a value of a
-// record-source field type, for programs that create tables (generators, test set-ups).
+// services/recordsource/foxpro/internal/fieldmapping.h: the FoxPro 2.6 field that holds a value of
+// a record-source field type, for programs that create tables (generators, test set-ups).
 #pragma once
 
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 
 namespace plx::foxpro {
 

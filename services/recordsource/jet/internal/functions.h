@@ -1,4 +1,4 @@
-// services/recordsource/jet/functions_p.h: the VBA functions Jet queries may call.
+// services/recordsource/jet/internal/functions.h: the VBA functions Jet queries may call.
 //
 // One implementation serves the evaluator and the SQLite functions, so a criterion gives
 // the same answer on every back end. IIF and IsNull are not here: they are part of the

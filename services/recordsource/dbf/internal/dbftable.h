@@ -1,4 +1,5 @@
-// services/recordsource/dbf/dbftable_p.h: one FoxPro 2.x table file (.DBF) with its memo file.
+// services/recordsource/dbf/internal/dbftable.h: one FoxPro 2.x table file (.DBF) with its memo
+// file.
 //
 // The file layer of the FoxPro back end. It opens a .DBF (and its .FPT or .DBT memo file),
 // maps it read-only so that a scan of a million records touches no heap, decodes and
@@ -243,7 +244,8 @@ public:
     // G/P/W memos and for a Visual FoxPro field whose null flag is set. C/V -> QString
     // (trailing blanks removed; blank = empty string), N/F -> qint64 when the field has no
     // decimals and the value fits, else double; D -> QDate; L -> bool; M -> QString (empty
-    // when blank); G/P/Q/W -> QByteArray; I -> int; B -> double; Y -> double; T -> QDateTime. NotFound for a bad record or field number; Corrupt (naming the file)
+    // when blank); G/P/Q/W -> QByteArray; I -> int; B -> double; Y -> double; T -> QDateTime.
+    // NotFound for a bad record or field number; Corrupt (naming the file)
     // for a memo pointer past the end of the memo file or a missing memo file.
     Result<QVariant> value(quint32 recno, int field) const;
     // All fields of a record, in field order.

@@ -1,4 +1,4 @@
-// services/recordsource/jet/evaluator_p.h: runs a Jet expression over a row.
+// services/recordsource/jet/internal/evaluator.h: runs a Jet expression over a row.
 //
 // Used where no SQL engine evaluates the expression: FindFirst and WHERE on FoxPro tables,
 // and expressions evaluated alone (plxsql --eval). Bind once (field names to column
@@ -10,7 +10,7 @@
 //     if (v.isOk() && isTrue(v.value())) ...
 #pragma once
 
-#include "services/recordsource/jet/ast_p.h"
+#include "services/recordsource/jet/internal/ast.h"
 #include "services/recordsource/result.h"
 #include "services/recordsource/textcompare.h"
 
@@ -42,7 +42,7 @@ Status bind(const NodePtr &root, const ColumnResolver &resolve);
 Status bind(const NodePtr &root, const ColumnResolver &resolve, TextCompare mode);
 
 // Evaluates a bound tree. `row` may be null when the expression has no columns. Fails with
-// the deadline's error once a deadline armed on this thread has passed (deadline_p.h).
+// the deadline's error once a deadline armed on this thread has passed (internal/deadline.h).
 Result<QVariant> evaluate(const Node &node, const Row *row, TextCompare mode);
 
 // A WHERE or FindFirst condition holds only when its value is True (not False, not Null).

@@ -1,14 +1,14 @@
-// services/recordsource/jet/functionlibrary_p.h: the dialect's wider function library (Nz,
+// services/recordsource/jet/internal/functionlibrary.h: the dialect's wider function library (Nz,
 // StrComp, Format, the date and conversion functions, ...) and the helpers its groups
-// share. Private to the Jet layer.
+// share. Shared with the dialect's engine bindings; not installed.
 //
 // The library extends the table in functions.cpp: findFunction() looks here after its own
 // entries, so the parser, the evaluator and every engine's bindings know the same names.
 // Every error names the function (in its usual spelling) and the call's position.
 #pragma once
 
-#include "services/recordsource/jet/ast_p.h"
-#include "services/recordsource/jet/functions_p.h"
+#include "services/recordsource/jet/internal/ast.h"
+#include "services/recordsource/jet/internal/functions.h"
 
 #include <QDateTime>
 

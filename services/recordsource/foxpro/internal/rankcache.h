@@ -1,16 +1,16 @@
-// services/recordsource/foxpro/rankcache_p.h: the ranks of a field's values over a whole table,
-// kept between queries.
+// services/recordsource/foxpro/internal/rankcache.h: the ranks of a field's values over a whole
+// table, kept between queries.
 //
 // Sorting a million records by NAME, CITY spends most of its time ranking the distinct values
 // of each key; the navigator then sends the find query, in that same order, on every
 // keystroke, and the sort query again after every save. The ranks of a whole-table sort are
 // kept here, per file and field, and reused for as long as the file's change stamp shows it
 // unchanged, and for the text order they were made in (a character field ranks differently
-// in byte order and in the General order). Ranks are only stored for a settled file (see DbfChangeStamp): a file written a
-// moment ago could be written again without its times moving.
+// in byte order and in the General order). Ranks are only stored for a settled file (see
+// DbfChangeStamp): a file written a moment ago could be written again without its times moving.
 #pragma once
 
-#include "services/recordsource/dbf/dbftable_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
 #include "services/recordsource/textcompare.h"
 
 #include <QMutex>

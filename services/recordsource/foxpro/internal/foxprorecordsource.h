@@ -1,4 +1,5 @@
-// services/recordsource/foxpro/foxprorecordsource_p.h: a record source over one FoxPro table.
+// services/recordsource/foxpro/internal/foxprorecordsource.h: a record source over one FoxPro
+// table.
 //
 // Keyset-driven: opening evaluates the WHERE condition over the table's live records and
 // sorts their record numbers by the ORDER BY keys (4 bytes a record); values are decoded
@@ -12,7 +13,7 @@
 // through per-byte tables (prefixscan_p.h), and field = constant (the ID criterion)
 // compares the raw bytes of the field (through a table of each byte's case-folded class in
 // the General order). Sorts reuse the ranks an earlier sort of the unchanged file kept
-// (rankcache_p.h); in the General order a character field ranks its distinct values by
+// (internal/rankcache.h); in the General order a character field ranks its distinct values by
 // their sort keys, so no record goes through the evaluator for it either.
 //
 // Statements and finds are bound for the source's text comparison: their constant parts are
@@ -22,9 +23,9 @@
 // seconds.
 #pragma once
 
-#include "services/recordsource/dbf/dbftable_p.h"
-#include "services/recordsource/positionedrecordsource_p.h"
-#include "services/recordsource/jet/ast_p.h"
+#include "services/recordsource/dbf/internal/dbftable.h"
+#include "services/recordsource/internal/positionedrecordsource.h"
+#include "services/recordsource/jet/internal/ast.h"
 #include "services/recordsource/textcompare.h"
 
 #include <functional>

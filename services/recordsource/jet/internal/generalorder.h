@@ -1,4 +1,4 @@
-// services/recordsource/jet/generalorder_p.h: the General text order, case-insensitive with
+// services/recordsource/jet/internal/generalorder.h: the General text order, case-insensitive with
 // accented letters beside their base letters.
 //
 // The order a user expects of a list of names, and the one Jet's General sort and FoxPro's

@@ -1,4 +1,4 @@
-// services/recordsource/sqlite/sqliteconnection_p.h: one open SQLite database file.
+// services/recordsource/sqlite/internal/sqliteconnection.h: one open SQLite database file.
 //
 // The connection is shared (std::shared_ptr) by the Database that opened it and by every
 // record source handed out from it, so that a record source may outlive its Database.

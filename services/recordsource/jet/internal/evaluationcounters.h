@@ -1,4 +1,5 @@
-// services/recordsource/jet/evaluationcounters_p.h: counts of the costly steps of evaluation.
+// services/recordsource/jet/internal/evaluationcounters.h: counts of the costly steps of
+// evaluation.
 //
 // Tests read them to check that a statement's constant parts are worked out once, not once a
 // row: a filter over 100 records with a constant Replace(...) runs Replace once; and that an

@@ -1,4 +1,4 @@
-// services/recordsource/sqlite/recordlock_p.h: the record lock that Edit takes on SQLite.
+// services/recordsource/sqlite/internal/recordlock.h: the record lock that Edit takes on SQLite.
 //
 // SQLite itself only locks the whole file, and only for the duration of a write, so the
 // lock that keeps two users from editing one record lives beside the database: a sidecar

@@ -1,4 +1,4 @@
-// services/recordsource/dbf/dbftesthooks_p.h: crash points for the tests of the write order,
+// services/recordsource/dbf/internal/dbftesthooks.h: crash points for the tests of the write order,
 // and a switch for the tests of the block-reading pass.
 //
 // A test child process sets a crash point and then writes; at that point the process ends at

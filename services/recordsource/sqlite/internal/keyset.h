@@ -1,4 +1,4 @@
-// services/recordsource/sqlite/keyset_p.h: the ordered rowids of an open record source.
+// services/recordsource/sqlite/internal/keyset.h: the ordered rowids of an open record source.
 //
 // A million-record source keeps a million keys for as long as it is open, so they are
 // stored in fixed chunks of 8-byte keys: growing never copies the keys already read and

@@ -1,4 +1,4 @@
-// services/recordsource/sqlite/sqlitevalues_p.h: how the record-source field types are kept
+// services/recordsource/sqlite/internal/sqlitevalues.h: how the record-source field types are kept
 // in SQLite columns.
 //
 // SQLite stores values by storage class and keeps only the declared type of a column, so

@@ -1,0 +1,2 @@
+// The fault: a header of the lower layer that is neither public, internal nor private.
+#pragma once
