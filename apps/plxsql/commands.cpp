@@ -3,11 +3,7 @@
 
 #include "apps/plxsql/textoutput.h"
 
-#include "services/recordsource/dbf/internal/dbftable.h"
-#include "services/recordsource/jet/internal/evaluator.h"
-
-#include <QDir>
-#include <QFileInfo>
+#include "services/recordsource/jet/expression.h"
 
 namespace plx::plxsql {
 
@@ -49,32 +45,27 @@ Status runQuery(Database &db, const QString &sql, bool countOnly, QTextStream &o
     return writeRows(rs, out);
 }
 
-// The header of one FoxPro table: version, code page, counts, lengths and fields.
-Status runInfo(const QString &dir, const QString &table, QTextStream &out)
+// The engine's description of one table: for a FoxPro table its header (version, code page,
+// counts, lengths and fields).
+Status runInfo(const Database &db, const QString &dir, const QString &table, QTextStream &out)
 {
-    const QFileInfoList files = QDir(dir).entryInfoList(QDir::Files);
-    for (const QFileInfo &f : files) {
-        if (f.suffix().compare(QLatin1String("dbf"), Qt::CaseInsensitive) != 0
-            || f.completeBaseName().compare(table, Qt::CaseInsensitive) != 0)
-            continue;
-        Result<std::unique_ptr<DbfTable>> t =
-            DbfTable::open(f.absoluteFilePath(), DbfTable::OpenMode::ReadOnly);
-        if (!t.isOk())
-            return t.status();
-        out << t.value()->infoText();
-        if (!t.value()->infoText().endsWith(QLatin1Char('\n')))
-            out << '\n';
-        return Status::ok();
-    }
-    return Status(Status::Code::NotFound, QStringLiteral("no table %1 in %2").arg(table, dir));
+    Result<TableDescription> description = db.describeTable(table);
+    if (description.status().code() == Status::Code::NotFound)
+        return Status(Status::Code::NotFound, QStringLiteral("no table %1 in %2").arg(table, dir));
+    if (!description.isOk())
+        return description.status();
+    out << description->storage;
+    if (!description->storage.endsWith(QLatin1Char('\n')))
+        out << '\n';
+    return Status::ok();
 }
 
 Status runEval(const QString &expression, QTextStream &out)
 {
-    Result<QVariant> value = jet::evaluateStandalone(expression);
+    Result<QVariant> value = jet::evaluateExpression(expression);
     if (!value.isOk())
         return value.status();
-    out << jet::formatValue(value.value()) << '\n';
+    out << jet::expressionValueText(value.value()) << '\n';
     return Status::ok();
 }
 
@@ -96,15 +87,16 @@ Status run(const QStringList &args, QTextStream &out)
                 QStringLiteral("%1 needs a %2")
                     .arg(QLatin1String(backEnd.option), QLatin1String(backEnd.argumentName)));
         const QString target = rest.takeFirst();
-        if (rest.size() == 2 && rest.first() == QLatin1String("--info")
-            && args.first() == QLatin1String("--foxpro"))
-            return runInfo(target, rest.at(1), out);
-        const bool countOnly = rest.removeAll(QStringLiteral("--count")) > 0;
-        if (rest.size() != 1)
+        const bool info = rest.size() == 2 && rest.first() == QLatin1String("--info")
+            && args.first() == QLatin1String("--foxpro");
+        const bool countOnly = !info && rest.removeAll(QStringLiteral("--count")) > 0;
+        if (!info && rest.size() != 1)
             return usageError(QStringLiteral("expected one SQL statement"));
         Result<std::unique_ptr<Database>> db = backEnd.open(target);
         if (!db.isOk())
             return db.status();
+        if (info)
+            return runInfo(*db.value(), target, rest.at(1), out);
         return runQuery(*db.value(), rest.first(), countOnly, out);
     }
     return usageError(QStringLiteral("unknown option %1").arg(args.first()));

@@ -10,6 +10,18 @@ namespace plx {
 
 Database::~Database() = default;
 
+Status Database::createTable(const QString &name, const QList<FieldInfo> &)
+{
+    return Status(Status::Code::NotSupported,
+                  QStringLiteral("this database cannot create the table %1").arg(name));
+}
+
+Result<TableDescription> Database::describeTable(const QString &name) const
+{
+    return Status(Status::Code::NotSupported,
+                  QStringLiteral("this database cannot describe the table %1").arg(name));
+}
+
 namespace {
 
 struct Engine

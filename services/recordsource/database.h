@@ -27,6 +27,17 @@
 
 namespace plx {
 
+// A table as its engine describes it.
+struct TableDescription
+{
+    QString name; // as the engine stores it
+    QList<FieldInfo> fields; // in table order, as a record source on the table has them
+    // The engine's own account of how the table is kept, for people to read; the FoxPro
+    // engine's is the file header (version, code page, record counts, lengths, field shapes),
+    // the SQLite engine's the table's CREATE statement.
+    QString storage;
+};
+
 // An open database of one engine. Used from one thread; not copyable, because its record
 // sources share its connection.
 class Database
@@ -48,6 +59,16 @@ public:
     virtual QStringList tableNames() const = 0;
     // How text compares in this database's criteria and sort orders.
     virtual TextCompare textCompare() const = 0;
+    // Makes a new, empty table `name` with `fields` (name, type, size and decimals each),
+    // each in the engine's nearest type, so that a record source on it has these fields
+    // (the FoxPro engine keeps dates with times as dates). InvalidArgument when a table of
+    // that name exists or a field cannot be made; NotSupported on a read-only database and
+    // on an engine that cannot create tables, as this default does.
+    virtual Status createTable(const QString &name, const QList<FieldInfo> &fields);
+    // The fields of the table `name` (case-insensitive) and the engine's account of it,
+    // without reading its records. NotFound when there is no such table; NotSupported on
+    // an engine that cannot, as this default.
+    virtual Result<TableDescription> describeTable(const QString &name) const;
     // Closes the database. Record sources already open stay usable until they close.
     virtual void Close() = 0;
 };

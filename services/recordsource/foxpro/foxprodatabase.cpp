@@ -2,6 +2,7 @@
 #include "services/recordsource/foxpro/foxprodatabase_p.h"
 
 #include "services/recordsource/foxpro/dbfvtab_p.h"
+#include "services/recordsource/foxpro/internal/fieldmapping.h"
 #include "services/recordsource/foxpro/internal/foxprorecordsource.h"
 #include "services/recordsource/foxpro/statementbounds_p.h"
 #include "services/recordsource/jet/internal/parser.h"
@@ -67,6 +68,41 @@ public:
     }
 
     TextCompare textCompare() const override { return m_collate; }
+
+    // A table is a file NAME.DBF in the directory, with NAME.FPT beside it when a field is
+    // a memo.
+    Status createTable(const QString &name, const QList<FieldInfo> &fields) override
+    {
+        if (m_closed)
+            return Status(Status::Code::InvalidArgument, QStringLiteral("the database is closed"));
+        if (m_readOnly)
+            return Status(Status::Code::NotSupported,
+                          QStringLiteral("the database was opened read-only"));
+        if (!tablePath(name).isEmpty())
+            return Status(Status::Code::InvalidArgument,
+                          QStringLiteral("a table named %1 exists already").arg(name));
+        QList<DbfField> columns;
+        for (const FieldInfo &f : fields)
+            columns << dbfFieldFor(f);
+        Result<std::unique_ptr<DbfTable>> table = DbfTable::create(
+            QDir(m_dir).filePath(name.trimmed() + QStringLiteral(".DBF")), columns);
+        return table.status();
+    }
+
+    Result<TableDescription> describeTable(const QString &name) const override
+    {
+        if (m_closed)
+            return Status(Status::Code::InvalidArgument, QStringLiteral("the database is closed"));
+        const QString path = tablePath(name);
+        if (path.isEmpty())
+            return Status(Status::Code::NotFound, QStringLiteral("no table named %1").arg(name));
+        Result<std::unique_ptr<DbfTable>> table =
+            DbfTable::open(path, DbfTable::OpenMode::ReadOnly, m_codePage);
+        if (!table.isOk())
+            return table.status();
+        return TableDescription{ QFileInfo(path).completeBaseName(), table.value()->fieldInfos(),
+                                 table.value()->infoText() };
+    }
     void Close() override { m_closed = true; }
 
 private:

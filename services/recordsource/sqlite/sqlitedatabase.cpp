@@ -3,6 +3,9 @@
 
 #include "services/recordsource/sqlite/internal/sqliteconnection.h"
 #include "services/recordsource/sqlite/internal/sqliterecordsource.h"
+#include "services/recordsource/sqlite/internal/sqlitevalues.h"
+
+#include <sqlite3.h>
 
 namespace plx::sqlite {
 
@@ -37,11 +40,69 @@ public:
         return m_conn ? m_conn->tableNames() : QStringList();
     }
     TextCompare textCompare() const override { return TextCompare::NoCase; }
+    Status createTable(const QString &name, const QList<FieldInfo> &fields) override;
+    Result<TableDescription> describeTable(const QString &name) const override;
     void Close() override { m_conn.reset(); }
 
 private:
     std::shared_ptr<Connection> m_conn;
 };
+
+QString quotedName(QString name)
+{
+    name.replace(QLatin1Char('"'), QStringLiteral("\"\""));
+    return QLatin1Char('"') + name + QLatin1Char('"');
+}
+
+Status closedDatabase()
+{
+    return Status(Status::Code::InvalidArgument, QStringLiteral("the database is closed"));
+}
+
+Status SqliteDatabase::createTable(const QString &name, const QList<FieldInfo> &fields)
+{
+    if (!m_conn)
+        return closedDatabase();
+    if (m_conn->isReadOnly())
+        return Status(Status::Code::NotSupported, m_conn->readOnlyReason());
+    if (name.trimmed().isEmpty() || fields.isEmpty())
+        return Status(Status::Code::InvalidArgument,
+                      QStringLiteral("a table needs a name and at least one field"));
+    if (m_conn->lookupTable(name))
+        return Status(Status::Code::InvalidArgument,
+                      QStringLiteral("a table named %1 exists already").arg(name));
+    QStringList columns;
+    for (const FieldInfo &f : fields)
+        columns << quotedName(f.name) + QLatin1Char(' ') + declaredTypeFor(f);
+    return m_conn->exec(QStringLiteral("CREATE TABLE %1 (%2)")
+                            .arg(quotedName(name), columns.join(QStringLiteral(", "))));
+}
+
+Result<TableDescription> SqliteDatabase::describeTable(const QString &name) const
+{
+    if (!m_conn)
+        return closedDatabase();
+    const std::optional<jet::TableColumns> table = m_conn->lookupTable(name);
+    if (!table)
+        return Status(Status::Code::NotFound, QStringLiteral("no table named %1").arg(name));
+    TableDescription description;
+    description.name = table->table;
+    Result<Statement> columns =
+        m_conn->prepare(QStringLiteral("SELECT * FROM %1").arg(quotedName(table->table)));
+    if (!columns.isOk())
+        return columns.status();
+    for (int i = 0; i < sqlite3_column_count(columns->get()); ++i)
+        description.fields << fieldInfoFromDeclaredType(
+            QString::fromUtf8(sqlite3_column_name(columns->get(), i)),
+            QString::fromUtf8(sqlite3_column_decltype(columns->get(), i)));
+    Result<Statement> created = m_conn->prepare(
+        QStringLiteral("SELECT sql FROM sqlite_master WHERE type = 'table' AND name = '%1'")
+            .arg(QString(table->table).replace(QLatin1Char('\''), QStringLiteral("''"))));
+    if (created.isOk() && sqlite3_step(created->get()) == SQLITE_ROW)
+        description.storage = QString::fromUtf8(
+            reinterpret_cast<const char *>(sqlite3_column_text(created->get(), 0)));
+    return description;
+}
 
 } // namespace
 

@@ -1,0 +1,113 @@
+// services/recordsource/tests/recordsource_createtable_test.cpp: a table made from field
+// descriptions, on every back end. Describing it gives the fields back (names and types;
+// sizes and decimals where the field keeps them), from the real file through a second
+// connection, and a record written through a record source reads back there too.
+#include "services/recordsource/tests/contractfixture.h"
+
+#include <QDate>
+
+namespace plx::testing {
+namespace {
+
+using Code = Status::Code;
+
+const QList<FieldInfo> kFields = {
+    { QStringLiteral("ID"), FieldType::Text, 10, 0 },
+    { QStringLiteral("NAME"), FieldType::Text, 40, 0 },
+    { QStringLiteral("BEDS"), FieldType::Numeric, 5, 0 },
+    { QStringLiteral("RATE"), FieldType::Numeric, 8, 2 },
+    { QStringLiteral("OPENED"), FieldType::Date, 8, 0 },
+    { QStringLiteral("ACTIVE"), FieldType::Boolean, 1, 0 },
+    { QStringLiteral("NOTES"), FieldType::Memo, 10, 0 },
+};
+
+class CreateTableTest : public ::testing::TestWithParam<std::shared_ptr<BackEnd>>
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_dir.isValid());
+        const Status s = GetParam()->createTables(m_dir.path(), {});
+        ASSERT_TRUE(s.isOk()) << s.toString().toStdString();
+        m_db = open();
+        ASSERT_TRUE(m_db);
+    }
+
+    std::unique_ptr<Database> open() const
+    {
+        auto db = GetParam()->open(m_dir.path());
+        EXPECT_TRUE(db.isOk()) << db.status().toString().toStdString();
+        return db.isOk() ? std::move(db).value() : nullptr;
+    }
+
+    QTemporaryDir m_dir;
+    std::unique_ptr<Database> m_db;
+};
+
+TEST_P(CreateTableTest, DescriptionsMakeATableThatDescribesItselfAlikeAndKeepsRecords)
+{
+    const Status made = m_db->createTable(QStringLiteral("FACILITY"), kFields);
+    ASSERT_TRUE(made.isOk()) << made.toString().toStdString();
+    auto rs = m_db->OpenRecordset(QStringLiteral("FACILITY"));
+    ASSERT_TRUE(rs.isOk()) << rs.status().toString().toStdString();
+    RecordSource &source = *rs.value();
+    ASSERT_TRUE(source.AddNew().isOk());
+    const QVariantList values{ QStringLiteral("PLE0000001"),
+                               QStringLiteral("Maple Manor"),
+                               120,
+                               12.75,
+                               QDate(2003, 1, 31),
+                               true,
+                               QStringLiteral("two\r\nlines") };
+    for (int i = 0; i < kFields.size(); ++i)
+        ASSERT_TRUE(source.setValue(i, values[i]).isOk()) << kFields[i].name.toStdString();
+    ASSERT_TRUE(source.Update().isOk());
+    source.Close();
+
+    // A second connection reads the file: the same fields, in order, and the record.
+    std::unique_ptr<Database> again = open();
+    ASSERT_TRUE(again);
+    EXPECT_TRUE(again->tableNames().contains(QStringLiteral("FACILITY"), Qt::CaseInsensitive));
+    Result<TableDescription> described = again->describeTable(QStringLiteral("facility"));
+    ASSERT_TRUE(described.isOk()) << described.status().toString().toStdString();
+    EXPECT_EQ(described->name.toUpper(), QStringLiteral("FACILITY"));
+    ASSERT_EQ(described->fields.size(), kFields.size());
+    for (int i = 0; i < kFields.size(); ++i) {
+        const FieldInfo &want = kFields[i];
+        const FieldInfo &got = described->fields[i];
+        SCOPED_TRACE(want.name.toStdString());
+        EXPECT_EQ(got.name, want.name);
+        EXPECT_EQ(got.type, want.type);
+        if (want.type == FieldType::Text || want.type == FieldType::Numeric) {
+            EXPECT_EQ(got.size, want.size);
+            EXPECT_EQ(got.decimals, want.decimals);
+        }
+        EXPECT_TRUE(described->storage.contains(want.name)) << described->storage.toStdString();
+    }
+    auto read = again->OpenRecordset(QStringLiteral("SELECT * FROM FACILITY"));
+    ASSERT_TRUE(read.isOk()) << read.status().toString().toStdString();
+    EXPECT_EQ(read.value()->fieldInfos().size(), kFields.size());
+    for (int i = 0; i < kFields.size(); ++i)
+        EXPECT_EQ(read.value()->value(i).value(), values[i]) << kFields[i].name.toStdString();
+}
+
+TEST_P(CreateTableTest, NamesTakenOrMissingAndReadOnlyDatabasesAreRefused)
+{
+    ASSERT_TRUE(m_db->createTable(QStringLiteral("T"), kFields.mid(0, 2)).isOk());
+    const Status twice = m_db->createTable(QStringLiteral("t"), kFields.mid(0, 2));
+    EXPECT_EQ(twice.code(), Code::InvalidArgument);
+    EXPECT_EQ(twice.message(), QStringLiteral("a table named t exists already"));
+    EXPECT_EQ(m_db->describeTable(QStringLiteral("NOPE")).status().code(), Code::NotFound);
+
+    auto readOnly = GetParam()->openReadOnly(m_dir.path());
+    ASSERT_TRUE(readOnly.isOk()) << readOnly.status().toString().toStdString();
+    EXPECT_EQ(readOnly.value()->createTable(QStringLiteral("U"), kFields).code(),
+              Code::NotSupported);
+    EXPECT_FALSE(readOnly.value()->tableNames().contains(QStringLiteral("U"), Qt::CaseInsensitive));
+}
+
+INSTANTIATE_TEST_SUITE_P(AllBackEnds, CreateTableTest, ::testing::ValuesIn(allBackEnds()),
+                         backEndName);
+
+} // namespace
+} // namespace plx::testing
