@@ -9,10 +9,12 @@
 // are Windows-1252 with CR LF line ends; LF files and UTF-8 files with a byte-order mark
 // are read too (and a BOM file stays UTF-8 when written).
 //
-// Writes are safe between processes: each one takes an exclusive lock on "<file>.lock",
-// re-reads the file, changes it, writes a temporary file beside it, syncs it and renames it
-// over the original. Readers never see a half-written file. The ".lock" file is left in
-// place (removing it would race with the next writer).
+// Writes (and section deletes) are safe between processes: each one takes an exclusive lock
+// on "<file>.lock", re-reads the file, changes it, writes a temporary file beside it, syncs
+// it and renames it over the original. Readers never see a half-written file. The ".lock"
+// file is left in place (removing it would race with the next writer). Anything else that
+// rewrites a settings file must do so through these functions, or two programs' changes can
+// cross and one be lost.
 //
 // A writer waits for the lock at most kSettingsLockWait (2 seconds): a process that keeps
 // the lock (hung, stopped in a debugger) must not freeze every program that saves a
@@ -57,6 +59,12 @@ void readINI(const QString &section, const QString &key, const QString &file, QS
 // or key writes nothing.
 bool writeINI(const QString &section, const QString &key, const QString &file,
               const QString &value);
+// Removes every section of that name (case-insensitive, trimmed) with all its lines, by the
+// same lock, bounded wait and atomic replacement as writeINI; every other line stays exactly
+// as it was. True when the section is gone, including when `file` or the section was never
+// there (then nothing is written); false when the file could not be written or is over
+// kMaxSettingsFileBytes. A blank section or file name deletes nothing (false).
+bool deleteINISection(const QString &section, const QString &file);
 
 // readINI with the defaults file standing in for a blank `file`; this overload overwrites
 // `file` with the defaults-file path in that case, as callers rely on.

@@ -14,6 +14,8 @@
 #include <QMutex>
 #include <QSaveFile>
 
+#include <functional>
+
 #ifndef Q_OS_WIN
 #include <unistd.h>
 #endif
@@ -78,12 +80,12 @@ public:
     void processEvents() override { }
 };
 
-void logWriteWithoutLock(const QString &file)
+void logWriteWithoutLock(const QString &routine, const QString &file)
 {
     NoPump noPump;
     Services quiet{ nullptr, nullptr, &noPump };
     // The log is for support staff; a log that cannot be written changes nothing here.
-    logEntry(QStringLiteral("writeINI"),
+    logEntry(routine,
              QStringLiteral("%1 stayed locked by another program for %2 ms; written without "
                             "the lock")
                  .arg(file)
@@ -111,6 +113,32 @@ bool replaceFile(const QString &diskPath, const QByteArray &contents)
     return out.commit();
 }
 
+// Every change of a settings file: under the writers' lock, re-read the file, let `change`
+// edit it (false: nothing to write), and replace the file. `routine` names the caller in
+// the activity log; `file` is the trimmed name as given.
+bool changeUnderLock(const QString &routine, const QString &file,
+                     const std::function<bool(IniProfile &)> &change)
+{
+    const QString diskPath = toDiskPath(file);
+    // A file this large is no settings file: rewriting it would only make it worse.
+    if (isOverSizeLimit(diskPath))
+        return false;
+    const std::chrono::milliseconds wait = lockWaitFor(diskPath);
+    const SettingsFileLock lock(diskPath, wait);
+    if (lock.state() == SettingsFileLock::State::Unavailable)
+        return false;
+    // Never wait for ever: past the bound the write goes ahead unlocked. The rename keeps
+    // the file whole for readers; only a concurrent writer's change could be lost.
+    if (noteLockState(diskPath, lock.state(), wait))
+        logWriteWithoutLock(routine, file);
+    // Re-read under the lock: another process may have written since we last looked.
+    bool exists = false;
+    IniProfile profile = IniProfile::parse(readAll(diskPath, &exists));
+    if (!change(profile))
+        return true;
+    return replaceFile(diskPath, profile.serialize());
+}
+
 } // namespace
 
 void readINI(const QString &section, const QString &key, const QString &file, QString &value,
@@ -132,23 +160,20 @@ bool writeINI(const QString &section, const QString &key, const QString &file, c
     const QString f = trimSpaces(file);
     if (s.isEmpty() || k.isEmpty() || f.isEmpty())
         return false;
-    const QString diskPath = toDiskPath(f);
-    // A file this large is no settings file: rewriting it would only make it worse.
-    if (isOverSizeLimit(diskPath))
+    return changeUnderLock(QStringLiteral("writeINI"), f, [&](IniProfile &profile) {
+        profile.set(s, k, trimSpaces(value));
+        return true;
+    });
+}
+
+bool deleteINISection(const QString &section, const QString &file)
+{
+    const QString s = trimSpaces(section);
+    const QString f = trimSpaces(file);
+    if (s.isEmpty() || f.isEmpty())
         return false;
-    const std::chrono::milliseconds wait = lockWaitFor(diskPath);
-    const SettingsFileLock lock(diskPath, wait);
-    if (lock.state() == SettingsFileLock::State::Unavailable)
-        return false;
-    // Never wait for ever: past the bound the write goes ahead unlocked. The rename keeps
-    // the file whole for readers; only a concurrent writer's key could be lost.
-    if (noteLockState(diskPath, lock.state(), wait))
-        logWriteWithoutLock(f);
-    // Re-read under the lock: another process may have written since we last looked.
-    bool exists = false;
-    IniProfile profile = IniProfile::parse(readAll(diskPath, &exists));
-    profile.set(s, k, trimSpaces(value));
-    return replaceFile(diskPath, profile.serialize());
+    return changeUnderLock(QStringLiteral("deleteINISection"), f,
+                           [&](IniProfile &profile) { return profile.removeSection(s); });
 }
 
 QString settingsFileSizeProblem(const QString &file)

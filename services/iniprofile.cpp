@@ -175,6 +175,20 @@ void IniProfile::set(const QString &section, const QString &key, const QString &
     m_text.insert(lastFilled + 1, line);
 }
 
+bool IniProfile::removeSection(const QString &section)
+{
+    // Readers take the first match, so a second section of the name left behind would
+    // bring the removed one back.
+    bool removed = false;
+    for (qsizetype header = findSection(section); header >= 0; header = findSection(section)) {
+        const qsizetype end = sectionEnd(header);
+        m_raw.remove(header, end - header);
+        m_text.remove(header, end - header);
+        removed = true;
+    }
+    return removed;
+}
+
 QByteArray IniProfile::serialize() const
 {
     QByteArray out = m_utf8Bom ? bom : QByteArray();

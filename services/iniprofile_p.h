@@ -24,6 +24,9 @@ public:
     // Replaces the first matching key line, or adds the key at the end of the section, or
     // appends the section.
     void set(const QString &section, const QString &key, const QString &value);
+    // Removes every section of that name, each from its header up to the next header;
+    // false when there was none.
+    bool removeSection(const QString &section);
     QByteArray serialize() const;
 
     // Decoded lines without their terminators.

@@ -13,7 +13,7 @@ build_include=${1:-build/include}
 qt=$(pkg-config --variable=includedir Qt6Core 2>/dev/null || echo /usr/include/x86_64-linux-gnu/qt6)
 sources=(
     services/recordsource/dbf/*.cpp
-    services/recordsource/filelock.cpp
+    services/filelock.cpp services/recordsource/filelock.cpp
     services/installdir.cpp services/inifile.cpp services/inilock.cpp services/paths.cpp services/activitylog.cpp
 )
 files=()

@@ -3,12 +3,9 @@
 
 #include "apps/plxform/screenfit.h"
 #include "services/ini.h"
-#include "services/paths.h"
 #include "services/recordsource/database.h"
-#include "services/recordsource/filelock_p.h"
 
 #include <QDialogButtonBox>
-#include <QFile>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -17,8 +14,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
-#include <QSaveFile>
-#include <QTextStream>
 #include <QVBoxLayout>
 
 namespace plx::form {
@@ -176,35 +171,12 @@ bool FilterEditor::saveFilter(const QString &oldName, const QString &name, const
 
 bool FilterEditor::deleteFilter(const QString &name)
 {
-    // The settings writer keeps every other line as it is; a section is removed by writing
-    // the file again without it, under the same lock and by the same atomic replacement
-    // the writer uses, so another program's write is neither lost nor seen half done.
-    Result<std::unique_ptr<LockFile>> lock =
-        LockFile::open(toDiskPath(m_file) + QStringLiteral(".lock"));
-    if (!lock.isOk() || !lock.value()->lock(0, 1, LockKind::Exclusive, 5000).isOk()) {
-        m_problem->setText(tr("The filter file %1 is in use; try again.").arg(m_file));
+    // Through the settings writer, under its lock: another program saving a setting in the
+    // same file meanwhile neither loses it nor sees the file half done.
+    if (!deleteINISection(name, m_file)) {
+        m_problem->setText(tr("The filter file %1 cannot be written.").arg(m_file));
         return false;
     }
-    QFile file(toDiskPath(m_file));
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
-    const QStringList lines = QString::fromLatin1(file.readAll()).split(QStringLiteral("\r\n"));
-    file.close();
-    QStringList kept;
-    bool skipping = false;
-    for (const QString &line : lines) {
-        const QString t = line.trimmed();
-        if (t.startsWith(QLatin1Char('[')) && t.endsWith(QLatin1Char(']')))
-            skipping = t.mid(1, t.size() - 2).trimmed().compare(name, Qt::CaseInsensitive) == 0;
-        if (!skipping)
-            kept << line;
-    }
-    QSaveFile out(toDiskPath(m_file));
-    if (!out.open(QIODevice::WriteOnly))
-        return false;
-    out.write(kept.join(QStringLiteral("\r\n")).toLatin1());
-    if (!out.commit())
-        return false;
     reload();
     return true;
 }

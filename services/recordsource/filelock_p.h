@@ -1,16 +1,9 @@
-// services/recordsource/filelock_p.h: byte-range locks shared between processes.
-//
-// Record and header locks of every file-based back end are byte ranges of a file, the way
-// FoxPro, Clipper and Jet lock records on a share. On Linux they are open-file-description
-// locks (F_OFD_SETLK): they belong to one open file, not to the process, so two record
-// sources in one process exclude each other just as two processes do, and the kernel drops
-// them when the holder dies, so a crashed program never blocks anyone for good. On Windows
-// they are LockFileEx locks, which have the same properties.
-//
-// Offsets are unsigned 64-bit: FoxPro's lock offsets lie near 0x7FFFFFFE and beyond the
-// end of the file, which is allowed.
+// services/recordsource/filelock_p.h: the project's byte-range file locks
+// (services/internal/filelock.h) in the record sources' terms: every outcome is a Status,
+// Locked when another user holds the range.
 #pragma once
 
+#include "services/internal/filelock.h"
 #include "services/recordsource/result.h"
 
 #include <QString>
@@ -18,14 +11,6 @@
 #include <memory>
 
 namespace plx {
-
-#ifdef _WIN32
-using NativeFileHandle = void *; // HANDLE
-#else
-using NativeFileHandle = int;
-#endif
-
-enum class LockKind { Shared, Exclusive };
 
 // Tries once. Locked when another open file (in any process) holds a conflicting lock,
 // IoError for any other failure.
@@ -41,7 +26,6 @@ Status unlockRange(NativeFileHandle file, quint64 offset, quint64 length);
 class LockFile
 {
 public:
-    ~LockFile();
     LockFile(const LockFile &) = delete;
     LockFile &operator=(const LockFile &) = delete;
 
@@ -53,20 +37,20 @@ public:
     // NOLINTBEGIN(readability-make-member-function-const)
     Status tryLock(quint64 offset, quint64 length, LockKind kind)
     {
-        return tryLockRange(m_handle, offset, length, kind);
+        return tryLockRange(handle(), offset, length, kind);
     }
     Status lock(quint64 offset, quint64 length, LockKind kind, int timeoutMs)
     {
-        return lockRange(m_handle, offset, length, kind, timeoutMs);
+        return lockRange(handle(), offset, length, kind, timeoutMs);
     }
-    Status unlock(quint64 offset, quint64 length) { return unlockRange(m_handle, offset, length); }
+    Status unlock(quint64 offset, quint64 length) { return unlockRange(handle(), offset, length); }
     // NOLINTEND(readability-make-member-function-const)
-    NativeFileHandle handle() const { return m_handle; }
+    NativeFileHandle handle() const { return m_file.handle(); }
     const QString &path() const { return m_path; }
 
 private:
-    LockFile(NativeFileHandle handle, QString path) : m_handle(handle), m_path(std::move(path)) { }
-    NativeFileHandle m_handle;
+    explicit LockFile(const QString &path) : m_file(path), m_path(path) { }
+    filelock::SidecarFile m_file;
     QString m_path;
 };
 

@@ -109,6 +109,27 @@ TEST_F(IniTest, WriteCreatesFileAndSectionInWindows1252WithCrLf)
     EXPECT_FALSE(QFile::exists(path("nodir")));
 }
 
+TEST_F(IniTest, DeletingASectionRemovesEveryCopyAndKeepsTheRestByteForByte)
+{
+    const QString f = path("filters.ini");
+    writeBytes(f,
+               "; Filters\r\n[Texas]\r\nWhere=STATE = 'TX'\r\n\r\n[Big]\nWhere=BEDS > 9\n\r\n"
+               "[ texas ]\r\nWhere=an older copy\r\n[Last]\r\nWhere=\xe9");
+    ASSERT_TRUE(deleteINISection(QStringLiteral(" TEXAS "), f));
+    EXPECT_EQ(readBytes(f),
+              QByteArray("; Filters\r\n[Big]\nWhere=BEDS > 9\n\r\n[Last]\r\nWhere=\xe9"));
+    ASSERT_TRUE(deleteINISection(QStringLiteral("last"), f));
+    EXPECT_EQ(readBytes(f), QByteArray("; Filters\r\n[Big]\nWhere=BEDS > 9\n\r\n"));
+    // A section or file that is not there is deleted already; nothing is written.
+    EXPECT_TRUE(deleteINISection(QStringLiteral("Texas"), f));
+    EXPECT_EQ(readBytes(f), QByteArray("; Filters\r\n[Big]\nWhere=BEDS > 9\n\r\n"));
+    EXPECT_TRUE(deleteINISection(QStringLiteral("Any"), path("none.ini")));
+    EXPECT_FALSE(QFile::exists(path("none.ini")));
+    // A blank name deletes nothing; a file that cannot be written is a failure.
+    EXPECT_FALSE(deleteINISection(QStringLiteral(" "), f));
+    EXPECT_FALSE(deleteINISection(QStringLiteral("Big"), path("nodir/x.ini")));
+}
+
 TEST_F(IniTest, ReadsLfFilesAndUtf8FilesWithByteOrderMark)
 {
     const QString lf = path("lf.ini");

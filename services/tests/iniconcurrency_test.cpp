@@ -1,6 +1,7 @@
-// Two processes writing different keys of one settings file at the same moment, and two
-// processes logging at once: without the write lock and the re-read under it, one
-// writer's keys vanish; without one append per entry, log entries interleave.
+// Two processes changing one settings file at the same moment (writing different keys, or
+// writing keys while deleting sections), and two processes logging at once: without one
+// lock for every change and the re-read under it, one process's changes vanish; without
+// one append per entry, log entries interleave.
 #include "services/ini.h"
 
 #include <QFile>
@@ -16,6 +17,7 @@ namespace {
 
 constexpr int keysPerWriter = 60;
 constexpr int entriesPerLogger = 200;
+constexpr int deletedSections = 60;
 
 QProcess *startChild(const QStringList &args, const QString &installDir)
 {
@@ -68,6 +70,42 @@ TEST(IniConcurrencyTest, TwoProcessesWritingDifferentKeysLoseNeither)
     ASSERT_TRUE(result.open(QIODevice::ReadOnly));
     EXPECT_TRUE(result.readAll().startsWith("; kept\r\n[Shared]\r\nStart=1\r\n"));
     EXPECT_EQ(getINISections(file), (QStringList{ QString(), QStringLiteral("Shared") }));
+}
+
+// The filter editor deletes a filter (a section) while another program saves a setting in
+// the same file: the delete must neither drop the setting nor have its section written back.
+TEST(IniConcurrencyTest, DeletingSectionsWhileAnotherProcessWritesLosesNothing)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const QString file = dir.filePath(QStringLiteral("HBFiltersPLX.INI"));
+    QFile seed(file);
+    ASSERT_TRUE(seed.open(QIODevice::WriteOnly));
+    for (int i = 1; i <= deletedSections; ++i)
+        seed.write("[Gone" + QByteArray::number(i) + "]\r\nWhere=ID = " + QByteArray::number(i)
+                   + "\r\n\r\n");
+    seed.write("[Kept]\r\nStart=1\r\n");
+    seed.close();
+
+    QProcess *writer = startChild({ QStringLiteral("ini"), file, QStringLiteral("Kept"),
+                                    QStringLiteral("K"), QString::number(keysPerWriter) },
+                                  dir.path());
+    QProcess *deleter = startChild({ QStringLiteral("deletesections"), file, QStringLiteral("Gone"),
+                                     QString::number(deletedSections) },
+                                   dir.path());
+    finish(writer);
+    finish(deleter);
+
+    QStringList lost;
+    for (int i = 1; i <= keysPerWriter; ++i) {
+        const QString n = QString::number(i);
+        QString v;
+        readINI(QStringLiteral("Kept"), QStringLiteral("K") + n, file, v, QStringLiteral("<lost>"));
+        if (v != QStringLiteral("v") + n)
+            lost << QStringLiteral("K") + n;
+    }
+    EXPECT_EQ(lost.join(QLatin1Char(' ')).toStdString(), "");
+    EXPECT_EQ(getINISections(file).join(QLatin1Char(' ')).toStdString(), " Kept");
 }
 
 TEST(ActivityLogConcurrencyTest, TwoProcessesLoggingAtOnceWriteWholeEntries)

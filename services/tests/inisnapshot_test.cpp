@@ -140,6 +140,7 @@ TEST_F(IniSnapshotTest, FilesOverSixteenMegabytesAreRefusedBeforeTheyAreRead)
     EXPECT_EQ(where, QStringLiteral("none")) << "read as a missing file";
     EXPECT_FALSE(
         writeINI(QStringLiteral("Filter two"), QStringLiteral("Where"), huge, QStringLiteral("1")));
+    EXPECT_FALSE(deleteINISection(QStringLiteral("Filter one"), huge));
     EXPECT_EQ(QFile(huge).size(), kMaxSettingsFileBytes + 1) << "left as it was";
 
     // At the limit a file is still read.

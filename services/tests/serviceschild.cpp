@@ -1,6 +1,7 @@
 // services/tests/serviceschild.cpp: a helper process for the cross-process tests.
 //
 //   services_child ini <file> <section> <keyPrefix> <count>   writes keyPrefix1..count
+//   services_child deletesections <file> <prefix> <count>     deletes sections prefix1..count
 //   services_child log <count> <tag>                           logs count entries
 // The installation directory comes from PLX_HARROWBY_DIR. Exit code 0 on success.
 #include "services/activitylog.h"
@@ -30,6 +31,16 @@ int writeKeys(const QStringList &args)
     return 0;
 }
 
+int deleteSections(const QStringList &args)
+{
+    const int count = args.value(4).toInt();
+    for (int i = 1; i <= count; ++i) {
+        if (!plx::deleteINISection(args.at(3) + QString::number(i), args.at(2)))
+            return 2;
+    }
+    return 0;
+}
+
 int writeLog(const QStringList &args)
 {
     const int count = args.value(2).toInt();
@@ -54,6 +65,8 @@ int main(int argc, char **argv)
     const QStringList args = QCoreApplication::arguments();
     if (args.value(1) == QStringLiteral("ini") && args.size() == 6)
         return writeKeys(args);
+    if (args.value(1) == QStringLiteral("deletesections") && args.size() == 5)
+        return deleteSections(args);
     if (args.value(1) == QStringLiteral("log") && args.size() == 4)
         return writeLog(args);
     return 1;

@@ -1,10 +1,10 @@
 // services/tests/settingslockholder.cpp: another program that keeps a settings file locked.
 //
 //   settings_lock_holder <settings file>
-// Takes the writers' exclusive lock on "<settings file>.lock" the way every writer of the
-// product takes it, prints "locked" on its own line, and keeps the lock until its standard
-// input is closed (or it is killed). Written without the library, so that it holds the
-// lock as any other process would, whatever the library under test does.
+// Takes the writers' exclusive lock on byte 0 of "<settings file>.lock" the way every writer
+// of the product takes it, prints "locked" on its own line, and keeps the lock until its
+// standard input is closed (or it is killed). Written without the library, so that it holds
+// the lock as any other process would, whatever the library under test does.
 #include <QFile>
 
 #include <cstdio>
@@ -14,8 +14,8 @@
 #ifdef Q_OS_WIN
 #include <qt_windows.h>
 #else
+#include <cstring>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 #endif
 
@@ -30,8 +30,15 @@ bool lockForGood(const QString &lockPath)
     OVERLAPPED ov = {};
     return h != INVALID_HANDLE_VALUE && LockFileEx(h, LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &ov);
 #else
+    // An open-file-description lock on byte 0, waited for; released when the process ends.
     const int fd = ::open(QFile::encodeName(lockPath).constData(), O_RDWR | O_CREAT, 0666);
-    return fd >= 0 && ::flock(fd, LOCK_EX) == 0; // released when the process ends
+    struct flock fl;
+    std::memset(&fl, 0, sizeof fl);
+    fl.l_type = F_WRLCK;
+    fl.l_whence = SEEK_SET;
+    fl.l_start = 0;
+    fl.l_len = 1;
+    return fd >= 0 && ::fcntl(fd, F_OFD_SETLKW, &fl) == 0;
 #endif
 }
 
