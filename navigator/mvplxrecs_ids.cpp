@@ -9,7 +9,7 @@
 #include "services/activitylog.h"
 #include "services/paths.h"
 #include "services/recordsource/database.h"
-#include "services/recordsource/filelock_p.h"
+#include "services/recordsource/internal/filelock.h"
 #include "services/texthelpers.h"
 
 #include <QFile>

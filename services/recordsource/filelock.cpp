@@ -1,5 +1,5 @@
 // services/recordsource/filelock.cpp: file-lock outcomes as record-source statuses.
-#include "services/recordsource/filelock_p.h"
+#include "services/recordsource/internal/filelock.h"
 
 #include <chrono>
 

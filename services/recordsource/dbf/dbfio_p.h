@@ -7,7 +7,7 @@
 #pragma once
 
 #include "services/recordsource/dbf/internal/dbftable.h"
-#include "services/recordsource/filelock_p.h"
+#include "services/recordsource/internal/filelock.h"
 #include "services/recordsource/result.h"
 
 #include <QByteArray>

@@ -2,7 +2,7 @@
 #include "services/recordsource/dbf/dbfmemo_p.h"
 
 #include "services/recordsource/dbf/dbfio_p.h"
-#include "services/recordsource/filelock_p.h"
+#include "services/recordsource/internal/filelock.h"
 
 #include <QFile>
 

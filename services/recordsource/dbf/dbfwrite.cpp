@@ -11,7 +11,7 @@
 #include "services/recordsource/dbf/dbfmemo_p.h"
 #include "services/recordsource/dbf/internal/dbftesthooks.h"
 #include "services/recordsource/dbf/dbfvalue_p.h"
-#include "services/recordsource/filelock_p.h"
+#include "services/recordsource/internal/filelock.h"
 
 #include <QFileInfo>
 

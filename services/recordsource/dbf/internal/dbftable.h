@@ -28,7 +28,7 @@
 // file, in one process or in several, exclude each other through the locks.
 #pragma once
 
-#include "services/recordsource/filelock_p.h"
+#include "services/recordsource/internal/filelock.h"
 #include "services/recordsource/recordsource.h"
 #include "services/recordsource/result.h"
 

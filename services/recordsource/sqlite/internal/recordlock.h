@@ -11,7 +11,7 @@
 // or rowids beyond 2^40 can only make a lock look taken, never let two editors in.
 #pragma once
 
-#include "services/recordsource/filelock_p.h"
+#include "services/recordsource/internal/filelock.h"
 
 #include <memory>
 

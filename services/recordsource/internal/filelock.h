@@ -1,4 +1,4 @@
-// services/recordsource/filelock_p.h: the project's byte-range file locks
+// services/recordsource/internal/filelock.h: the project's byte-range file locks
 // (services/internal/filelock.h) in the record sources' terms: every outcome is a Status,
 // Locked when another user holds the range.
 #pragma once
