@@ -14,6 +14,9 @@
 #   - every header of a library is one of the three kinds.
 # Faults being worked off are listed in cmake/layer-baseline.txt (see the end of this file).
 #
+# Besides, plx_require_headless(<targets>) stops the configure step when one of them reaches
+# Qt Gui or Widgets through its link graph (the record sources and plxsql).
+#
 # Two halves:
 #   include(cmake/CheckLayers.cmake) + plx_write_layer_map(<file>)
 #       at configure time, after every library is defined: writes one line per library
@@ -87,6 +90,34 @@ function(plx_write_layer_map file)
     endforeach()
     list(JOIN lines "\n" text)
     file(WRITE ${file} "${text}\n")
+endfunction()
+
+# Configure-time: fails when one of `targets` reaches Qt Gui or Qt Widgets through its link
+# graph. The record sources and the command-line programs on them run where there is no
+# display, so a link to the GUI libraries creeping in from below is an error, not a warning.
+function(plx_require_headless)
+    foreach(target IN LISTS ARGN)
+        _plx_reached_layers(${target} reached)
+        foreach(dep IN LISTS reached)
+            if(dep MATCHES "^Qt6?::(Gui|Widgets)$")
+                message(FATAL_ERROR "${target} must link Qt Core only, but reaches ${dep} "
+                                    "through its link libraries")
+            endif()
+        endforeach()
+    endforeach()
+endfunction()
+
+# Every library under services/recordsource/ (the layer map's record-source folders).
+function(plx_record_source_targets out)
+    get_property(targets GLOBAL PROPERTY PLX_LAYER_TARGETS)
+    set(found)
+    foreach(target IN LISTS targets)
+        get_target_property(dir ${target} PLX_LAYER_DIR)
+        if(dir MATCHES "^services/recordsource(/|$)")
+            list(APPEND found ${target})
+        endif()
+    endforeach()
+    set(${out} ${found} PARENT_SCOPE)
 endfunction()
 
 if(NOT CMAKE_SCRIPT_MODE_FILE)

@@ -9,7 +9,7 @@
 #include "fields/mvname.h"
 #include "mervane/mvcheck.h"
 
-#include "services/boundcontrol.h"
+#include "services/widgets/boundcontrol.h"
 
 class mvChkWithTxt : public QWidget, public plx::BoundControl
 {

@@ -12,7 +12,7 @@
 
 #include "mervane/mvrow.h"
 
-#include "services/boundcontrol.h"
+#include "services/widgets/boundcontrol.h"
 #include "services/env.h"
 
 #include <QList>

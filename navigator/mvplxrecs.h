@@ -22,7 +22,7 @@
 // GUI thread only. Message boxes go through the Prompter of setServices().
 #pragma once
 
-#include "services/boundcontrol.h"
+#include "services/widgets/boundcontrol.h"
 #include "services/env.h"
 #include "services/texthelpers.h"
 

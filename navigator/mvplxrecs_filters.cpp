@@ -8,6 +8,7 @@
 #include "services/ini.h"
 #include "services/paths.h"
 #include "services/texthelpers.h"
+#include "services/widgets/listcontrols.h"
 
 #include <QComboBox>
 #include <QPushButton>

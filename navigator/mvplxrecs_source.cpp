@@ -8,6 +8,7 @@
 #include "services/paths.h"
 #include "services/recordsource/database.h"
 #include "services/texthelpers.h"
+#include "services/widgets/listcontrols.h"
 
 #include <QComboBox>
 #include <QElapsedTimer>

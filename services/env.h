@@ -48,7 +48,8 @@ struct Services
     Clock *clock = nullptr;
     UiPump *uiPump = nullptr;
 
-    // The library-wide default: the library's own instance (Qt boxes, system clock, Qt
+    // The library-wide default: the library's own instance (message boxes when the program links
+    // plx::widgetservices, else unattended answers; system clock; Qt
     // event loop) unless a host installed its own with setDefaults(). Never delete it.
     static Services *defaults();
     // Makes `services` the default of every control that was given no Services of its own

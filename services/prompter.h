@@ -2,7 +2,9 @@
 //
 // Every user-facing box of the controls has a fixed title, text and style, and tests must
 // check those without a window ever appearing. So nothing calls QMessageBox directly: it
-// goes through a Prompter, which a test replaces by a scripted one.
+// goes through a Prompter, which a test replaces by a scripted one. The message-box
+// implementation is QtPrompter (services/widgets/qtprompter.h); this interface needs Qt Core
+// only, so headless programs can use the code that asks.
 #pragma once
 
 #include <QString>
@@ -29,16 +31,6 @@ public:
     // Asks for a line of text. std::nullopt when the user cancels.
     virtual std::optional<QString> inputBox(const QString &prompt, const QString &title,
                                             const QString &defaultText) = 0;
-};
-
-// The production prompter: QMessageBox and QInputDialog, parented to the active window.
-// GUI thread only.
-class QtPrompter : public Prompter
-{
-public:
-    MsgAnswer msgBox(const QString &prompt, int style, const QString &title) override;
-    std::optional<QString> inputBox(const QString &prompt, const QString &title,
-                                    const QString &defaultText) override;
 };
 
 } // namespace plx

@@ -1,5 +1,5 @@
 // services/texthelpers.h: the flat helpers every control calls: blank tests, null
-// replacement, delimited fields, file names, list look-ups, array growth, SQL/key encoders.
+// replacement, delimited fields, file names, collection look-ups, array growth, SQL/key encoders.
 //
 // They hold no state and never throw. "Blank" means empty after trimming spaces (only the
 // space character, as the hosts' Trim does). A field value is a QVariant; Null is an
@@ -12,9 +12,6 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
-
-class QComboBox;
-class QListWidget;
 
 namespace plx {
 
@@ -64,10 +61,6 @@ QString setPathName(const QString &directory, const QString &name, bool forwardS
 
 // --- Lists, collections and arrays (textlists.cpp) ---
 
-// Selects the first item equal to `text` (both trimmed; upper-cased with ignoreCase) and
-// returns its index; -1 (and nothing selected) when none matches or the control is null.
-int setComboBox(QComboBox *combo, const QString &text, bool ignoreCase);
-int setComboBox(QListWidget *list, const QString &text, bool ignoreCase);
 // True when some member's objectName() equals name (trimmed, upper-cased on both sides).
 bool keyInCollection(const QString &name, const QObjectList &collection);
 // Grows the array by one element and returns the new last index; a never-dimensioned

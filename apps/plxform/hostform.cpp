@@ -8,7 +8,7 @@
 #include "fields/mvname.h"
 #include "navigator/filterlist.h"
 #include "navigator/mvplxrecs.h"
-#include "services/formplacement.h"
+#include "services/widgets/formplacement.h"
 #include "services/ini.h"
 #include "services/paths.h"
 #include "services/recordsource/database.h"

@@ -1,37 +1,12 @@
-// List-control and collection look-ups and array growth: hosts find sort orders and
-// controls by name through these, and lists keep element 0 as a placeholder.
+// Collection look-ups and array growth: hosts find controls by name
+// through these, and lists keep element 0 as a placeholder.
 #include "services/texthelpers.h"
 
-#include <QComboBox>
-#include <QListWidget>
 #include <QPushButton>
 
 #include <gtest/gtest.h>
 
 using namespace plx;
-
-TEST(TextListsTest, SetComboBoxSelectsTheFirstTrimmedMatch)
-{
-    QComboBox combo;
-    combo.addItems({ QStringLiteral(" Name "), QStringLiteral("ID"), QStringLiteral("name") });
-    EXPECT_EQ(setComboBox(&combo, QStringLiteral("name"), false), 2);
-    EXPECT_EQ(combo.currentIndex(), 2);
-    EXPECT_EQ(setComboBox(&combo, QStringLiteral(" NAME"), true), 0);
-    EXPECT_EQ(combo.currentIndex(), 0);
-    EXPECT_EQ(setComboBox(&combo, QStringLiteral("none"), true), -1);
-    EXPECT_EQ(combo.currentIndex(), -1);
-    EXPECT_EQ(setComboBox(static_cast<QComboBox *>(nullptr), QStringLiteral("ID"), true), -1);
-}
-
-TEST(TextListsTest, SetComboBoxWorksOnListBoxes)
-{
-    QListWidget list;
-    list.addItems({ QStringLiteral("a"), QStringLiteral("B ") });
-    EXPECT_EQ(setComboBox(&list, QStringLiteral("b"), true), 1);
-    EXPECT_EQ(list.currentRow(), 1);
-    EXPECT_EQ(setComboBox(&list, QStringLiteral("b"), false), -1);
-    EXPECT_EQ(list.currentRow(), -1);
-}
 
 TEST(TextListsTest, KeyInCollectionComparesTrimmedUpperCaseNames)
 {

@@ -32,7 +32,7 @@ endif()
 message(STATUS "installed package works: ${step_output}")
 
 # The public surface: the headers without _p.h, and only those, each one self-contained.
-set(library_dirs services services/recordsource services/recordsource/jet
+set(library_dirs services services/widgets services/recordsource services/recordsource/jet
     services/recordsource/jetsqlite services/recordsource/sqlite services/recordsource/dbf
     services/recordsource/foxpro
     mervane fields navigator dialogs)

@@ -1,5 +1,5 @@
-// services/monitorlist.cpp: Qt's screens as the library's monitor list.
-#include "services/monitorlist.h"
+// services/widgets/monitorlist.cpp: Qt's screens as the library's monitor list.
+#include "services/widgets/monitorlist.h"
 
 #include <QGuiApplication>
 #include <QScreen>

@@ -1,5 +1,5 @@
-// services/monitors.cpp: the monitor set, the virtual desktop and the monitor look-ups.
-#include "services/monitors.h"
+// services/widgets/monitors.cpp: the monitor set, the virtual desktop and the monitor look-ups.
+#include "services/widgets/monitors.h"
 
 #include <QtMath>
 

@@ -1,4 +1,4 @@
-// services/savedplacement_p.h: the numbers a settings file holds for a form's place, read
+// services/widgets/savedplacement_p.h: the numbers a settings file holds for a form's place, read
 // and judged before any of them reaches the window.
 //
 // The four numbers come from a file users and other programs can damage. Before they are

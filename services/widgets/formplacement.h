@@ -1,4 +1,4 @@
-// services/formplacement.h: forms remember where the user left them.
+// services/widgets/formplacement.h: forms remember where the user left them.
 //
 // A form's position and size are kept in section "CONFIG" of a settings file under four
 // keys: the key base (see formKeyBase) followed by "-X" (left), "-Y" (top), "-W" (width)
@@ -36,10 +36,10 @@
 // top-level window (a QMainWindow, QDialog or parentless QWidget).
 //
 // `monitors` is the monitor list to measure the desktop with; nullptr reads Qt's screens.
-// It converts pixels to twips too (services/monitors.h). GUI thread only.
+// It converts pixels to twips too (services/widgets/monitors.h). GUI thread only.
 #pragma once
 
-#include "services/monitorlist.h"
+#include "services/widgets/monitorlist.h"
 
 #include <QPointF>
 #include <QRectF>

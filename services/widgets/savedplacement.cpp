@@ -1,9 +1,9 @@
-// services/savedplacement.cpp: reading and judging a form's stored placement numbers.
-#include "services/savedplacement_p.h"
+// services/widgets/savedplacement.cpp: reading and judging a form's stored placement numbers.
+#include "services/widgets/savedplacement_p.h"
 
 #include "services/activitylog.h"
 #include "services/ini.h"
-#include "services/monitors.h"
+#include "services/widgets/monitors.h"
 #include "services/texthelpers.h"
 
 #include <QLocale>

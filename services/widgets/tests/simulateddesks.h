@@ -1,8 +1,8 @@
-// services/tests/simulateddesks.h: monitor arrangements the placement tests run on, so the
+// services/widgets/tests/simulateddesks.h: monitor arrangements the placement tests run on, so the
 // rules are checked on desks this machine does not have.
 #pragma once
 
-#include "services/monitorlist.h"
+#include "services/widgets/monitorlist.h"
 
 namespace plx::test {
 

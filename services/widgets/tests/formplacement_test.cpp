@@ -4,12 +4,12 @@
 //
 // All forms here are 400 x 300 pixels, at 96 dpi 6000 x 4500 twips, so a tenth of the form
 // is 600 twips wide and 450 high. The primary monitor is 1920 x 1080 (28800 x 16200 twips).
-#include "services/formplacement.h"
+#include "services/widgets/formplacement.h"
 
 #include "services/ini.h"
-#include "services/monitors.h"
+#include "services/widgets/monitors.h"
 #include "services/tests/envguard.h"
-#include "services/tests/simulateddesks.h"
+#include "services/widgets/tests/simulateddesks.h"
 
 #include <QFile>
 #include <QGuiApplication>

@@ -1,9 +1,9 @@
 // The monitor set: the desktop it measures in pixels and twips, the monitor of a point or a
 // window, and what a refresh sees after a monitor was unplugged. Simulated desks stand in
 // for monitors this machine does not have; one test reads Qt's real screens.
-#include "services/monitors.h"
+#include "services/widgets/monitors.h"
 
-#include "services/tests/simulateddesks.h"
+#include "services/widgets/tests/simulateddesks.h"
 
 #include <QGuiApplication>
 #include <QScreen>

@@ -5,10 +5,10 @@
 //
 // The desk is one 1920 x 1080 monitor at 96 dpi (15 twips a pixel); the form is designed
 // 400 x 300 at (200, 100), so centred it sits at (760, 390).
-#include "services/formplacement.h"
+#include "services/widgets/formplacement.h"
 
 #include "services/tests/envguard.h"
-#include "services/tests/simulateddesks.h"
+#include "services/widgets/tests/simulateddesks.h"
 
 #include <QFile>
 #include <QMainWindow>

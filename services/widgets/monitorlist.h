@@ -1,4 +1,4 @@
-// services/monitorlist.h: where the monitor classes get their monitors from.
+// services/widgets/monitorlist.h: where the monitor classes get their monitors from.
 //
 // The placement rules depend on how many monitors there are, where they sit and how fine
 // their resolution is. Those facts come through this small seam so that the rules can be

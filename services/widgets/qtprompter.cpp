@@ -1,5 +1,8 @@
-// services/prompter.cpp: the QMessageBox / QInputDialog implementation of the prompter.
-#include "services/prompter.h"
+// services/widgets/qtprompter.cpp: the QMessageBox / QInputDialog implementation of the
+// prompter, which becomes the library's own prompter in every program that links it.
+#include "services/widgets/qtprompter.h"
+
+#include "services/internal/libraryprompter.h"
 
 #include <QApplication>
 #include <QInputDialog>
@@ -72,4 +75,19 @@ std::optional<QString> QtPrompter::inputBox(const QString &prompt, const QString
     return text;
 }
 
+namespace {
+
+bool installQtPrompter()
+{
+    static QtPrompter prompter;
+    setLibraryPrompter(&prompter);
+    return true;
+}
+
+} // namespace
+
 } // namespace plx
+
+// Linking this library makes message boxes the default way of asking: a program without
+// it (a command-line tool on the record sources) gets the unattended answers instead.
+extern "C" const bool plx_widget_prompter = plx::installQtPrompter();

@@ -1,8 +1,8 @@
-// services/monitors.h: the monitors attached to the machine and the desktop they make up.
+// services/widgets/monitors.h: the monitors attached to the machine and the desktop they make up.
 //
 // clsMonitors takes a snapshot of the monitor list (Qt's screens unless another
 // plx::MonitorList is given), measures the virtual desktop that holds them all, and answers
-// which monitor holds a window or a point. The placement functions (services/formplacement.h)
+// which monitor holds a window or a point. The placement functions (services/widgets/formplacement.h)
 // use it to keep restored forms reachable; hosts may use it to put a form on a monitor.
 //
 // Units: monitor rectangles and the Desktop* properties are in pixels of Qt's desktop
@@ -14,7 +14,7 @@
 // GUI thread only (Qt's screens live there).
 #pragma once
 
-#include "services/monitorlist.h"
+#include "services/widgets/monitorlist.h"
 
 #include <QList>
 #include <QObject>

@@ -1,6 +1,6 @@
 // The production prompter on the offscreen platform: the numeric style flags must become
 // the right buttons, icon and default button, and the clicked button the right answer.
-#include "services/prompter.h"
+#include "services/widgets/qtprompter.h"
 
 #include <QAbstractButton>
 #include <QApplication>

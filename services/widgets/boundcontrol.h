@@ -1,4 +1,4 @@
-// services/boundcontrol.h: what the navigator asks of a bound field control.
+// services/widgets/boundcontrol.h: what the navigator asks of a bound field control.
 //
 // The navigator keeps its field controls (the text, value-item, check-box and
 // check-with-text stacks) in one collection and drives them by operation name only. This

@@ -1,10 +1,10 @@
-// services/formplacement.cpp: saving and restoring forms' positions and sizes, and the
+// services/widgets/formplacement.cpp: saving and restoring forms' positions and sizes, and the
 // rule that keeps a restored form reachable.
-#include "services/formplacement.h"
+#include "services/widgets/formplacement.h"
 
 #include "services/ini.h"
-#include "services/monitors.h"
-#include "services/savedplacement_p.h"
+#include "services/widgets/monitors.h"
+#include "services/widgets/savedplacement_p.h"
 #include "services/texthelpers.h"
 
 #include <QWidget>
