@@ -22,6 +22,7 @@
 // GUI thread only. Message boxes go through the Prompter of setServices().
 #pragma once
 
+#include "navigator/querytext.h"
 #include "services/boundcontrol.h"
 #include "services/env.h"
 #include "services/texthelpers.h"
@@ -331,9 +332,8 @@ private:
     // Record source (mvplxrecs_source.cpp).
     void refreshCountDisplay();
     void setScrollBar();
-    QString orderByList(const QString &fields) const;
     QString currentSortFields() const;
-    QString composeQuery() const;
+    QueryText queryText() const;
     // Opens `sql` on the navigator's database; nullptr (the reason logged) on failure.
     std::shared_ptr<RecordSource> openQuery(const QString &sql);
     // Opens `sql`, attaches it, finds `oldID` again; false (navigator unchanged) on failure.
@@ -400,7 +400,6 @@ private:
     IdUse idUseOf(RecordSource &source, const QString &candidate);
     IdUse idInTable(const QString &candidate, const QString &criterion, const QString &ownID);
     IdUse idTaken(const QString &candidate, const QString &criterion);
-    QString sqlTableName() const;
     void logLines(const QStringList &lines);
     void keyFileProblem(const QString &keyFile, const QString &reason);
     QString usableKeyLine(const QString &keyFile, const QString &query);

@@ -108,7 +108,7 @@ bool mvPLXRecs::commandEdit(const QString &id)
     // The record to edit is nearly always the current one already: finding it again in a
     // million records would only land on the same record.
     if (currentIDText() != id)
-        (void)m_rs->FindFirst(m_sIDfield + QStringLiteral(" = ") + strToASC(id));
+        (void)m_rs->FindFirst(queryText().idCriterion(m_sIDfield, id));
     idle();
     pump();
     for (BoundControl *control : cMervaneControls())

@@ -4,8 +4,6 @@
 // navigator then moves its own record source onto that record's ID.
 #include "navigator/mvplxrecs.h"
 
-#include "navigator/navigatortext_p.h"
-
 #include "services/activitylog.h"
 #include "services/recordsource/database.h"
 #include "services/texthelpers.h"
@@ -127,30 +125,9 @@ void mvPLXRecs::putOnTopOfSearchList(const QString &text)
 
 bool mvPLXRecs::openFindSource(const QString &searchText, std::shared_ptr<RecordSource> *found)
 {
-    const QString sortFields = currentSortFields();
-    const QString escaped = fixQuoteInSQL(searchText);
-    QString conditions;
-    const qint16 pieces = getDelimCount(escaped, QStringLiteral("\t"));
-    for (qint16 i = 1; i <= pieces; ++i) {
-        const QString piece = getDelimField(escaped, QStringLiteral("\t"), i, QString());
-        const QString field =
-            trimSpaces(getDelimField(sortFields, QStringLiteral(","), i, QString()));
-        if (getLenTrim(piece) < 1 || getLenTrim(field) < 1)
-            continue;
-        if (!conditions.isEmpty())
-            conditions += QStringLiteral("AND ");
-        const QString qualified = jetQualified(m_table, field);
-        const QString column = qualified.contains(QLatin1Char('['))
-            ? qualified
-            : QLatin1Char('[') + qualified + QLatin1Char(']');
-        conditions += QStringLiteral("UCase(") + column + QStringLiteral(") LIKE '") + piece
-            + QStringLiteral("*") + QStringLiteral("'") + QLatin1Char(' ');
-    }
-    if (conditions.isEmpty())
+    const QString sql = queryText().find(searchText, currentSortFields());
+    if (sql.isEmpty())
         return false;
-    const QString sql =
-        fixPipeInSQL(QStringLiteral("SELECT * from ") + sqlTableName() + QStringLiteral(" WHERE ")
-                     + conditions + QStringLiteral("ORDER BY ") + orderByList(sortFields));
     Result<std::unique_ptr<RecordSource>> opened = m_db->OpenRecordset(sql);
     if (!opened.isOk()) {
         logEntry(m_sUser,
@@ -269,7 +246,7 @@ void mvPLXRecs::SetFindFromID(const QString &sID)
         return;
     idle();
     const qint32 before = m_rs->AbsolutePosition();
-    const Status found = m_rs->FindFirst(m_sIDfield + QStringLiteral(" = ") + strToASC(sID));
+    const Status found = m_rs->FindFirst(queryText().idCriterion(m_sIDfield, sID));
     if ((!found.isOk() || m_rs->NoMatch()) && before >= 0)
         (void)m_rs->setAbsolutePosition(before);
     // The bar follows the record without raising a second IDChange of its own.

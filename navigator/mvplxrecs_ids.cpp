@@ -4,7 +4,6 @@
 // it is on disk, so no two records ever get the same ID.
 #include "navigator/mvplxrecs.h"
 
-#include "navigator/navigatortext_p.h"
 #include "navigator/recordid_p.h"
 #include "services/activitylog.h"
 #include "services/paths.h"
@@ -64,14 +63,6 @@ bool isGeneratorKeyLine(const QString &code)
         highest += c == 255 ? 1 : 0;
     }
     return highest < 7;
-}
-
-// The table's IDs that start with "PLE", highest first: the first row holds the last key.
-QString highestIdQuery(const QString &table, const QString &idField)
-{
-    return QStringLiteral("Select * from ") + table + QStringLiteral(" WHERE  Left([") + idField
-        + QStringLiteral("],3) = 'PLE'") + QStringLiteral(" Order By ") + idField
-        + QStringLiteral(" DESC");
 }
 
 // The lines NewIDPLX logs, and for its errors also shows, one fact a line.
@@ -203,9 +194,8 @@ mvPLXRecs::IdUse mvPLXRecs::idInTable(const QString &candidate, const QString &c
     // ID in an open source faster than it runs a WHERE over the file); a database answers
     // the WHERE from its index.
     const bool tableFile = getLenTrim(m_sDBFPathFileName) >= 1;
-    Result<std::unique_ptr<RecordSource>> fresh =
-        m_db->OpenRecordset(QStringLiteral("SELECT * from ") + sqlTableName()
-                            + (tableFile ? QString() : QStringLiteral(" WHERE ") + criterion));
+    Result<std::unique_ptr<RecordSource>> fresh = m_db->OpenRecordset(
+        tableFile ? queryText().selectAll() : queryText().selectWhere(criterion));
     if (!fresh.isOk())
         return IdUse::Free;
     RecordSource &source = *fresh.value();
@@ -241,7 +231,7 @@ bool mvPLXRecs::keyIsFree(const QString &id, const QString &ownID)
     // A record that keeps its ID keeps it, even where the table already held it twice.
     if (rtrimSpaces(id) == rtrimSpaces(ownID))
         return true;
-    return idInTable(id, m_sIDfield + QStringLiteral(" = ") + strToASC(id), ownID) == IdUse::Free;
+    return idInTable(id, queryText().idCriterion(m_sIDfield, id), ownID) == IdUse::Free;
 }
 
 void mvPLXRecs::keyFileProblem(const QString &keyFile, const QString &reason)
@@ -305,7 +295,7 @@ QString mvPLXRecs::firstFreeID(QString candidate, const QString &keyFile, const 
     int twins = 0;
     bool caughtUp = false;
     for (int attempts = 0;;) {
-        const QString criterion = m_sIDfield + QStringLiteral(" = ") + strToASC(candidate);
+        const QString criterion = queryText().idCriterion(m_sIDfield, candidate);
         const IdUse use = idTaken(candidate, criterion);
         if (use == IdUse::Twin && ++twins < kMaxTwins) {
             candidate = PLXIDIncrement(candidate, logStep);
@@ -353,7 +343,8 @@ QString mvPLXRecs::NewIDPLX()
     if (keyFile.isEmpty() || getLenTrim(m_sIDfield) < 1
         || (m_rs && !m_rs->readOnlyReason().isEmpty()))
         return QString();
-    const QString query = highestIdQuery(sqlTableName(), m_sIDfield);
+    // The table's generated IDs, highest first: the first row holds the last key.
+    const QString query = queryText().highestGeneratedID(m_sIDfield);
 
     // One navigator at a time makes an ID for this table, in every process.
     Result<std::unique_ptr<LockFile>> lock = LockFile::open(keyFile + QStringLiteral(".lock"));

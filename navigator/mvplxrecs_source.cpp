@@ -95,18 +95,6 @@ void mvPLXRecs::setScrollBar()
     m_movingScrollBar = wasMoving;
 }
 
-QString mvPLXRecs::orderByList(const QString &fields) const
-{
-    QStringList pieces;
-    const qint16 count = getDelimCount(fields, QStringLiteral(","));
-    for (qint16 i = 1; i <= count; ++i) {
-        const QString piece = trimSpaces(getDelimField(fields, QStringLiteral(","), i, QString()));
-        if (getLenTrim(piece) >= 1)
-            pieces.append(jetSortPiece(m_table, piece));
-    }
-    return pieces.join(QStringLiteral(", "));
-}
-
 QString mvPLXRecs::currentSortFields() const
 {
     const int item = m_cboSort->currentIndex();
@@ -116,20 +104,11 @@ QString mvPLXRecs::currentSortFields() const
     return sort >= 0 && sort < m_sortFields.size() ? m_sortFields[sort] : QString();
 }
 
-QString mvPLXRecs::composeQuery() const
+QueryText mvPLXRecs::queryText() const
 {
-    const QString orderBy = orderByList(currentSortFields());
-    const QString orderClause =
-        getLenTrim(orderBy) >= 1 ? QStringLiteral(" ORDER BY ") + orderBy : QString();
-    return QStringLiteral("SELECT * from ") + sqlTableName() + QLatin1Char(' ') + m_sSQLJOIN
-        + QLatin1Char(' ') + m_sSQLWhere + QLatin1Char(' ') + orderClause;
-}
-
-QString mvPLXRecs::sqlTableName() const
-{
-    // Table files are named by their file, and a file name need not be an identifier
-    // ("91.dbf", "my people.dbf", "ORDER.DBF").
-    return jetName(m_table.isEmpty() ? getFileTitle(tableFilePath()) : m_table);
+    // Table files are named by their file; QueryText brackets a file name that is not an
+    // identifier ("91.dbf", "my people.dbf", "ORDER.DBF").
+    return QueryText(m_table.isEmpty() ? getFileTitle(tableFilePath()) : m_table);
 }
 
 QString mvPLXRecs::currentIDText() const
@@ -145,8 +124,7 @@ bool mvPLXRecs::findIDInRs(const QString &id)
     if (!m_rs || getLenTrim(id) < 1)
         return false;
     const qint32 before = m_rs->AbsolutePosition();
-    const Status found =
-        m_rs->FindFirst(jetQualified(m_table, m_sIDfield) + QStringLiteral(" = ") + strToASC(id));
+    const Status found = m_rs->FindFirst(queryText().qualifiedIdCriterion(m_sIDfield, id));
     if (found.isOk() && !m_rs->NoMatch())
         return true;
     if (before >= 0)
@@ -189,7 +167,8 @@ bool mvPLXRecs::requery(const QString &oldID, bool moveFirstWhenLost)
         return false;
     const bool shown = beginLongWork(
         tr("Sorting %1 records").arg(formatRecordCount(m_rs ? m_rs->RecordCount() : 0)));
-    std::shared_ptr<RecordSource> opened = openQuery(composeQuery());
+    std::shared_ptr<RecordSource> opened =
+        openQuery(queryText().records(m_sSQLJOIN, m_sSQLWhere, currentSortFields()));
     if (!opened) {
         endLongWork();
         return false;
@@ -269,11 +248,8 @@ void mvPLXRecs::connectByFile(const QString &path)
         return;
     }
     setDatabase(std::shared_ptr<Database>(std::move(db.value())), getFileTitle(libraryPath), path);
-    QString sql = QStringLiteral("SELECT * from ") + sqlTableName();
-    const QString orderBy = orderByList(currentSortFields());
-    if (m_cboSort->count() > 0 && m_cboSort->currentIndex() >= 0 && getLenTrim(orderBy) >= 1)
-        sql += QStringLiteral(" ORDER BY ") + orderBy;
-    std::shared_ptr<RecordSource> opened = openQuery(sql);
+    // In the sort chosen, if one is (currentSortFields is "" until then).
+    std::shared_ptr<RecordSource> opened = openQuery(queryText().selectAll(currentSortFields()));
     if (!opened) {
         endLongWork();
         return;
