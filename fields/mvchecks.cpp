@@ -1,29 +1,29 @@
 // fields/mvchecks.cpp
 #include "fields/mvchecks.h"
+#include "fields/mvchecks_p.h"
 
-mvChecks::mvChecks(QWidget *parent) : RowStack(parent)
-{
-    initRows();
-}
+mvChecks::mvChecks(QWidget *parent) : RowStack(std::make_unique<mvChecksPrivate>(), parent) { }
 
-mvChecks::~mvChecks()
-{
-    disconnectRows();
-}
+mvChecks::~mvChecks() = default;
 
-mvRow *mvChecks::createRow(qint16 index)
+mvRow *mvChecksPrivate::createRow(qint16 index)
 {
-    auto *r = new mvCheck(this);
+    auto *r = new mvCheck(q_ptr);
     r->setObjectName(QStringLiteral("mvCheck1_%1").arg(index));
     // A tab stop of its own, in the order of the row index (the stack links the order).
     r->setFocusPolicy(Qt::StrongFocus);
     return r;
 }
 
+mvCheck *mvChecks::checkRow(qint16 n) const
+{
+    return static_cast<mvCheck *>(row(n));
+}
+
 void mvChecks::setSCaption(qint16 n, const QString &caption)
 {
-    if (inRange(n))
-        checkRow(n)->setSCaption(caption);
+    if (mvCheck *r = d_func()->checkRow(n))
+        r->setSCaption(caption);
 }
 
 bool mvChecks::bBoldOnChk() const
@@ -33,6 +33,7 @@ bool mvChecks::bBoldOnChk() const
 
 void mvChecks::setBBoldOnChk(bool bold)
 {
+    Q_D(mvChecks);
     for (qint16 i = 0; i <= nUbound(); ++i)
-        checkRow(i)->setBBoldOnChk(bold);
+        d->checkRow(i)->setBBoldOnChk(bold);
 }

@@ -6,6 +6,8 @@
 #include "fields/rowstack.h"
 #include "mervane/mvcheck.h"
 
+class mvChecksPrivate;
+
 class mvChecks : public RowStack
 {
     Q_OBJECT
@@ -22,8 +24,8 @@ public:
     void setBBoldOnChk(bool bold);
 
     // Row n as its own control (nullptr outside 0..nUbound).
-    mvCheck *checkRow(qint16 n) const { return static_cast<mvCheck *>(row(n)); }
+    mvCheck *checkRow(qint16 n) const;
 
-protected:
-    mvRow *createRow(qint16 index) override;
+private:
+    Q_DECLARE_PRIVATE(mvChecks)
 };

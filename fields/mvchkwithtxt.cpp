@@ -1,34 +1,34 @@
-// fields/mvchkwithtxt.cpp
+// fields/mvchkwithtxt.cpp: the unit's two parts, their layout, their binding and the edit
+// life cycle that goes to both.
 #include "fields/mvchkwithtxt.h"
+#include "fields/mvchkwithtxt_p.h"
 
 #include "mervane/twips.h"
 
 #include "services/texthelpers.h"
 
-#include <QFileInfo>
+#include <QEvent>
 
-mvChkWithTxt::mvChkWithTxt(QWidget *parent) : QWidget(parent)
+mvChkWithTxt::mvChkWithTxt(QWidget *parent)
+    : QWidget(parent), d_ptr(std::make_unique<mvChkWithTxtPrivate>())
 {
-    m_chk = new mvCheck(this);
-    m_chk->setObjectName(QStringLiteral("mvCheck1"));
-    m_txt = new mvName(this);
-    m_txt->setObjectName(QStringLiteral("mvName1"));
+    d_ptr->q_ptr = this;
+    d_ptr->init();
+}
+
+void mvChkWithTxtPrivate::init()
+{
+    Q_Q(mvChkWithTxt);
+    chk = new mvCheck(q);
+    chk->setObjectName(QStringLiteral("mvCheck1"));
+    txt = new mvName(q);
+    txt->setObjectName(QStringLiteral("mvName1"));
     // The check box at the top left, the text stack right below it on the same left edge.
-    m_chk->setTwipsGeometry(0, 0, plx::pixelsToTwipsX(this, width()));
-    m_txt->move(m_chk->x(), m_chk->y() + m_chk->height());
-    connect(m_txt, &mvName::DblClick, this, &mvChkWithTxt::DblClick);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    chk->setTwipsGeometry(0, 0, plx::pixelsToTwipsX(q, q->width()));
+    txt->move(chk->x(), chk->y() + chk->height());
+    QObject::connect(txt, &mvName::DblClick, q, &mvChkWithTxt::DblClick);
+    q->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     fitHeight();
-}
-
-QSize mvChkWithTxt::sizeHint() const
-{
-    return QSize(qMax(width(), 300), m_txt->y() + m_txt->sizeHint().height());
-}
-
-QSize mvChkWithTxt::minimumSizeHint() const
-{
-    return QSize(200, m_txt->y() + m_txt->sizeHint().height());
 }
 
 mvChkWithTxt::~mvChkWithTxt()
@@ -36,114 +36,139 @@ mvChkWithTxt::~mvChkWithTxt()
     Disconnect();
 }
 
+QSize mvChkWithTxt::sizeHint() const
+{
+    const mvName *txt = d_func()->txt;
+    return QSize(qMax(width(), 300), txt->y() + txt->sizeHint().height());
+}
+
+QSize mvChkWithTxt::minimumSizeHint() const
+{
+    const mvName *txt = d_func()->txt;
+    return QSize(200, txt->y() + txt->sizeHint().height());
+}
+
+void mvChkWithTxtPrivate::fitHeight()
+{
+    Q_Q(mvChkWithTxt);
+    // In a layout the unit keeps the height of its check box and rows.
+    q->updateGeometry();
+    q->resize(q->width(), txt->y() + txt->height());
+}
+
+void mvChkWithTxt::resizeEvent(QResizeEvent *event)
+{
+    Q_D(mvChkWithTxt);
+    QWidget::resizeEvent(event);
+    const int chkWidth = width() - d->chk->x();
+    d->chk->setTwipsGeometry(d->chk->leftTwips(), d->chk->topTwips(),
+                             plx::pixelsToTwipsX(this, chkWidth));
+    d->txt->setGeometry(d->txt->x(), d->chk->y() + d->chk->height(), chkWidth, d->txt->height());
+}
+
 void mvChkWithTxt::setServices(plx::Services *services)
 {
-    m_services = services;
-    m_chk->setServices(services);
-    m_txt->setServices(services);
+    Q_D(mvChkWithTxt);
+    d->services = services;
+    d->chk->setServices(services);
+    d->txt->setServices(services);
 }
 
-QString mvChkWithTxt::sCaptionTxt(qint16 n) const
+plx::Services *mvChkWithTxt::services() const
 {
-    return n >= 0 && n <= m_txt->nUbound() ? m_txt->sCaption(n) : QString();
+    return d_func()->services;
 }
 
-void mvChkWithTxt::setSCaptionTxt(qint16 n, const QString &caption)
+mvCheck *mvChkWithTxt::checkBox() const
 {
-    if (n >= 0 && n <= m_txt->nUbound())
-        m_txt->setSCaption(n, caption);
+    return d_func()->chk;
+}
+
+mvName *mvChkWithTxt::textStack() const
+{
+    return d_func()->txt;
+}
+
+qint16 mvChkWithTxt::nUbound() const
+{
+    return d_func()->txt->nUbound();
 }
 
 void mvChkWithTxt::setNUbound(qint16 n)
 {
-    m_txt->setNUbound(n);
-    fitHeight();
-}
-
-void mvChkWithTxt::fitHeight()
-{
-    // In a layout the unit keeps the height of its check box and rows.
-    updateGeometry();
-    resize(width(), m_txt->y() + m_txt->height());
-}
-
-void mvChkWithTxt::setSFieldNameChk(const QString &name)
-{
-    m_chk->DataBinding()->setSFieldName(name);
-    plx::uiPumpOf(m_services).processEvents();
-}
-
-QString mvChkWithTxt::sValueChk() const
-{
-    return plx::trimSpaces(m_chk->Value());
-}
-
-void mvChkWithTxt::setSValueChk(const QVariant &value)
-{
-    m_chk->setValue(value.isNull() || !value.isValid() ? QString() : value.toString());
-}
-
-QString mvChkWithTxt::sValueTxt(qint16 n) const
-{
-    return n >= 0 && n <= m_txt->nUbound() ? m_txt->sValue(n) : QString();
-}
-
-void mvChkWithTxt::ClearAll()
-{
-    m_chk->Clear();
-    m_txt->ClearAll();
+    Q_D(mvChkWithTxt);
+    d->txt->setNUbound(n);
+    d->fitHeight();
 }
 
 void mvChkWithTxt::setSDBFPathFileName(const QString &path)
 {
-    if (!QFileInfo::exists(path) || QFileInfo(path).isDir()) {
-        (void)plx::prompterOf(m_services)
-            .msgBox(QStringLiteral("Database file not found:\r\n") + path, plx::MsgStyle::Critical,
-                    QStringLiteral("File Not Found"));
+    Q_D(mvChkWithTxt);
+    if (!d->tableFileFound(path))
         return;
-    }
-    m_txt->setSDBFPathFileName(path);
-    mvDataBinding *b = m_chk->DataBinding();
+    d->txt->setSDBFPathFileName(path);
+    mvDataBinding *b = d->chk->DataBinding();
     b->setDBFPathFileName(path);
-    b->setDBFFileName(m_txt->row(0)->DataBinding()->DBFFileName());
-    b->setRecordSet(m_txt->RecordSet());
+    b->setDBFFileName(d->txt->row(0)->DataBinding()->DBFFileName());
+    b->setRecordSet(d->txt->RecordSet());
+}
+
+QString mvChkWithTxt::sDBFPathFileName() const
+{
+    return d_func()->txt->sDBFPathFileName();
+}
+
+std::shared_ptr<plx::RecordSource> mvChkWithTxt::RecordSet() const
+{
+    mvCheck *chk = d_func()->chk;
+    return chk->hasDataBinding() ? chk->DataBinding()->RecordSet() : nullptr;
+}
+
+void mvChkWithTxt::setRecordSet(std::shared_ptr<plx::RecordSource> source)
+{
+    Q_D(mvChkWithTxt);
+    d->chk->DataBinding()->setRecordSet(source);
+    d->txt->setRecordSet(std::move(source));
 }
 
 void mvChkWithTxt::Update()
 {
-    m_txt->Update();
-    (void)m_chk->UpdateDBF();
+    Q_D(mvChkWithTxt);
+    d->txt->Update();
+    (void)d->chk->UpdateDBF();
+}
+
+void mvChkWithTxt::UpdateDBF()
+{
+    Update();
 }
 
 void mvChkWithTxt::Disconnect()
 {
-    if (m_chk->hasDataBinding()) {
-        m_chk->DataBinding()->Disconnect();
-        m_chk->releaseDataBinding();
+    Q_D(mvChkWithTxt);
+    if (d->chk->hasDataBinding()) {
+        d->chk->DataBinding()->Disconnect();
+        d->chk->releaseDataBinding();
     }
-    m_txt->Disconnect();
+    d->txt->Disconnect();
 }
 
 void mvChkWithTxt::Edit()
 {
-    m_txt->Edit();
-    m_chk->Edit();
-}
-
-void mvChkWithTxt::setLAltGrayColor(qint32 altGray)
-{
-    m_txt->setLAltGrayColor(altGray);
-    m_chk->setLAltGrayColor(altGray);
+    Q_D(mvChkWithTxt);
+    d->txt->Edit();
+    d->chk->Edit();
 }
 
 bool mvChkWithTxt::bEdit(bool bSilent, QString *vReturn)
 {
+    Q_D(mvChkWithTxt);
     QString collected;
-    const bool texts = m_txt->bEdit(bSilent, &collected);
+    const bool texts = d->txt->bEdit(bSilent, &collected);
     QString reason;
-    const bool check = m_chk->bValidate(bSilent, &reason);
+    const bool check = d->chk->bValidate(bSilent, &reason);
     if (!check)
-        collected = plx::modAddALine(collected, m_chk->sCaption() + QLatin1Char(' ') + reason,
+        collected = plx::modAddALine(collected, d->chk->sCaption() + QLatin1Char(' ') + reason,
                                      QStringLiteral("\r\n"), false);
     if (vReturn)
         *vReturn = collected;
@@ -152,51 +177,63 @@ bool mvChkWithTxt::bEdit(bool bSilent, QString *vReturn)
 
 void mvChkWithTxt::EditUpdate()
 {
-    m_txt->EditUpdate();
-    m_chk->EditUpdate();
+    Q_D(mvChkWithTxt);
+    d->txt->EditUpdate();
+    d->chk->EditUpdate();
 }
 
 void mvChkWithTxt::CancelEdit()
 {
-    m_txt->CancelEdit();
-    m_chk->CancelEdit();
+    Q_D(mvChkWithTxt);
+    d->txt->CancelEdit();
+    d->chk->CancelEdit();
 }
 
 QString mvChkWithTxt::Save()
 {
-    (void)m_chk->Save();
-    return m_txt->Save();
+    Q_D(mvChkWithTxt);
+    (void)d->chk->Save();
+    return d->txt->Save();
+}
+
+bool mvChkWithTxt::Locked() const
+{
+    return d_func()->chk->Locked();
 }
 
 void mvChkWithTxt::setLocked(bool locked)
 {
-    m_txt->setLocked(locked);
-    m_chk->setLocked(locked);
+    Q_D(mvChkWithTxt);
+    d->txt->setLocked(locked);
+    d->chk->setLocked(locked);
+}
+
+bool mvChkWithTxt::Enabled() const
+{
+    return isEnabled();
 }
 
 void mvChkWithTxt::setEnabled(bool enabled)
 {
-    m_txt->setEnabled(enabled);
-    m_chk->setEnabled(enabled);
     QWidget::setEnabled(enabled);
+    // As RowStack::setEnabled: the parts are set even when the unit's own state stays.
+    d_func()->enableParts(enabled);
 }
 
-std::shared_ptr<plx::RecordSource> mvChkWithTxt::RecordSet() const
+void mvChkWithTxtPrivate::setPartsEnabled(bool enabled)
 {
-    return m_chk->hasDataBinding() ? m_chk->DataBinding()->RecordSet() : nullptr;
+    txt->setEnabled(enabled);
+    chk->setEnabled(enabled);
 }
 
-void mvChkWithTxt::setRecordSet(std::shared_ptr<plx::RecordSource> source)
+void mvChkWithTxt::changeEvent(QEvent *event)
 {
-    m_chk->DataBinding()->setRecordSet(source);
-    m_txt->setRecordSet(std::move(source));
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::EnabledChange)
+        d_func()->enabledChanged(*this);
 }
 
-void mvChkWithTxt::resizeEvent(QResizeEvent *event)
+QString mvChkWithTxt::Name() const
 {
-    QWidget::resizeEvent(event);
-    const int chkWidth = width() - m_chk->x();
-    m_chk->setTwipsGeometry(m_chk->leftTwips(), m_chk->topTwips(),
-                            plx::pixelsToTwipsX(this, chkWidth));
-    m_txt->setGeometry(m_txt->x(), m_chk->y() + m_chk->height(), chkWidth, m_txt->height());
+    return objectName();
 }

@@ -11,6 +11,10 @@
 
 #include "services/widgets/boundcontrol.h"
 
+#include <memory>
+
+class mvChkWithTxtPrivate;
+
 class mvChkWithTxt : public QWidget, public plx::BoundControl
 {
     Q_OBJECT
@@ -32,72 +36,69 @@ public:
 
     // Passed on to the check box and the text stack.
     void setServices(plx::Services *services) override;
-    plx::Services *services() const override { return m_services; }
+    plx::Services *services() const override;
 
     // Captions. Text rows are indexed 0 .. nUbound; out of range gives "" / does nothing.
-    QString sCaptionChk() const { return m_chk->sCaption(); }
-    void setSCaptionChk(const QString &caption) { m_chk->setSCaption(caption); }
+    QString sCaptionChk() const;
+    void setSCaptionChk(const QString &caption);
     Q_INVOKABLE QString sCaptionTxt(qint16 n) const;
     Q_INVOKABLE void setSCaptionTxt(qint16 n, const QString &caption);
 
     // The text stack's highest row index (RowStack::setNUbound); the unit's height follows.
-    qint16 nUbound() const { return m_txt->nUbound(); }
+    qint16 nUbound() const;
     void setNUbound(qint16 n);
 
     // Bound field names, looked up at the next Update. Text rows out of range: "" /
     // nothing.
-    QString sFieldNameChk() const { return m_chk->DataBinding()->sFieldName(); }
+    QString sFieldNameChk() const;
     void setSFieldNameChk(const QString &name);
-    Q_INVOKABLE QString sFieldNameTxt(qint16 n) const { return m_txt->sFieldName(n); }
-    Q_INVOKABLE void setSFieldNameTxt(qint16 n, const QString &name)
-    {
-        m_txt->setSFieldName(n, name);
-    }
+    Q_INVOKABLE QString sFieldNameTxt(qint16 n) const;
+    Q_INVOKABLE void setSFieldNameTxt(qint16 n, const QString &name);
 
     // The check box's value text without surrounding blanks (the forms of
     // mervane/mvcheck.h; "" never set). Setting a Null gives "", anything else is shown as
     // its text; like mvRow::setValue, nothing is written until EditUpdate/Save.
     QString sValueChk() const;
     void setSValueChk(const QVariant &value);
-    void setSValueChk(const QString &value) { setSValueChk(QVariant(value)); }
+    void setSValueChk(const QString &value);
     // RowStack::sValue/setSValue of the text rows, except that reading out of range gives ""
     // (checked against the text stack's nUbound first) instead of throwing.
     Q_INVOKABLE QString sValueTxt(qint16 n) const;
-    Q_INVOKABLE void setSValueTxt(qint16 n, const QVariant &value) { m_txt->setSValue(n, value); }
+    Q_INVOKABLE void setSValueTxt(qint16 n, const QVariant &value);
 
     // Per-row text settings, passed on to the text stack (mvName): n in 0 .. nUbound,
     // out of range gives "" / 0 / false and does nothing. Widths and heights in twips.
-    Q_INVOKABLE void setSModeTxt(qint16 n, const QString &mode) { m_txt->setSMode(n, mode); }
-    Q_INVOKABLE void setSFormat(qint16 n, const QString &format) { m_txt->setSFormat(n, format); }
-    Q_INVOKABLE void setMaxLengthTxt(qint16 n, qint32 length) { m_txt->setMaxLength(n, length); }
-    qint32 DescWidthAll() const { return m_txt->DescWidthAll(); }
-    void setDescWidthAll(qint32 twips) { m_txt->setDescWidthAll(twips); }
-    Q_INVOKABLE qint32 DescWidth(qint16 n) const { return m_txt->DescWidth(n); }
-    Q_INVOKABLE void setDescWidth(qint16 n, qint32 twips) { m_txt->setDescWidth(n, twips); }
-    Q_INVOKABLE qint16 iHeight(qint16 n) const { return m_txt->iHeight(n); }
-    Q_INVOKABLE void setIHeight(qint16 n, qint16 twips) { m_txt->setIHeight(n, twips); }
-    Q_INVOKABLE bool BackRed(qint16 n) const { return m_txt->BackRed(n); }
-    Q_INVOKABLE void setBackRed(qint16 n, bool on) { m_txt->setBackRed(n, on); }
-    Q_INVOKABLE bool BackWhite(qint16 n) const { return m_txt->BackWhite(n); }
-    Q_INVOKABLE void setBackWhite(qint16 n, bool on) { m_txt->setBackWhite(n, on); }
-    Q_INVOKABLE bool BackLtGray(qint16 n) const { return m_txt->BackLtGray(n); }
-    Q_INVOKABLE void setBackLtGray(qint16 n, bool on) { m_txt->setBackLtGray(n, on); }
+    Q_INVOKABLE void setSModeTxt(qint16 n, const QString &mode);
+    Q_INVOKABLE void setSFormat(qint16 n, const QString &format);
+    Q_INVOKABLE void setMaxLengthTxt(qint16 n, qint32 length);
+    qint32 DescWidthAll() const;
+    void setDescWidthAll(qint32 twips);
+    Q_INVOKABLE qint32 DescWidth(qint16 n) const;
+    Q_INVOKABLE void setDescWidth(qint16 n, qint32 twips);
+    Q_INVOKABLE qint16 iHeight(qint16 n) const;
+    Q_INVOKABLE void setIHeight(qint16 n, qint16 twips);
+    Q_INVOKABLE bool BackRed(qint16 n) const;
+    Q_INVOKABLE void setBackRed(qint16 n, bool on);
+    Q_INVOKABLE bool BackWhite(qint16 n) const;
+    Q_INVOKABLE void setBackWhite(qint16 n, bool on);
+    Q_INVOKABLE bool BackLtGray(qint16 n) const;
+    Q_INVOKABLE void setBackLtGray(qint16 n, bool on);
     // The text stack's background (an OLE colour, -1: the palette's); the check box row
     // keeps its own.
-    qint32 BackColor() const { return m_txt->BackColor(); }
-    void setBackColor(qint32 color) { m_txt->setBackColor(color); }
+    qint32 BackColor() const;
+    void setBackColor(qint32 color);
 
     // Show "" (the check box: unchecked, never set) without writing anything; ClearTxt out
     // of range does nothing. ClearAll clears the check box first, then every text row.
-    Q_INVOKABLE void ClearChk() { m_chk->Clear(); }
-    Q_INVOKABLE void ClearTxt(qint16 n) { (void)m_txt->Clear(n); }
+    Q_INVOKABLE void ClearChk();
+    Q_INVOKABLE void ClearTxt(qint16 n);
     Q_INVOKABLE void ClearAll();
 
     // When the file exists: the text stack binds to it and the check box shares its record
     // source; otherwise the one "File Not Found" box.
     // Reading gives the text stack's path.
     void setSDBFPathFileName(const QString &path);
-    QString sDBFPathFileName() const { return m_txt->sDBFPathFileName(); }
+    QString sDBFPathFileName() const;
 
     // Update loads the current record into the text rows, then the check box. Disconnect
     // lets the check box's source go, then the text stack's (RowStack binding objects and
@@ -108,31 +109,33 @@ public:
     Q_INVOKABLE void Edit();
 
     // Non-zero: the alternate grey on the text rows that exist now and on the check box.
-    qint32 lAltGrayColor() const { return m_txt->lAltGrayColor(); }
+    qint32 lAltGrayColor() const;
     void setLAltGrayColor(qint32 altGray);
-    bool bBoldOnChk() const { return m_chk->bBoldOnChk(); }
-    void setBBoldOnChk(bool bold) { m_chk->setBBoldOnChk(bold); }
+    bool bBoldOnChk() const;
+    void setBBoldOnChk(bool bold);
 
     // plx::BoundControl. UpdateDBF is Update (the parts load themselves). bEdit validates
     // the text rows, then the check box, and collects the refusals of both ("caption
     // reason" lines). Save saves the check box first, then the text rows, and returns the
     // text stack's answer (always ""): each part shows its own failure. Locked reads the
-    // check box; RecordSet is the check box's source (nullptr when it has none).
-    void UpdateDBF() override { Update(); }
+    // check box; RecordSet is the check box's source (nullptr when it has none). Enabling
+    // or disabling sets both parts explicitly, through setEnabled or QWidget's alike, as
+    // RowStack does.
+    void UpdateDBF() override;
     Q_INVOKABLE bool bEdit(bool bSilent, QString *vReturn = nullptr) override;
     Q_INVOKABLE void EditUpdate() override;
     Q_INVOKABLE void CancelEdit() override;
     Q_INVOKABLE QString Save() override;
-    bool Locked() const override { return m_chk->Locked(); }
+    bool Locked() const override;
     void setLocked(bool locked) override;
-    bool Enabled() const override { return isEnabled(); }
+    bool Enabled() const override;
     void setEnabled(bool enabled) override;
-    QString Name() const override { return objectName(); }
+    QString Name() const override;
     std::shared_ptr<plx::RecordSource> RecordSet() const override;
     void setRecordSet(std::shared_ptr<plx::RecordSource> source) override;
 
-    mvCheck *checkBox() const { return m_chk; }
-    mvName *textStack() const { return m_txt; }
+    mvCheck *checkBox() const;
+    mvName *textStack() const;
 
 Q_SIGNALS:
     // Text row `Index` was double-clicked; the check box raises none.
@@ -144,11 +147,9 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
-    void fitHeight();
-
-    plx::Services *m_services = nullptr;
-    mvCheck *m_chk;
-    mvName *m_txt;
+    const std::unique_ptr<mvChkWithTxtPrivate> d_ptr;
+    Q_DECLARE_PRIVATE(mvChkWithTxt)
 };

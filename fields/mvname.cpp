@@ -1,121 +1,150 @@
 // fields/mvname.cpp
 #include "fields/mvname.h"
+#include "fields/mvname_p.h"
 
-mvName::mvName(QWidget *parent) : RowStack(parent)
-{
-    initRows();
-}
+mvName::mvName(QWidget *parent) : RowStack(std::make_unique<mvNamePrivate>(), parent) { }
 
-mvName::~mvName()
-{
-    DisconnectDBF();
-}
+mvName::~mvName() = default;
 
-mvRow *mvName::createRow(qint16 index)
+mvRow *mvNamePrivate::createRow(qint16 index)
 {
-    auto *r = new mvText(this);
+    auto *r = new mvText(q_ptr);
     r->setObjectName(QStringLiteral("mvText1_%1").arg(index));
     r->setBAllowNull(false);
     return r;
 }
 
+void mvNamePrivate::rowDoubleClicked(qint16 index)
+{
+    Q_Q(mvName);
+    Q_EMIT q->DblClick(index);
+}
+
+mvText *mvName::textRow(qint16 n) const
+{
+    return static_cast<mvText *>(row(n));
+}
+
+void mvName::Disconnect()
+{
+    DisconnectDBF();
+}
+
+void mvName::DisconnectDBF()
+{
+    d_func()->disconnectRows();
+}
+
 QString mvName::sCaption(qint16 n) const
 {
-    return inRange(n) ? textRow(n)->sCaption() : QString();
+    const mvText *r = textRow(n);
+    return r ? r->sCaption() : QString();
 }
 
 void mvName::setSCaption(qint16 n, const QString &caption)
 {
-    if (inRange(n))
-        textRow(n)->setSCaption(caption);
+    if (mvText *r = d_func()->textRow(n))
+        r->setSCaption(caption);
 }
 
 void mvName::setSMode(qint16 n, const QString &mode)
 {
-    if (inRange(n))
-        textRow(n)->setSMode(mode);
+    if (mvText *r = d_func()->textRow(n))
+        r->setSMode(mode);
 }
 
 void mvName::setSFormat(qint16 n, const QString &format)
 {
-    if (inRange(n))
-        textRow(n)->setSFormat(format);
+    if (mvText *r = d_func()->textRow(n))
+        r->setSFormat(format);
 }
 
 void mvName::setMaxLength(qint16 n, qint32 length)
 {
-    if (inRange(n))
-        textRow(n)->setMaxLength(length);
+    if (mvText *r = d_func()->textRow(n))
+        r->setMaxLength(length);
 }
 
 qint32 mvName::DescWidth(qint16 n) const
 {
-    return inRange(n) ? textRow(n)->DescWidth() : 0;
+    const mvText *r = textRow(n);
+    return r ? r->DescWidth() : 0;
 }
 
 void mvName::setDescWidth(qint16 n, qint32 twips)
 {
-    if (inRange(n))
-        textRow(n)->setDescWidth(twips);
+    if (mvText *r = d_func()->textRow(n))
+        r->setDescWidth(twips);
+}
+
+qint32 mvName::DescWidthAll() const
+{
+    return DescWidth(0);
 }
 
 void mvName::setDescWidthAll(qint32 twips)
 {
+    Q_D(mvName);
     for (qint16 i = 0; i <= nUbound(); ++i)
-        textRow(i)->setDescWidth(twips);
+        d->textRow(i)->setDescWidth(twips);
 }
 
 QString mvName::ToolTip(qint16 n) const
 {
-    return inRange(n) ? textRow(n)->ToolTip() : QString();
+    const mvText *r = textRow(n);
+    return r ? r->ToolTip() : QString();
 }
 
 void mvName::setToolTip(qint16 n, const QString &tip)
 {
-    if (inRange(n))
-        textRow(n)->setToolTip(tip);
+    if (mvText *r = d_func()->textRow(n))
+        r->setToolTip(tip);
 }
 
 bool mvName::bAllowNull(qint16 n) const
 {
-    return inRange(n) && textRow(n)->bAllowNull();
+    const mvText *r = textRow(n);
+    return r && r->bAllowNull();
 }
 
 void mvName::setBAllowNull(qint16 n, bool allow)
 {
-    if (inRange(n))
-        textRow(n)->setBAllowNull(allow);
+    if (mvText *r = d_func()->textRow(n))
+        r->setBAllowNull(allow);
 }
 
 bool mvName::BackRed(qint16 n) const
 {
-    return inRange(n) && textRow(n)->BackRed();
+    const mvText *r = textRow(n);
+    return r && r->BackRed();
 }
 
 void mvName::setBackRed(qint16 n, bool on)
 {
-    if (inRange(n))
-        textRow(n)->setBackRed(on);
+    if (mvText *r = d_func()->textRow(n))
+        r->setBackRed(on);
 }
 
 bool mvName::BackWhite(qint16 n) const
 {
-    return inRange(n) && textRow(n)->BackWhite();
+    const mvText *r = textRow(n);
+    return r && r->BackWhite();
 }
 
 void mvName::setBackWhite(qint16 n, bool on)
 {
-    if (inRange(n))
-        textRow(n)->setBackWhite(on);
+    if (mvText *r = d_func()->textRow(n))
+        r->setBackWhite(on);
 }
 
 bool mvName::BackLtGray(qint16 n) const
 {
-    return inRange(n) && textRow(n)->BackLtGray();
+    const mvText *r = textRow(n);
+    return r && r->BackLtGray();
 }
 
 void mvName::setBackLtGray(qint16 n, bool on)
 {
-    if (inRange(n))
-        textRow(n)->setBackLtGray(on);
+    if (mvText *r = d_func()->textRow(n))
+        r->setBackLtGray(on);
 }

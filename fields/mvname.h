@@ -16,6 +16,8 @@
 #include "fields/rowstack.h"
 #include "mervane/mvtext.h"
 
+class mvNamePrivate;
+
 class mvName : public RowStack
 {
     Q_OBJECT
@@ -35,7 +37,7 @@ public:
     Q_INVOKABLE qint32 DescWidth(qint16 n) const;
     Q_INVOKABLE void setDescWidth(qint16 n, qint32 twips);
     // Reads row 0's caption width; setting reaches every row that exists now (twips).
-    qint32 DescWidthAll() const { return DescWidth(0); }
+    qint32 DescWidthAll() const;
     void setDescWidthAll(qint32 twips);
     Q_INVOKABLE QString ToolTip(qint16 n) const;
     Q_INVOKABLE void setToolTip(qint16 n, const QString &tip);
@@ -50,17 +52,16 @@ public:
 
     // Let every row's record source go (closing a table the stack opened itself once no one
     // shares it) and delete the binding objects; field names set before are lost with them.
-    Q_INVOKABLE void Disconnect() { DisconnectDBF(); }
-    Q_INVOKABLE void DisconnectDBF() { disconnectRows(); }
+    Q_INVOKABLE void Disconnect();
+    Q_INVOKABLE void DisconnectDBF();
 
     // Row n as its own control (nullptr outside 0..nUbound).
-    mvText *textRow(qint16 n) const { return static_cast<mvText *>(row(n)); }
+    mvText *textRow(qint16 n) const;
 
 Q_SIGNALS:
     // Row `Index` was double-clicked.
     void DblClick(qint16 Index);
 
-protected:
-    mvRow *createRow(qint16 index) override;
-    void rowDoubleClicked(qint16 index) override { Q_EMIT DblClick(index); }
+private:
+    Q_DECLARE_PRIVATE(mvName)
 };

@@ -1,14 +1,14 @@
-// fields/rowstack.cpp
+// fields/rowstack.cpp: the rows of a stack, their layout, the per-row accessors and the
+// settings that go to every row.
 #include "fields/rowstack.h"
+#include "fields/rowstack_p.h"
 
 #include "mervane/twips.h"
 
 #include "services/texthelpers.h"
 
 #include <QEvent>
-#include <QFileInfo>
 
-#include <exception>
 #include <stdexcept>
 
 namespace {
@@ -21,117 +21,115 @@ QColor fromOleColor(qint32 ole)
     return QColor(ole & 0xFF, (ole >> 8) & 0xFF, (ole >> 16) & 0xFF);
 }
 
-// The part of a path behind its last separator; hosts write "\", the platform may use "/".
-QString fileNameOf(const QString &path)
-{
-    const qsizetype cut =
-        std::max(path.lastIndexOf(QLatin1Char('\\')), path.lastIndexOf(QLatin1Char('/')));
-    return cut < 0 ? path : path.mid(cut + 1);
-}
-
 } // namespace
 
-RowStack::RowStack(QWidget *parent) : QWidget(parent)
+RowStack::RowStack(std::unique_ptr<RowStackPrivate> dd, QWidget *parent)
+    : QWidget(parent), d_ptr(std::move(dd))
 {
+    Q_D(RowStack);
+    d->q_ptr = this;
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    d->addRow();
+    d->fitHeight();
 }
 
-RowStack::~RowStack() = default;
-
-template<typename Fn> void RowStack::forEachRow(Fn fn) const
+RowStack::~RowStack()
 {
-    for (qsizetype i = 0; i < m_rows.size(); ++i) {
-        try {
-            fn(m_rows.at(i), qint16(i));
-        } catch (const std::exception &) {
-            // One row's failure is its own; the others still get their turn.
-        } catch (...) {
-        }
-    }
+    d_func()->disconnectRows();
 }
 
 void RowStack::setServices(plx::Services *services)
 {
-    m_services = services;
-    for (mvRow *r : m_rows)
+    Q_D(RowStack);
+    d->services = services;
+    for (mvRow *r : d->rows)
         r->setServices(services);
 }
 
-void RowStack::yieldOnce()
+plx::Services *RowStack::services() const
 {
-    plx::uiPumpOf(m_services).processEvents();
+    return d_func()->services;
 }
 
-void RowStack::addRow()
+void RowStackPrivate::addRow()
 {
-    const qint16 index = qint16(m_rows.size());
+    Q_Q(RowStack);
+    const qint16 index = qint16(rows.size());
     mvRow *r = createRow(index);
-    r->setServices(m_services);
-    const int width = plx::pixelsToTwipsX(this, this->width()) - RightMarginTwips;
+    r->setServices(services);
+    const int width = plx::pixelsToTwipsX(q, q->width()) - RightMarginTwips;
     if (index == 0) {
         r->setTwipsGeometry(0, 0, width);
     } else {
-        const mvRow *above = m_rows.at(index - 1);
-        r->setTwipsGeometry(above->leftTwips(), above->topTwips() + above->iHeight() + m_vspacing,
+        const mvRow *above = rows.at(index - 1);
+        r->setTwipsGeometry(above->leftTwips(), above->topTwips() + above->iHeight() + vspacing,
                             width - above->leftTwips());
     }
     r->setText(QString());
-    m_rows << r;
+    rows << r;
     r->show();
     if (index > 0)
-        QWidget::setTabOrder(m_rows.at(index - 1), r);
-    const qint16 rowIndex = index;
-    connect(r, &mvRow::DblClick, this, [this, rowIndex] { rowDoubleClicked(rowIndex); });
-    rowAdded(r, index);
+        QWidget::setTabOrder(rows.at(index - 1), r);
+    QObject::connect(r, &mvRow::DblClick, q, [this, index] { rowDoubleClicked(index); });
 }
 
-void RowStack::initRows()
+qint16 RowStack::nUbound() const
 {
-    addRow();
-    fitHeight();
+    return qint16(d_func()->rows.size() - 1);
 }
 
 void RowStack::setNUbound(qint16 n)
 {
+    Q_D(RowStack);
     if (n < 0)
         n = 0;
-    if (m_rows.isEmpty())
-        addRow();
-    while (m_rows.size() - 1 < n)
-        addRow();
-    while (m_rows.size() - 1 > n) {
-        mvRow *last = m_rows.takeLast();
+    while (d->rows.size() - 1 < n)
+        d->addRow();
+    while (d->rows.size() - 1 > n) {
+        mvRow *last = d->rows.takeLast();
         last->hide();
         delete last;
     }
-    fitHeight();
-    yieldOnce();
+    d->fitHeight();
+    d->yieldOnce();
 }
 
-void RowStack::fitHeight()
+qint16 RowStack::iVspacing() const
 {
-    const mvRow *last = m_rows.last();
-    const int twips = last->topTwips() + last->iHeight() + m_vspacing;
-    m_fittedHeight = plx::twipsToPixelsY(this, twips);
+    return d_func()->vspacing;
+}
+
+void RowStack::setIVspacing(qint16 twips)
+{
+    d_func()->vspacing = twips;
+}
+
+void RowStackPrivate::fitHeight()
+{
+    Q_Q(RowStack);
+    const mvRow *last = rows.last();
+    const int twips = last->topTwips() + last->iHeight() + vspacing;
+    fittedHeight = plx::twipsToPixelsY(q, twips);
     // In a layout the stack keeps the height of its rows and takes the width it is given.
-    updateGeometry();
-    resize(width(), m_fittedHeight);
+    q->updateGeometry();
+    q->resize(q->width(), fittedHeight);
 }
 
 QSize RowStack::sizeHint() const
 {
-    return QSize(qMax(width(), 360), m_fittedHeight);
+    return QSize(qMax(width(), 360), d_func()->fittedHeight);
 }
 
 QSize RowStack::minimumSizeHint() const
 {
-    return QSize(240, m_fittedHeight);
+    return QSize(240, d_func()->fittedHeight);
 }
 
-void RowStack::layoutWidths()
+void RowStackPrivate::layoutWidths()
 {
-    const int inner = plx::pixelsToTwipsX(this, contentsRect().width());
-    for (mvRow *r : m_rows)
+    Q_Q(RowStack);
+    const int inner = plx::pixelsToTwipsX(q, q->contentsRect().width());
+    for (mvRow *r : rows)
         r->setTwipsGeometry(r->leftTwips(), r->topTwips(),
                             inner - r->leftTwips() - RightMarginTwips);
 }
@@ -139,63 +137,78 @@ void RowStack::layoutWidths()
 void RowStack::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    layoutWidths();
+    d_func()->layoutWidths();
+}
+
+bool RowStack::Enabled() const
+{
+    return isEnabled();
+}
+
+void RowStack::setEnabled(bool enabled)
+{
+    QWidget::setEnabled(enabled);
+    // changeEvent has set the rows when the stack's state changed; when it did not (it was
+    // so already, or a parent keeps it disabled), the rows are still set one by one.
+    d_func()->enableParts(enabled);
+}
+
+void RowStackPrivate::setPartsEnabled(bool enabled)
+{
+    for (QWidget *child : q_ptr->findChildren<QWidget *>())
+        child->setEnabled(enabled);
 }
 
 void RowStack::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
+    if (event->type() == QEvent::EnabledChange)
+        d_func()->enabledChanged(*this);
+}
+
+QString RowStack::Name() const
+{
+    return objectName();
+}
+
+mvRow *RowStack::row(qint16 n) const
+{
+    Q_D(const RowStack);
+    return d->inRange(n) ? d->rows.at(n) : nullptr;
 }
 
 qint16 RowStack::DBFType() const
 {
-    if (m_dbfType == 0)
-        m_dbfType = 1;
-    return m_dbfType;
+    Q_D(const RowStack);
+    if (d->dbfType == 0)
+        d->dbfType = 1;
+    return d->dbfType;
 }
 
-void RowStack::fileNotFound(const QString &path) const
+void RowStack::setDBFType(qint16 type)
 {
-    (void)plx::prompterOf(m_services)
-        .msgBox(QStringLiteral("Database file not found:\r\n") + path, plx::MsgStyle::Critical,
-                QStringLiteral("File Not Found"));
+    d_func()->dbfType = type;
 }
 
-void RowStack::setSDBFPathFileName(const QString &path)
+QString RowStack::Filter() const
 {
-    if (!QFileInfo::exists(path) || QFileInfo(path).isDir()) {
-        fileNotFound(path);
-        return;
-    }
-    const QString fileName = fileNameOf(path);
-    const qint16 type = DBFType();
-    const QString filter = plx::getLenTrim(m_filter) >= 1 ? m_filter : QString();
-    forEachRow([&](mvRow *r, qint16 i) {
-        mvDataBinding *b = r->DataBinding();
-        b->setDBFPathFileName(path);
-        b->setDBFFileName(fileName);
-        b->setDBFType(type);
-        if (type == 1) {
-            const qsizetype dot = fileName.lastIndexOf(QLatin1Char('.'));
-            b->setDBFTableName(dot < 0 ? fileName : fileName.left(dot));
-        }
-        b->setFilter(filter);
-        if (i == 0)
-            (void)b->Connect(); // row 0 opens the table; every other row shares its source
-        else
-            b->setRecordSet(m_rows.at(0)->DataBinding()->RecordSet());
-    });
+    return d_func()->filter;
 }
 
-QString RowStack::sDBFPathFileName() const
+void RowStack::setFilterText(const QString &filter)
 {
-    mvRow *r0 = m_rows.value(0);
-    return r0 && r0->hasDataBinding() ? r0->DataBinding()->DBFPathFileName() : QString();
+    d_func()->filter = filter;
+}
+
+qint32 RowStack::BackColor() const
+{
+    return d_func()->backColor;
 }
 
 void RowStack::setBackColor(qint32 color)
 {
-    m_backColor = color;
+    Q_D(RowStack);
+    d->backColor = color;
     auto paint = [color](QWidget *w) {
         QPalette p = w->palette();
         p.setColor(QPalette::Window, fromOleColor(color));
@@ -203,150 +216,82 @@ void RowStack::setBackColor(qint32 color)
         w->setAutoFillBackground(true);
     };
     paint(this);
-    for (mvRow *r : m_rows)
+    for (mvRow *r : d->rows)
         paint(r);
+}
+
+qint32 RowStack::lAltGrayColor() const
+{
+    return d_func()->altGray;
 }
 
 void RowStack::setLAltGrayColor(qint32 altGray)
 {
-    m_altGray = altGray;
-    forEachRow([altGray](mvRow *r, qint16) { r->setLAltGrayColor(altGray); });
+    Q_D(RowStack);
+    d->altGray = altGray;
+    d->forEachRow([altGray](mvRow *r, qint16) { r->setLAltGrayColor(altGray); });
 }
 
 qint16 RowStack::iHeight(qint16 n) const
 {
-    return inRange(n) ? m_rows.at(n)->iHeight() : qint16(0);
+    const mvRow *r = row(n);
+    return r ? r->iHeight() : qint16(0);
 }
 
 void RowStack::setIHeight(qint16 n, qint16 twips)
 {
-    if (inRange(n))
-        m_rows.at(n)->setIHeight(twips);
+    if (mvRow *r = d_func()->rowAt(n))
+        r->setIHeight(twips);
 }
 
 QString RowStack::sFieldName(qint16 n) const
 {
-    return inRange(n) ? m_rows.at(n)->DataBinding()->sFieldName() : QString();
+    mvRow *r = row(n);
+    return r ? r->DataBinding()->sFieldName() : QString();
 }
 
 void RowStack::setSFieldName(qint16 n, const QString &name)
 {
-    if (!inRange(n))
+    mvRow *r = d_func()->rowAt(n);
+    if (!r)
         return;
-    m_rows.at(n)->DataBinding()->setSFieldName(name);
-    yieldOnce();
+    r->DataBinding()->setSFieldName(name);
+    d_func()->yieldOnce();
 }
 
 QString RowStack::sValue(qint16 n) const
 {
-    if (!inRange(n))
+    const mvRow *r = row(n);
+    if (!r)
         throw std::out_of_range("row index outside 0..nUbound");
-    return plx::trimSpaces(m_rows.at(n)->Value());
+    return plx::trimSpaces(r->Value());
 }
 
 void RowStack::setSValue(qint16 n, const QVariant &value)
 {
-    if (!inRange(n))
-        return;
-    m_rows.at(n)->setValue(value.isNull() || !value.isValid() ? QString() : value.toString());
+    if (mvRow *r = d_func()->rowAt(n))
+        r->setValue(value.isNull() || !value.isValid() ? QString() : value.toString());
 }
 
 QVariant RowStack::Clear(qint16 n)
 {
-    if (inRange(n))
-        m_rows.at(n)->setValue(QString());
+    if (mvRow *r = d_func()->rowAt(n))
+        r->setValue(QString());
     return QVariant();
 }
 
 void RowStack::ClearAll()
 {
-    forEachRow([this](mvRow *, qint16 i) { Clear(i); });
-}
-
-void RowStack::Edit()
-{
-    forEachRow([](mvRow *r, qint16) { r->Edit(); });
-}
-
-void RowStack::UpdateDBF()
-{
-    forEachRow([](mvRow *r, qint16) { (void)r->UpdateDBF(); });
-}
-
-bool RowStack::bEdit(bool bSilent, QString *vReturn)
-{
-    bool result = true;
-    QString collected;
-    forEachRow([&](mvRow *r, qint16) {
-        QString reason;
-        if (!r->bValidate(bSilent, &reason)) {
-            collected = plx::modAddALine(collected, r->sCaption() + QLatin1Char(' ') + reason,
-                                         QStringLiteral("\r\n"), false);
-            result = false;
-        }
-    });
-    if (vReturn)
-        *vReturn = collected;
-    return result;
-}
-
-void RowStack::EditUpdate()
-{
-    forEachRow([](mvRow *r, qint16) { r->EditUpdate(); });
-}
-
-void RowStack::CancelEdit()
-{
-    forEachRow([](mvRow *r, qint16) { r->CancelEdit(); });
-}
-
-QString RowStack::SaveDBF()
-{
-    // Rows tell the user themselves what they could not save; the stack reports nothing.
-    forEachRow([](mvRow *r, qint16) { (void)r->Save(); });
-    return QString();
-}
-
-QString RowStack::Save()
-{
-    const QString result = SaveDBF();
-    return plx::getLenTrim(result) >= 1 ? result : QString();
+    d_func()->forEachRow([this](mvRow *, qint16 i) { Clear(i); });
 }
 
 bool RowStack::Locked() const
 {
-    return m_rows.value(0) ? m_rows.at(0)->Locked() : false;
+    const mvRow *r0 = row(0);
+    return r0 ? r0->Locked() : false;
 }
 
 void RowStack::setLocked(bool locked)
 {
-    forEachRow([locked](mvRow *r, qint16) { r->setLocked(locked); });
-}
-
-void RowStack::setEnabled(bool enabled)
-{
-    for (QWidget *child : findChildren<QWidget *>())
-        child->setEnabled(enabled);
-    QWidget::setEnabled(enabled);
-}
-
-std::shared_ptr<plx::RecordSource> RowStack::RecordSet() const
-{
-    mvRow *r0 = m_rows.value(0);
-    return r0 && r0->hasDataBinding() ? r0->DataBinding()->RecordSet() : nullptr;
-}
-
-void RowStack::setRecordSet(std::shared_ptr<plx::RecordSource> source)
-{
-    forEachRow([&source](mvRow *r, qint16) { r->DataBinding()->setRecordSet(source); });
-}
-
-void RowStack::disconnectRows()
-{
-    forEachRow([](mvRow *r, qint16) {
-        if (r->hasDataBinding()) {
-            r->DataBinding()->Disconnect();
-            r->releaseDataBinding();
-        }
-    });
+    d_func()->forEachRow([locked](mvRow *r, qint16) { r->setLocked(locked); });
 }

@@ -15,8 +15,11 @@
 #include "services/widgets/boundcontrol.h"
 #include "services/env.h"
 
-#include <QList>
 #include <QWidget>
+
+#include <memory>
+
+class RowStackPrivate;
 
 class RowStack : public QWidget, public plx::BoundControl
 {
@@ -40,20 +43,20 @@ public:
     // The highest row index. Growing adds rows below the last one (same left edge, empty,
     // with the start values of a new row); shrinking deletes the rows above n with their
     // bindings. A negative n keeps row 0 only. The stack's height follows.
-    qint16 nUbound() const { return qint16(m_rows.size() - 1); }
+    qint16 nUbound() const;
     void setNUbound(qint16 n);
     // Twips between rows; used for rows added afterwards only (the rows in place stay).
-    qint16 iVspacing() const { return m_vspacing; }
-    void setIVspacing(qint16 twips) { m_vspacing = twips; }
+    qint16 iVspacing() const;
+    void setIVspacing(qint16 twips);
 
     // Reading 0 stores and returns 1 (a FoxPro table file). Type 1 makes
     // setSDBFPathFileName name the table after the file; other types leave it as it was.
     qint16 DBFType() const;
-    void setDBFType(qint16 type) { m_dbfType = type; }
+    void setDBFType(qint16 type);
     // The WHERE text (without "WHERE") the next setSDBFPathFileName opens the table with.
-    QString Filter() const { return m_filter; }
+    QString Filter() const;
     // Set only from inside the library (a filtered file binding).
-    void setFilterText(const QString &filter) { m_filter = filter; }
+    void setFilterText(const QString &filter);
 
     // Binds every row to the table file at `path` (see the class comment); a missing file
     // (or a folder) is told once in a "File Not Found" box and changes nothing. A file that
@@ -65,10 +68,10 @@ public:
 
     // An OLE colour (0x00BBGGRR): the background of the control and of the rows that exist
     // now; -1 (the default) until set: the palette's own.
-    qint32 BackColor() const { return m_backColor; }
+    qint32 BackColor() const;
     void setBackColor(qint32 color);
     // Non-zero: every row that exists now shows the alternate grey.
-    qint32 lAltGrayColor() const { return m_altGray; }
+    qint32 lAltGrayColor() const;
     void setLAltGrayColor(qint32 altGray);
 
     // Indexed accessors: n is 0 .. nUbound. Out of range, getters give 0 / "" and setters
@@ -91,14 +94,14 @@ public:
 
     // mvRow::Edit on every row (remembers what CancelEdit returns to; unlocks nothing).
     Q_INVOKABLE void Edit();
-    Q_INVOKABLE void Update() { UpdateDBF(); }
+    Q_INVOKABLE void Update();
     // mvRow::Save on every row; each row shows its own failure, so this always returns "".
     Q_INVOKABLE QString SaveDBF();
 
     // plx::BoundControl, the operations the navigator drives. bEdit validates every row (a
     // box per refusing row unless bSilent) and collects "caption reason" lines joined by
-    // "\r\n" into vReturn; Save is SaveDBF. Locked reads row 0; setLocked and setEnabled
-    // reach the rows that exist now. RecordSet is row 0's source (nullptr before any).
+    // "\r\n" into vReturn; Save is SaveDBF. Locked reads row 0; setLocked reaches the rows
+    // that exist now. RecordSet is row 0's source (nullptr before any).
     Q_INVOKABLE void UpdateDBF() override;
     Q_INVOKABLE bool bEdit(bool bSilent, QString *vReturn = nullptr) override;
     Q_INVOKABLE void EditUpdate() override;
@@ -106,59 +109,32 @@ public:
     Q_INVOKABLE QString Save() override;
     bool Locked() const override;
     void setLocked(bool locked) override;
-    bool Enabled() const override { return isEnabled(); }
+    // Enabling or disabling the stack sets every row and every part of a row explicitly,
+    // so that a row a host disabled on its own comes back with the stack. QWidget's
+    // setEnabled on the stack does the same; a parent's enabling reaches the rows as Qt
+    // passes it on.
+    bool Enabled() const override;
     void setEnabled(bool enabled) override;
-    QString Name() const override { return objectName(); }
+    QString Name() const override;
     std::shared_ptr<plx::RecordSource> RecordSet() const override;
     void setRecordSet(std::shared_ptr<plx::RecordSource> source) override;
 
     // Row n (nullptr outside 0..nUbound).
-    mvRow *row(qint16 n) const { return inRange(n) ? m_rows.at(n) : nullptr; }
+    mvRow *row(qint16 n) const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
 protected:
-    explicit RowStack(QWidget *parent);
+    // Takes `dd`, the state of the concrete stack, which makes its rows; row 0 is made here.
+    RowStack(std::unique_ptr<RowStackPrivate> dd, QWidget *parent);
 
-    // Makes row `index` (a child of this widget), with the start values of a new row.
-    virtual mvRow *createRow(qint16 index) = 0;
-    // Called once row `index` is placed, shown and wired.
-    virtual void rowAdded(mvRow *row, qint16 index)
-    {
-        Q_UNUSED(row)
-        Q_UNUSED(index)
-    }
-    // Row `index` reported a double click.
-    virtual void rowDoubleClicked(qint16 index) { Q_UNUSED(index) }
-    // Makes row 0; every stack's constructor calls it once.
-    void initRows();
-
-    bool inRange(qint16 n) const { return n >= 0 && n < m_rows.size(); }
-    const QList<mvRow *> &rows() const { return m_rows; }
-    plx::Services *services() const override { return m_services; }
-    void yieldOnce();
-    // Asks every row's binding object to disconnect and releases it.
-    void disconnectRows();
-    // The one "File Not Found" box for a missing table file.
-    void fileNotFound(const QString &path) const;
-
+    plx::Services *services() const override;
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;
 
-private:
-    void addRow();
-    void layoutWidths();
-    void fitHeight();
-    // Calls `fn` on every row in order; what one row throws is swallowed.
-    template<typename Fn> void forEachRow(Fn fn) const;
+    const std::unique_ptr<RowStackPrivate> d_ptr;
 
-    QList<mvRow *> m_rows;
-    plx::Services *m_services = nullptr;
-    qint16 m_vspacing = 60;
-    int m_fittedHeight = 0; // pixels: the height the rows need
-    mutable qint16 m_dbfType = 0;
-    QString m_filter;
-    qint32 m_backColor = -1; // -1: the palette's own
-    qint32 m_altGray = 0;
+private:
+    Q_DECLARE_PRIVATE(RowStack)
 };

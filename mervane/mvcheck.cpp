@@ -1,67 +1,63 @@
 // mervane/mvcheck.cpp
 #include "mervane/mvcheck.h"
+#include "mervane/mvcheck_p.h"
 
 #include "mervane/valueformat.h"
 
-#include <QCheckBox>
-
-namespace {
-
-// A check box that a locked row keeps from changing, while it still takes the focus so
-// that a locked stack can be read with the keyboard.
-class LockableCheckBox : public QCheckBox
+mvCheck::mvCheck(QWidget *parent) : mvRow(std::make_unique<mvCheckPrivate>(), parent)
 {
-public:
-    explicit LockableCheckBox(QWidget *parent) : QCheckBox(parent) { }
-    bool locked = false;
-
-protected:
-    void nextCheckState() override
-    {
-        if (!locked)
-            QCheckBox::nextCheckState();
-    }
-};
-
-} // namespace
-
-mvCheck::mvCheck(QWidget *parent) : mvRow(parent)
-{
-    m_box = new LockableCheckBox(this);
-    m_box->setObjectName(QStringLiteral("chkValue"));
-    setFocusProxy(m_box);
-    watch(m_box);
-    connect(m_box, &QCheckBox::clicked, this, &mvCheck::userToggled);
-    mvCheck::applyLook(); // this class's look: no subclass exists yet while constructing
+    d_func()->init();
     setTwipsGeometry(0, 0, 4800);
+}
+
+void mvCheckPrivate::init()
+{
+    Q_Q(mvCheck);
+    box = new LockableCheckBox(q);
+    box->setObjectName(QStringLiteral("chkValue"));
+    q->setFocusProxy(box);
+    watch(box);
+    QObject::connect(box, &QCheckBox::clicked, q, [this](bool checked) { userToggled(checked); });
+    applyLook();
 }
 
 QString mvCheck::sCaption() const
 {
-    return m_box->text();
+    return d_func()->box->text();
 }
 
 void mvCheck::setSCaption(const QString &caption)
 {
     // '&' in a caption is text, not a shortcut marker.
     QString shown = caption;
-    m_box->setText(shown.replace(QLatin1Char('&'), QLatin1String("&&")));
+    d_func()->box->setText(shown.replace(QLatin1Char('&'), QLatin1String("&&")));
 }
 
-bool mvCheck::Checked() const
+bool mvCheck::bBoldOnChk() const
 {
-    return m_box->isChecked();
+    return d_func()->boldOnChk;
 }
 
 void mvCheck::setBBoldOnChk(bool bold)
 {
-    m_boldOnChk = bold;
-    applyFont();
+    Q_D(mvCheck);
+    d->boldOnChk = bold;
+    d->applyFont();
 }
 
-QString mvCheck::formText(bool checked) const
+bool mvCheck::Checked() const
 {
-    switch (m_form) {
+    return d_func()->box->isChecked();
+}
+
+void mvCheck::Clear()
+{
+    d_func()->showText(QString());
+}
+
+QString mvCheckPrivate::formText(bool checked) const
+{
+    switch (form) {
     case Form::Logical: return checked ? QStringLiteral("True") : QStringLiteral("False");
     case Form::MinusOne: return checked ? QStringLiteral("-1") : QStringLiteral("0");
     case Form::One: return checked ? QStringLiteral("1") : QStringLiteral("0");
@@ -71,48 +67,53 @@ QString mvCheck::formText(bool checked) const
     return QString();
 }
 
-void mvCheck::userToggled(bool checked)
+void mvCheckPrivate::userToggled(bool checked)
 {
-    m_text = formText(checked);
+    text = formText(checked);
     applyFont();
 }
 
-void mvCheck::showText(const QString &text)
+void mvCheckPrivate::showText(const QString &shown)
 {
-    const std::optional<bool> b = plx::parseLogicalText(text);
-    m_box->setChecked(b.value_or(false));
+    const std::optional<bool> b = plx::parseLogicalText(shown);
+    box->setChecked(b.value_or(false));
     // A form the row understands is kept in the row's own form; anything else is kept as
     // it is, so that validation can name it.
-    m_text = text.trimmed().isEmpty() ? QString() : b ? formText(*b) : text;
+    text = shown.trimmed().isEmpty() ? QString() : b ? formText(*b) : shown;
     applyFont();
 }
 
-QString mvCheck::displayOf(const QVariant &stored, const plx::FieldInfo &field)
+void mvCheckPrivate::learnForm(const QVariant &stored, const plx::FieldInfo &field)
 {
     const bool null = !stored.isValid() || stored.isNull();
     switch (field.type) {
-    case plx::FieldType::Boolean: m_form = Form::Logical; break;
+    case plx::FieldType::Boolean: form = Form::Logical; break;
     case plx::FieldType::Integer:
     case plx::FieldType::Numeric:
     case plx::FieldType::Double:
         // Fields written by other programs hold 1 for true; keep to what the field holds.
         // Anything but a stored 1 means -1, unless the field has shown 1 before.
         if (!null && stored.toDouble() == 1.0)
-            m_form = Form::One;
-        else if ((!null && stored.toDouble() == -1.0) || m_form != Form::One)
-            m_form = Form::MinusOne;
+            form = Form::One;
+        else if ((!null && stored.toDouble() == -1.0) || form != Form::One)
+            form = Form::MinusOne;
         break;
     default: {
         const QString t = null ? QString() : stored.toString().trimmed().toUpper();
         // Anything but Y/N means T/F, unless the field has shown Y/N before.
         if (t == QLatin1String("Y") || t == QLatin1String("N"))
-            m_form = Form::YN;
-        else if (t == QLatin1String("T") || t == QLatin1String("F") || m_form != Form::YN)
-            m_form = Form::TF;
+            form = Form::YN;
+        else if (t == QLatin1String("T") || t == QLatin1String("F") || form != Form::YN)
+            form = Form::TF;
         break;
     }
     }
-    if (null)
+}
+
+QString mvCheckPrivate::displayOf(const QVariant &stored, const plx::FieldInfo &field)
+{
+    learnForm(stored, field);
+    if (!stored.isValid() || stored.isNull())
         return QString();
     if (field.type == plx::FieldType::Boolean)
         return formText(stored.toBool());
@@ -123,12 +124,12 @@ QString mvCheck::displayOf(const QVariant &stored, const plx::FieldInfo &field)
     return b ? formText(*b) : QString();
 }
 
-std::optional<QVariant> mvCheck::storedOf(const QString &text, const plx::FieldInfo &field,
-                                          QString *reason) const
+std::optional<QVariant> mvCheckPrivate::storedOf(const QString &typed, const plx::FieldInfo &field,
+                                                 QString *reason) const
 {
     bool checked = false;
-    if (!text.trimmed().isEmpty()) {
-        const std::optional<bool> b = plx::parseLogicalText(text);
+    if (!typed.trimmed().isEmpty()) {
+        const std::optional<bool> b = plx::parseLogicalText(typed);
         if (!b) {
             if (reason)
                 *reason = QStringLiteral("is not Yes or No");
@@ -140,7 +141,7 @@ std::optional<QVariant> mvCheck::storedOf(const QString &text, const plx::FieldI
     case plx::FieldType::Boolean: return QVariant(checked);
     case plx::FieldType::Integer:
     case plx::FieldType::Numeric:
-    case plx::FieldType::Double: return QVariant(checked ? (m_form == Form::One ? 1 : -1) : 0);
+    case plx::FieldType::Double: return QVariant(checked ? (form == Form::One ? 1 : -1) : 0);
     case plx::FieldType::Text:
     case plx::FieldType::Memo: return QVariant(formText(checked).left(1));
     default: break;
@@ -150,40 +151,43 @@ std::optional<QVariant> mvCheck::storedOf(const QString &text, const plx::FieldI
     return std::nullopt;
 }
 
-void mvCheck::applyFont()
+void mvCheckPrivate::applyFont()
 {
-    QFont f = font();
-    f.setBold(m_boldOnChk && m_box->isChecked());
-    f.setUnderline(m_hasFocus);
-    m_box->setFont(f);
+    QFont f = q_ptr->font();
+    f.setBold(boldOnChk && box->isChecked());
+    f.setUnderline(focused);
+    box->setFont(f);
 }
 
-void mvCheck::applyLook()
+void mvCheckPrivate::applyLook()
 {
-    static_cast<LockableCheckBox *>(m_box)->locked = Locked();
+    if (!box)
+        return; // called before init(): the box comes right after the row itself
+    box->locked = locked;
+    const QPalette own = q_ptr->palette();
     const plx::RowShade s = shade();
-    QPalette p = plx::shadedPalette(palette(), s);
+    QPalette p = plx::shadedPalette(own, s);
     if (s == plx::RowShade::Locked)
-        p = palette();
-    m_box->setPalette(p);
-    m_box->setAutoFillBackground(s != plx::RowShade::Normal && s != plx::RowShade::Locked);
+        p = own;
+    box->setPalette(p);
+    box->setAutoFillBackground(s != plx::RowShade::Normal && s != plx::RowShade::Locked);
     // A locked box shows its state in the disabled text colour, without being disabled:
     // it can still be reached with Tab.
-    QPalette text = m_box->palette();
-    if (Locked())
+    QPalette dimmed = box->palette();
+    if (locked)
         for (QPalette::ColorGroup g : { QPalette::Active, QPalette::Inactive })
-            text.setColor(g, QPalette::WindowText,
-                          palette().color(QPalette::Disabled, QPalette::WindowText));
-    m_box->setPalette(text);
+            dimmed.setColor(g, QPalette::WindowText,
+                            own.color(QPalette::Disabled, QPalette::WindowText));
+    box->setPalette(dimmed);
 }
 
-void mvCheck::focusChanged(bool hasFocus)
+void mvCheckPrivate::focusChanged(bool hasFocus)
 {
-    m_hasFocus = hasFocus;
+    focused = hasFocus;
     applyFont();
 }
 
-void mvCheck::applyGeometryPixels()
+void mvCheckPrivate::applyGeometryPixels()
 {
-    m_box->setGeometry(0, 0, width(), height());
+    box->setGeometry(0, 0, q_ptr->width(), q_ptr->height());
 }

@@ -11,7 +11,7 @@
 
 #include "mervane/mvrow.h"
 
-class QCheckBox;
+class mvCheckPrivate;
 
 class mvCheck : public mvRow
 {
@@ -27,34 +27,14 @@ public:
     void setSCaption(const QString &caption) override;
 
     // Takes effect at once on the caption of a box that is checked now.
-    bool bBoldOnChk() const { return m_boldOnChk; }
+    bool bBoldOnChk() const;
     void setBBoldOnChk(bool bold);
     // The box as shown: false for "" and for a text that is no logical.
     bool Checked() const;
 
     // Sets the value to "" (unchecked, never set), so a Null field stays Null on save.
-    Q_INVOKABLE void Clear() { showText(QString()); }
-
-protected:
-    QString currentText() const override { return m_text; }
-    void showText(const QString &text) override;
-    QString displayOf(const QVariant &stored, const plx::FieldInfo &field) override;
-    std::optional<QVariant> storedOf(const QString &text, const plx::FieldInfo &field,
-                                     QString *reason) const override;
-    void applyLook() override;
-    void applyGeometryPixels() override;
-    void focusChanged(bool hasFocus) override;
+    Q_INVOKABLE void Clear();
 
 private:
-    enum class Form { Logical, MinusOne, One, TF, YN };
-    // The text of a checked / unchecked box in the current form.
-    QString formText(bool checked) const;
-    void userToggled(bool checked);
-    void applyFont();
-
-    QCheckBox *m_box;
-    QString m_text; // the value as text ("" until set)
-    Form m_form = Form::Logical;
-    bool m_boldOnChk = false;
-    bool m_hasFocus = false;
+    Q_DECLARE_PRIVATE(mvCheck)
 };

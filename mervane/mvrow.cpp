@@ -1,5 +1,6 @@
 // mervane/mvrow.cpp
 #include "mervane/mvrow.h"
+#include "mervane/mvrow_p.h"
 
 #include "mervane/twips.h"
 
@@ -47,156 +48,42 @@ bool sameStored(const QVariant &held, const QVariant &wanted, const plx::FieldIn
 
 } // namespace
 
-mvRow::mvRow(QWidget *parent) : QWidget(parent)
+mvRowPrivate::~mvRowPrivate() = default;
+
+plx::RowShade mvRowPrivate::shade() const
 {
-    setFocusPolicy(Qt::StrongFocus);
+    return plx::rowShade(backRed(), backWhite(), backLightGray(), altGray != 0, locked);
 }
 
-mvRow::~mvRow()
+void mvRowPrivate::showProblem(const QString &title, const QString &text, int style) const
 {
-    releaseDataBinding();
+    (void)plx::prompterOf(services).msgBox(text, style, title);
 }
 
-void mvRow::setLocked(bool locked)
+void mvRowPrivate::watch(QWidget *child) const
 {
-    m_locked = locked;
-    applyLook();
+    child->installEventFilter(q_ptr);
 }
 
-void mvRow::setLAltGrayColor(qint32 altGray)
+void mvRowPrivate::applyGeometry()
 {
-    m_altGray = altGray;
-    applyLook();
-}
-
-void mvRow::setIHeight(qint16 twips)
-{
-    m_heightTw = std::max<qint16>(twips, 0);
-    applyGeometry();
-}
-
-void mvRow::setTwipsGeometry(int left, int top, int width)
-{
-    m_leftTw = left;
-    m_topTw = top;
-    m_widthTw = std::max(width, 0);
-    applyGeometry();
-}
-
-void mvRow::applyGeometry()
-{
-    setGeometry(plx::twipsToPixelsX(this, m_leftTw), plx::twipsToPixelsY(this, m_topTw),
-                plx::twipsToPixelsX(this, m_widthTw), plx::twipsToPixelsY(this, m_heightTw));
+    Q_Q(mvRow);
+    q->setGeometry(plx::twipsToPixelsX(q, leftTw), plx::twipsToPixelsY(q, topTw),
+                   plx::twipsToPixelsX(q, widthTw), plx::twipsToPixelsY(q, heightTw));
     applyGeometryPixels();
 }
 
-void mvRow::resizeEvent(QResizeEvent *event)
+std::shared_ptr<plx::RecordSource> mvRowPrivate::source() const
 {
-    QWidget::resizeEvent(event);
-    applyGeometryPixels();
+    return binding ? binding->RecordSet() : nullptr;
 }
 
-mvDataBinding *mvRow::DataBinding()
+int mvRowPrivate::boundField() const
 {
-    if (!m_binding)
-        m_binding = new mvDataBinding(this);
-    return m_binding;
+    return binding ? binding->fieldIndex() : -1;
 }
 
-void mvRow::releaseDataBinding()
-{
-    delete m_binding.data();
-    m_binding = nullptr;
-}
-
-plx::RowShade mvRow::shade() const
-{
-    return plx::rowShade(backRed(), backWhite(), backLightGray(), m_altGray != 0, m_locked);
-}
-
-plx::Status mvRow::UpdateDBF()
-{
-    mvDataBinding *binding = m_binding;
-    const std::shared_ptr<plx::RecordSource> rs = binding ? binding->RecordSet() : nullptr;
-    if (!rs)
-        return plx::Status(plx::Status::Code::InvalidArgument, QStringLiteral("no record source"));
-    const int index = binding->fieldIndex();
-    m_pending.reset();
-    m_problem.clear();
-    if (index < 0) {
-        // Showing the former record's value under a field that is not there would mislead.
-        showText(QString());
-        m_loadedText = m_beforeEdit = currentText();
-        return plx::Status(plx::Status::Code::UnknownField,
-                           QStringLiteral("no field %1").arg(binding->sFieldName()));
-    }
-    const plx::Result<QVariant> value = rs->value(index);
-    // No current record (BOF/EOF) shows as empty, like a Null.
-    showText(displayOf(value.isOk() ? value.value() : QVariant(), binding->fieldInfo()));
-    m_loadedText = m_beforeEdit = currentText();
-    return plx::Status::ok();
-}
-
-void mvRow::Edit()
-{
-    m_editing = true;
-    m_beforeEdit = currentText();
-}
-
-void mvRow::CancelEdit()
-{
-    m_editing = false;
-    m_pending.reset();
-    m_problem.clear();
-    showText(m_beforeEdit);
-}
-
-bool mvRow::bValidate(bool bSilent, QString *reason)
-{
-    const QString text = currentText();
-    if (text == m_loadedText || !m_binding || m_binding->fieldIndex() < 0)
-        return true;
-    QString why;
-    if (storedOf(text, m_binding->fieldInfo(), &why))
-        return true;
-    if (reason)
-        *reason = why;
-    if (!bSilent)
-        showProblem(QStringLiteral("Invalid Entry"), sCaption() + QLatin1Char(' ') + why,
-                    plx::MsgStyle::Exclamation);
-    return false;
-}
-
-void mvRow::EditUpdate()
-{
-    m_editing = false;
-    m_problem.clear();
-    const QString text = currentText();
-    if (text == m_loadedText)
-        return;
-    mvDataBinding *binding = m_binding;
-    const std::shared_ptr<plx::RecordSource> rs = binding ? binding->RecordSet() : nullptr;
-    if (!rs || binding->fieldIndex() < 0) {
-        m_problem = QStringLiteral("is not bound to a field of the record");
-        return;
-    }
-    QString why;
-    const std::optional<QVariant> stored = storedOf(text, binding->fieldInfo(), &why);
-    if (!stored) {
-        m_problem = why;
-        return;
-    }
-    m_pending = stored;
-    if (rs->editMode() != plx::EditMode::None) {
-        const plx::Status s = rs->setValue(binding->fieldIndex(), *stored);
-        if (!s.isOk()) {
-            m_problem = writeFailure(s);
-            m_pending.reset();
-        }
-    }
-}
-
-QString mvRow::writeFailure(const plx::Status &status) const
+QString mvRowPrivate::writeFailure(const plx::Status &status) const
 {
     if (status.code() == plx::Status::Code::Locked)
         return QStringLiteral("could not be saved: the record is locked by another user");
@@ -205,57 +92,265 @@ QString mvRow::writeFailure(const plx::Status &status) const
     return QStringLiteral("could not be saved: ") + status.message();
 }
 
+plx::Status mvRowPrivate::writePending(plx::RecordSource &rs, int index) const
+{
+    // Whoever started the edit writes the record, once, with every row's value in it: a
+    // write per row would leave the record half saved when one of them fails.
+    if (rs.editMode() != plx::EditMode::None)
+        return rs.setValue(index, *pending);
+    const plx::Result<QVariant> held = rs.value(index);
+    if (held.isOk() && sameStored(held.value(), *pending, binding->fieldInfo()))
+        return plx::Status::ok();
+    plx::Status s = rs.Edit();
+    if (!s.isOk())
+        return s;
+    s = rs.setValue(index, *pending);
+    if (s.isOk())
+        s = rs.Update();
+    if (!s.isOk())
+        (void)rs.CancelUpdate();
+    return s;
+}
+
+mvRow::mvRow(std::unique_ptr<mvRowPrivate> dd, QWidget *parent)
+    : QWidget(parent), d_ptr(std::move(dd))
+{
+    d_ptr->q_ptr = this;
+    setFocusPolicy(Qt::StrongFocus);
+}
+
+mvRow::~mvRow()
+{
+    releaseDataBinding();
+}
+
+void mvRow::setServices(plx::Services *services)
+{
+    d_func()->services = services;
+}
+
+QString mvRow::Text() const
+{
+    return d_func()->currentText();
+}
+
+void mvRow::setText(const QString &text)
+{
+    d_func()->showText(text);
+}
+
+QString mvRow::Value() const
+{
+    return d_func()->currentText();
+}
+
+void mvRow::setValue(const QString &value)
+{
+    d_func()->showText(value);
+}
+
+bool mvRow::Locked() const
+{
+    return d_func()->locked;
+}
+
+void mvRow::setLocked(bool locked)
+{
+    Q_D(mvRow);
+    d->locked = locked;
+    d->applyLook();
+}
+
+qint32 mvRow::lAltGrayColor() const
+{
+    return d_func()->altGray;
+}
+
+void mvRow::setLAltGrayColor(qint32 altGray)
+{
+    Q_D(mvRow);
+    d->altGray = altGray;
+    d->applyLook();
+}
+
+qint16 mvRow::iHeight() const
+{
+    return d_func()->heightTw;
+}
+
+void mvRow::setIHeight(qint16 twips)
+{
+    Q_D(mvRow);
+    d->heightTw = std::max<qint16>(twips, 0);
+    d->applyGeometry();
+}
+
+int mvRow::leftTwips() const
+{
+    return d_func()->leftTw;
+}
+
+int mvRow::topTwips() const
+{
+    return d_func()->topTw;
+}
+
+int mvRow::widthTwips() const
+{
+    return d_func()->widthTw;
+}
+
+void mvRow::setTwipsGeometry(int left, int top, int width)
+{
+    Q_D(mvRow);
+    d->leftTw = left;
+    d->topTw = top;
+    d->widthTw = std::max(width, 0);
+    d->applyGeometry();
+}
+
+void mvRow::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    d_func()->applyGeometryPixels();
+}
+
+mvDataBinding *mvRow::DataBinding()
+{
+    Q_D(mvRow);
+    if (!d->binding)
+        d->binding = new mvDataBinding(this);
+    return d->binding;
+}
+
+bool mvRow::hasDataBinding() const
+{
+    return d_func()->binding != nullptr;
+}
+
+void mvRow::releaseDataBinding()
+{
+    Q_D(mvRow);
+    delete d->binding.data();
+    d->binding = nullptr;
+}
+
+bool mvRow::isEditing() const
+{
+    return d_func()->editing;
+}
+
+plx::Status mvRow::UpdateDBF()
+{
+    Q_D(mvRow);
+    const std::shared_ptr<plx::RecordSource> rs = d->source();
+    if (!rs)
+        return plx::Status(plx::Status::Code::InvalidArgument, QStringLiteral("no record source"));
+    const int index = d->binding->fieldIndex();
+    d->pending.reset();
+    d->problem.clear();
+    if (index < 0) {
+        // Showing the former record's value under a field that is not there would mislead.
+        d->showText(QString());
+        d->loadedText = d->beforeEdit = d->currentText();
+        return plx::Status(plx::Status::Code::UnknownField,
+                           QStringLiteral("no field %1").arg(d->binding->sFieldName()));
+    }
+    const plx::Result<QVariant> value = rs->value(index);
+    // No current record (BOF/EOF) shows as empty, like a Null.
+    d->showText(d->displayOf(value.isOk() ? value.value() : QVariant(), d->binding->fieldInfo()));
+    d->loadedText = d->beforeEdit = d->currentText();
+    return plx::Status::ok();
+}
+
+void mvRow::Edit()
+{
+    Q_D(mvRow);
+    d->editing = true;
+    d->beforeEdit = d->currentText();
+}
+
+void mvRow::CancelEdit()
+{
+    Q_D(mvRow);
+    d->editing = false;
+    d->pending.reset();
+    d->problem.clear();
+    d->showText(d->beforeEdit);
+}
+
+bool mvRow::bValidate(bool bSilent, QString *reason)
+{
+    Q_D(mvRow);
+    const QString text = d->currentText();
+    if (text == d->loadedText || d->boundField() < 0)
+        return true;
+    QString why;
+    if (d->storedOf(text, d->binding->fieldInfo(), &why))
+        return true;
+    if (reason)
+        *reason = why;
+    if (!bSilent)
+        d->showProblem(QStringLiteral("Invalid Entry"), sCaption() + QLatin1Char(' ') + why,
+                       plx::MsgStyle::Exclamation);
+    return false;
+}
+
+void mvRow::EditUpdate()
+{
+    Q_D(mvRow);
+    d->editing = false;
+    d->problem.clear();
+    const QString text = d->currentText();
+    if (text == d->loadedText)
+        return;
+    const std::shared_ptr<plx::RecordSource> rs = d->source();
+    if (!rs || d->binding->fieldIndex() < 0) {
+        d->problem = QStringLiteral("is not bound to a field of the record");
+        return;
+    }
+    QString why;
+    const std::optional<QVariant> stored = d->storedOf(text, d->binding->fieldInfo(), &why);
+    if (!stored) {
+        d->problem = why;
+        return;
+    }
+    d->pending = stored;
+    if (rs->editMode() != plx::EditMode::None) {
+        const plx::Status s = rs->setValue(d->binding->fieldIndex(), *stored);
+        if (!s.isOk()) {
+            d->problem = d->writeFailure(s);
+            d->pending.reset();
+        }
+    }
+}
+
 QString mvRow::Save()
 {
-    QString problem = m_problem;
-    m_problem.clear();
-    if (problem.isEmpty() && m_pending) {
-        mvDataBinding *binding = m_binding;
-        const std::shared_ptr<plx::RecordSource> rs = binding ? binding->RecordSet() : nullptr;
-        const int index = binding ? binding->fieldIndex() : -1;
-        plx::Status s;
+    Q_D(mvRow);
+    QString problem = d->problem;
+    d->problem.clear();
+    if (problem.isEmpty() && d->pending) {
+        const std::shared_ptr<plx::RecordSource> rs = d->source();
+        const int index = d->boundField();
         if (!rs || index < 0) {
             problem = QStringLiteral("is not bound to a field of the record");
-        } else if (rs->editMode() != plx::EditMode::None) {
-            // Whoever started the edit writes the record, once, with every row's value in
-            // it: a write per row would leave the record half saved when one of them fails.
-            s = rs->setValue(index, *m_pending);
         } else {
-            const plx::Result<QVariant> held = rs->value(index);
-            if (!held.isOk() || !sameStored(held.value(), *m_pending, binding->fieldInfo())) {
-                s = rs->Edit();
-                if (s.isOk()) {
-                    s = rs->setValue(index, *m_pending);
-                    if (s.isOk())
-                        s = rs->Update();
-                    if (!s.isOk())
-                        (void)rs->CancelUpdate();
-                }
-            }
+            const plx::Status s = d->writePending(*rs, index);
+            if (!s.isOk())
+                problem = d->writeFailure(s);
         }
-        if (!s.isOk())
-            problem = writeFailure(s);
     }
-    m_pending.reset();
+    d->pending.reset();
     if (!problem.isEmpty()) {
-        showProblem(QStringLiteral("Value Not Saved"),
-                    sCaption() + QLatin1Char(' ') + problem
-                        + QStringLiteral("\r\n\r\nThe field keeps its former value."),
-                    plx::MsgStyle::Exclamation);
+        d->showProblem(QStringLiteral("Value Not Saved"),
+                       sCaption() + QLatin1Char(' ') + problem
+                           + QStringLiteral("\r\n\r\nThe field keeps its former value."),
+                       plx::MsgStyle::Exclamation);
         // As the box says: the row shows the value the record kept, not the refused one.
-        showText(m_loadedText);
+        d->showText(d->loadedText);
     }
     return problem;
-}
-
-void mvRow::showProblem(const QString &title, const QString &text, int style) const
-{
-    (void)plx::prompterOf(m_services).msgBox(text, style, title);
-}
-
-void mvRow::watch(QWidget *child)
-{
-    child->installEventFilter(this);
 }
 
 bool mvRow::eventFilter(QObject *watched, QEvent *event)
@@ -263,7 +358,7 @@ bool mvRow::eventFilter(QObject *watched, QEvent *event)
     switch (event->type()) {
     case QEvent::MouseButtonDblClick: Q_EMIT DblClick(); break;
     case QEvent::FocusIn:
-        focusChanged(true);
+        d_func()->focusChanged(true);
         // The focused row must be on screen when the stack sits in a scroll area.
         for (QWidget *p = parentWidget(); p; p = p->parentWidget()) {
             if (auto *area = qobject_cast<QScrollArea *>(p)) {
@@ -272,7 +367,7 @@ bool mvRow::eventFilter(QObject *watched, QEvent *event)
             }
         }
         break;
-    case QEvent::FocusOut: focusChanged(false); break;
+    case QEvent::FocusOut: d_func()->focusChanged(false); break;
     default: break;
     }
     return QWidget::eventFilter(watched, event);
@@ -283,5 +378,5 @@ void mvRow::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::EnabledChange
         || event->type() == QEvent::StyleChange)
-        applyLook();
+        d_func()->applyLook();
 }

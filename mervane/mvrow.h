@@ -20,16 +20,15 @@
 #pragma once
 
 #include "mervane/mvdatabinding.h"
-#include "mervane/rowpalette.h"
 
 #include "services/env.h"
 #include "services/recordsource/status.h"
 
-#include <QPointer>
-#include <QVariant>
 #include <QWidget>
 
-#include <optional>
+#include <memory>
+
+class mvRowPrivate;
 
 class mvRow : public QWidget
 {
@@ -45,7 +44,7 @@ public:
     ~mvRow() override;
 
     // Where the row's boxes go; nullptr: the library-wide defaults.
-    void setServices(plx::Services *services) { m_services = services; }
+    void setServices(plx::Services *services);
 
     // The text beside the value; also names the row in validation and save messages.
     virtual QString sCaption() const = 0;
@@ -54,39 +53,39 @@ public:
     // What the row shows. Value is the same text; both names exist because hosts use both.
     // Setting either only shows the text (nothing is validated or written, and a locked row
     // takes it too); a later EditUpdate writes it when it differs from what UpdateDBF loaded.
-    QString Text() const { return currentText(); }
-    void setText(const QString &text) { showText(text); }
-    QString Value() const { return currentText(); }
-    void setValue(const QString &value) { showText(value); }
+    QString Text() const;
+    void setText(const QString &text);
+    QString Value() const;
+    void setValue(const QString &value);
 
     // A locked row keeps the focus and can be read, but the user cannot change its value;
     // it takes the form's Window colour unless a colour flag or the alternate grey is set.
     // Program writes (setText/setValue) still work.
-    bool Locked() const { return m_locked; }
+    bool Locked() const;
     void setLocked(bool locked);
     // Non-zero: the row shows the alternate grey (every other row of a long stack).
-    qint32 lAltGrayColor() const { return m_altGray; }
+    qint32 lAltGrayColor() const;
     void setLAltGrayColor(qint32 altGray);
 
     // Geometry in twips (1440 to the logical inch), kept in twips so that laying rows out
     // row by row never accumulates rounding. Negative heights and widths become 0; the row's
     // pixel geometry follows at once.
-    qint16 iHeight() const { return m_heightTw; }
+    qint16 iHeight() const;
     void setIHeight(qint16 twips);
-    int leftTwips() const { return m_leftTw; }
-    int topTwips() const { return m_topTw; }
-    int widthTwips() const { return m_widthTw; }
+    int leftTwips() const;
+    int topTwips() const;
+    int widthTwips() const;
     void setTwipsGeometry(int left, int top, int width);
 
     // The binding object, made on first use (so never nullptr; asking makes one);
     // releaseDataBinding() deletes it without closing anything itself (its destructor
     // disconnects), and hasDataBinding() asks without making one.
     Q_INVOKABLE mvDataBinding *DataBinding();
-    bool hasDataBinding() const { return m_binding != nullptr; }
+    bool hasDataBinding() const;
     void releaseDataBinding();
 
     // True between Edit() and EditUpdate()/CancelEdit().
-    bool isEditing() const { return m_editing; }
+    bool isEditing() const;
 
     // Shows the bound field of the current record (or of the edit buffer); no current record
     // or Null shows "". InvalidArgument without a record source (nothing changes),
@@ -118,53 +117,15 @@ Q_SIGNALS:
     void DblClick();
 
 protected:
-    explicit mvRow(QWidget *parent);
+    // Takes `dd`, the state of the concrete row (mvText, mvCheck).
+    mvRow(std::unique_ptr<mvRowPrivate> dd, QWidget *parent);
 
-    virtual QString currentText() const = 0;
-    virtual void showText(const QString &text) = 0;
-    // The text shown for a stored value of `field`.
-    virtual QString displayOf(const QVariant &stored, const plx::FieldInfo &field) = 0;
-    // The value to store for `text`, or std::nullopt and a reason when the field cannot
-    // take it.
-    virtual std::optional<QVariant> storedOf(const QString &text, const plx::FieldInfo &field,
-                                             QString *reason) const = 0;
-    // Repaints the background and read-only look after a flag changed.
-    virtual void applyLook() = 0;
-    virtual void applyGeometryPixels() { }
-
-    plx::RowShade shade() const;
-    virtual bool backRed() const { return false; }
-    virtual bool backWhite() const { return false; }
-    virtual bool backLightGray() const { return false; }
-
-    plx::Services *services() const { return m_services; }
-    void showProblem(const QString &title, const QString &text, int style) const;
-
-    // Makes a child report double clicks and focus for the row.
-    void watch(QWidget *child);
     bool eventFilter(QObject *watched, QEvent *event) override;
-    virtual void focusChanged(bool hasFocus) { Q_UNUSED(hasFocus) }
     void changeEvent(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
-    QString loadedText() const { return m_loadedText; }
+    const std::unique_ptr<mvRowPrivate> d_ptr;
 
 private:
-    void applyGeometry();
-    QString writeFailure(const plx::Status &status) const;
-
-    plx::Services *m_services = nullptr;
-    QPointer<mvDataBinding> m_binding;
-    bool m_locked = false;
-    qint32 m_altGray = 0;
-    bool m_editing = false;
-    int m_leftTw = 0;
-    int m_topTw = 0;
-    int m_widthTw = 4800;
-    qint16 m_heightTw = 360;
-
-    QString m_loadedText; // what UpdateDBF showed: a value equal to it is not written
-    QString m_beforeEdit; // what CancelEdit shows again
-    std::optional<QVariant> m_pending; // written by EditUpdate, not yet known to be saved
-    QString m_problem; // why EditUpdate could not write, reported by Save
+    Q_DECLARE_PRIVATE(mvRow)
 };

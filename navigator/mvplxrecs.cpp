@@ -1,8 +1,10 @@
-// navigator/mvplxrecs.cpp: the navigator's children, their layout and wiring, and the
-// plain properties. The record work lives in the files beside this one, one per concern.
-#include "navigator/mvplxrecs.h"
+// navigator/mvplxrecs.cpp: the navigator's children, their layout and wiring, its boxes,
+// the field controls it drives, enabling, and the members kept only to say they are gone.
+// The record work lives in the files beside this one, one per concern.
+#include "navigator/mvplxrecs_p.h"
 
 #include "dialogs/floatingmessage.h"
+#include "services/activitylog.h"
 #include "services/recordsource/database.h"
 #include "services/texthelpers.h"
 
@@ -120,100 +122,108 @@ void setTabChain(std::initializer_list<QWidget *> widgets)
 
 } // namespace
 
-mvPLXRecs::mvPLXRecs(QWidget *parent) : QWidget(parent)
+void mvPLXRecsPrivate::buildChildren()
 {
-    setObjectName(QStringLiteral("mvPLXRecs"));
-    buildChildren();
-    buildToolbar();
-    m_floating = new FloatingMessage(this);
-    // On creation: an empty sort list and a scroll bar that waits for a record source.
-    m_cboSort->clear();
-    m_hscroll->setEnabled(false);
-    refreshCountDisplay();
+    Q_Q(mvPLXRecs);
+    cboSort = combo(q, "cboSort", false);
+    cboFind = combo(q, "cboFind", true);
+    cboFilter = combo(q, "cboFilter", false);
+    setUpFindBox(cboFind, q);
+    cboSort->setToolTip(mvPLXRecs::tr("Sort order"));
+    cboFilter->setToolTip(mvPLXRecs::tr("Saved filters"));
+
+    cmdFind = iconButton(q, "cmdFind", QStyle::SP_FileDialogContentsView,
+                         mvPLXRecs::tr("View search results"));
+    cmdFind->setEnabled(false);
+    cmdFilter = iconButton(q, "cmdFilter", QStyle::SP_FileDialogDetailedView,
+                           mvPLXRecs::tr("Edit the saved filters"));
+    cmdBrowse = iconButton(q, "cmdBrowse", QStyle::SP_FileDialogListView,
+                           mvPLXRecs::tr("Browse entire database"));
+    cmdRecBack =
+        iconButton(q, "cmdRecBack", QStyle::SP_ArrowBack, mvPLXRecs::tr("Previous record"));
+    cmdRecNext = iconButton(q, "cmdRecNext", QStyle::SP_ArrowForward, mvPLXRecs::tr("Next record"));
+    repeatWhileHeld(cmdRecBack);
+    repeatWhileHeld(cmdRecNext);
+
+    lblSort = buddyLabel(q, "lblSort", mvPLXRecs::tr("&Sort"), cboSort);
+    lblFind = buddyLabel(q, "lblFind", mvPLXRecs::tr("F&ind"), cboFind);
+    lblFind->setEnabled(false);
+    lblFilter = buddyLabel(q, "lblFilter", mvPLXRecs::tr("Fi&lter"), cboFilter);
+    lblBrowse = buddyLabel(q, "lblBrowse", mvPLXRecs::tr("Bro&wse"), cmdBrowse);
+
+    hscroll = new QScrollBar(Qt::Horizontal, q);
+    hscroll->setObjectName(QStringLiteral("HScroll1"));
+    hscroll->setToolTip(mvPLXRecs::tr("Record position"));
+    hscroll->setFocusPolicy(Qt::StrongFocus);
+    fraControls = stepFrame(q, cmdRecBack, hscroll, cmdRecNext);
+    hscroll->setParent(fraControls);
+    cmdRecBack->setParent(fraControls);
+    cmdRecNext->setParent(fraControls);
+
+    layOutChildren();
+    connectChildren();
 }
 
-mvPLXRecs::~mvPLXRecs()
+void mvPLXRecsPrivate::layOutChildren()
 {
-    // The floating message is a top-level window parented to the host's window; it goes
-    // with the navigator.
-    delete m_floating;
-}
-
-void mvPLXRecs::buildChildren()
-{
-    m_cboSort = combo(this, "cboSort", false);
-    m_cboFind = combo(this, "cboFind", true);
-    m_cboFilter = combo(this, "cboFilter", false);
-    setUpFindBox(m_cboFind, this);
-    m_cboSort->setToolTip(tr("Sort order"));
-    m_cboFilter->setToolTip(tr("Saved filters"));
-
-    m_cmdFind =
-        iconButton(this, "cmdFind", QStyle::SP_FileDialogContentsView, tr("View search results"));
-    m_cmdFind->setEnabled(false);
-    m_cmdFilter = iconButton(this, "cmdFilter", QStyle::SP_FileDialogDetailedView,
-                             tr("Edit the saved filters"));
-    m_cmdBrowse =
-        iconButton(this, "cmdBrowse", QStyle::SP_FileDialogListView, tr("Browse entire database"));
-    m_cmdRecBack = iconButton(this, "cmdRecBack", QStyle::SP_ArrowBack, tr("Previous record"));
-    m_cmdRecNext = iconButton(this, "cmdRecNext", QStyle::SP_ArrowForward, tr("Next record"));
-    repeatWhileHeld(m_cmdRecBack);
-    repeatWhileHeld(m_cmdRecNext);
-
-    m_lblSort = buddyLabel(this, "lblSort", tr("&Sort"), m_cboSort);
-    m_lblFind = buddyLabel(this, "lblFind", tr("F&ind"), m_cboFind);
-    m_lblFind->setEnabled(false);
-    m_lblFilter = buddyLabel(this, "lblFilter", tr("Fi&lter"), m_cboFilter);
-    m_lblBrowse = buddyLabel(this, "lblBrowse", tr("Bro&wse"), m_cmdBrowse);
-
-    m_hscroll = new QScrollBar(Qt::Horizontal, this);
-    m_hscroll->setObjectName(QStringLiteral("HScroll1"));
-    m_hscroll->setToolTip(tr("Record position"));
-    m_hscroll->setFocusPolicy(Qt::StrongFocus);
-    m_fraControls = stepFrame(this, m_cmdRecBack, m_hscroll, m_cmdRecNext);
-    m_hscroll->setParent(m_fraControls);
-    m_cmdRecBack->setParent(m_fraControls);
-    m_cmdRecNext->setParent(m_fraControls);
-
-    QGridLayout *grid = gridOf({ { m_lblSort, 0, 0 },
-                                 { m_cboSort, 0, 1 },
-                                 { m_lblFilter, 0, 2 },
-                                 { m_cboFilter, 0, 3 },
-                                 { m_cmdFilter, 0, 4 },
-                                 { m_lblFind, 1, 0 },
-                                 { m_cboFind, 1, 1, 3 },
-                                 { m_cmdFind, 1, 4 },
-                                 { m_lblBrowse, 1, 5 },
-                                 { m_cmdBrowse, 1, 6 } });
+    Q_Q(mvPLXRecs);
+    QGridLayout *grid = gridOf({ { lblSort, 0, 0 },
+                                 { cboSort, 0, 1 },
+                                 { lblFilter, 0, 2 },
+                                 { cboFilter, 0, 3 },
+                                 { cmdFilter, 0, 4 },
+                                 { lblFind, 1, 0 },
+                                 { cboFind, 1, 1, 3 },
+                                 { cmdFind, 1, 4 },
+                                 { lblBrowse, 1, 5 },
+                                 { cmdBrowse, 1, 6 } });
     grid->setColumnStretch(1, 3);
     grid->setColumnStretch(3, 2);
 
-    auto *outer = new QVBoxLayout(this);
+    auto *outer = new QVBoxLayout(q);
     outer->setContentsMargins(0, 0, 0, 0);
     outer->setSpacing(4);
     outer->addLayout(grid);
-    outer->addWidget(m_fraControls);
-
-    connect(m_cboSort, &QComboBox::activated, this, &mvPLXRecs::sortClicked);
-    connect(m_cboFind, &QComboBox::activated, this, &mvPLXRecs::findActivated);
-    connect(m_cboFilter, &QComboBox::currentIndexChanged, this, &mvPLXRecs::filterClicked);
-    connect(m_cmdFilter, &QPushButton::clicked, this, &mvPLXRecs::filterButtonClicked);
-    connect(m_cmdFind, &QPushButton::clicked, this, [this] { findEnter(); });
-    connect(m_cmdRecBack, &QPushButton::clicked, this, [this] { stepClicked(false); });
-    connect(m_cmdRecNext, &QPushButton::clicked, this, [this] { stepClicked(true); });
-    connect(m_hscroll, &QScrollBar::valueChanged, this, &mvPLXRecs::hscrollChanged);
+    outer->addWidget(fraControls);
 
     // Keyboard order: sort, find, filter, browse, then stepping and the commands.
-    setTabChain({ m_cboSort, m_cboFind, m_cmdFind, m_cboFilter, m_cmdFilter, m_cmdBrowse,
-                  m_cmdRecBack, m_hscroll, m_cmdRecNext });
+    setTabChain({ cboSort, cboFind, cmdFind, cboFilter, cmdFilter, cmdBrowse, cmdRecBack, hscroll,
+                  cmdRecNext });
 }
 
-void mvPLXRecs::buildToolbar()
+void mvPLXRecsPrivate::connectChildren()
 {
-    m_tbrBtm = new QToolBar(this);
-    m_tbrBtm->setObjectName(QStringLiteral("tbrBtm"));
-    m_tbrBtm->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    m_tbrBtm->setIconSize(QSize(16, 16));
+    Q_Q(mvPLXRecs);
+    // Each child's signal is a user's action, trapped as a host's call is.
+    QObject::connect(cboSort, &QComboBox::activated, q,
+                     [this](int index) { trapped("cboSort_Click", [&] { sortClicked(index); }); });
+    QObject::connect(cboFind, &QComboBox::activated, q, [this](int index) {
+        if (index >= 0)
+            trapped("cboFind_Click", [&] { findEnter(); });
+    });
+    QObject::connect(cboFilter, &QComboBox::currentIndexChanged, q, [this](int index) {
+        trapped("cboFilter_Click", [&] { filterClicked(index); });
+    });
+    QObject::connect(cmdFilter, &QPushButton::clicked, q,
+                     [this] { trapped("cmdFilter_Click", [&] { filterButtonClicked(); }); });
+    QObject::connect(cmdFind, &QPushButton::clicked, q,
+                     [this] { trapped("cmdFind_Click", [&] { findEnter(); }); });
+    QObject::connect(cmdRecBack, &QPushButton::clicked, q,
+                     [this] { trapped("cmdRecBack_Click", [&] { stepClicked(false); }); });
+    QObject::connect(cmdRecNext, &QPushButton::clicked, q,
+                     [this] { trapped("cmdRecNext_Click", [&] { stepClicked(true); }); });
+    QObject::connect(hscroll, &QScrollBar::valueChanged, q, [this](int value) {
+        trapped("HScroll1_Change", [&] { hscrollChanged(value); });
+    });
+}
+
+void mvPLXRecsPrivate::buildToolbar()
+{
+    Q_Q(mvPLXRecs);
+    tbrBtm = new QToolBar(q);
+    tbrBtm->setObjectName(QStringLiteral("tbrBtm"));
+    tbrBtm->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    tbrBtm->setIconSize(QSize(16, 16));
     // The record commands in the order hosts address them by index (1 to 6), then Close,
     // which carries no command. Only New is available before a record is shown.
     struct ToolbarButton
@@ -239,194 +249,300 @@ void mvPLXRecs::buildToolbar()
     };
     for (const ToolbarButton &button : buttons) {
         if (qstrcmp(button.key, "CLOSE") == 0)
-            m_tbrBtm->addSeparator();
-        QAction *action = m_tbrBtm->addAction(style()->standardIcon(button.icon),
-                                              QString::fromLatin1(button.caption));
+            tbrBtm->addSeparator();
+        QAction *action = tbrBtm->addAction(q->style()->standardIcon(button.icon),
+                                            QString::fromLatin1(button.caption));
         action->setObjectName(QString::fromLatin1(button.key));
         action->setToolTip(button.tip);
         action->setEnabled(button.enabledAtStart);
     }
-    connect(m_tbrBtm, &QToolBar::actionTriggered, this, &mvPLXRecs::toolbarClicked);
-    layout()->addWidget(m_tbrBtm);
+    QObject::connect(tbrBtm, &QToolBar::actionTriggered, q, [this](QAction *button) {
+        trapped("tbrBtm_ButtonClick", [&] { toolbarClicked(button); });
+    });
+    q->layout()->addWidget(tbrBtm);
+}
+
+mvPLXRecs::mvPLXRecs(QWidget *parent)
+    : QWidget(parent), d_ptr(std::make_unique<mvPLXRecsPrivate>(this))
+{
+    Q_D(mvPLXRecs);
+    setObjectName(QStringLiteral("mvPLXRecs"));
+    d->buildChildren();
+    d->buildToolbar();
+    d->floating = new FloatingMessage(this);
+    // On creation: an empty sort list and a scroll bar that waits for a record source.
+    d->cboSort->clear();
+    d->hscroll->setEnabled(false);
+    d->refreshCountDisplay();
+}
+
+mvPLXRecs::~mvPLXRecs()
+{
+    // The floating message is a top-level window parented to the host's window; it goes
+    // with the navigator.
+    delete d_ptr->floating;
 }
 
 bool mvPLXRecs::eventFilter(QObject *watched, QEvent *event)
 {
-    if ((watched == m_cboFind || watched == m_cboFind->lineEdit())
+    Q_D(mvPLXRecs);
+    if ((watched == d->cboFind || watched == d->cboFind->lineEdit())
         && event->type() == QEvent::KeyPress)
-        return handleFindKey(static_cast<QKeyEvent *>(event));
+        return d->trapped("cboFind_KeyPress",
+                          [&] { return d->handleFindKey(static_cast<QKeyEvent *>(event)); });
     return QWidget::eventFilter(watched, event);
 }
 
-void mvPLXRecs::showBox(const QString &text, int style, const QString &title)
+void mvPLXRecs::changeEvent(QEvent *event)
 {
-    prompterOf(m_services).msgBox(text, style, title);
+    Q_D(mvPLXRecs);
+    if (event->type() == QEvent::EnabledChange)
+        d->trapped("Enabled", [&] { d->enabledChanged(isEnabled()); });
+    QWidget::changeEvent(event);
 }
 
-void mvPLXRecs::pump()
+void mvPLXRecsPrivate::noteEscaped(const char *operation, const char *what) const noexcept
 {
-    uiPumpOf(m_services).processEvents();
-}
-
-void mvPLXRecs::idle()
-{
-    if (m_db)
-        m_db->Idle();
-}
-
-QString mvPLXRecs::messageTitle() const
-{
-    return QStringLiteral("mvPLXRecs ") + m_sDesc;
-}
-
-void mvPLXRecs::setCMervaneControls(const QList<BoundControl *> &controls)
-{
-    m_mervane = controls;
-    m_mervaneObjects.clear();
-    m_mervaneTracked.clear();
-    for (BoundControl *control : controls) {
-        auto *object = dynamic_cast<QObject *>(control);
-        m_mervaneObjects.append(object);
-        m_mervaneTracked.append(object != nullptr);
+    try {
+        endLongWork();
+        logEntry(sUser,
+                 messageTitle() + QStringLiteral(": ") + QString::fromLatin1(operation)
+                     + QStringLiteral(" stopped by an error: ")
+                     + (what ? QString::fromLocal8Bit(what) : QStringLiteral("unknown")),
+                 services);
+    } catch (...) {
+        // Nothing more can be done about it here: the operation ends regardless.
     }
-    lendServicesToFields();
-    shareRsWithFields();
+}
+
+void mvPLXRecsPrivate::showBox(const QString &text, int style, const QString &title) const
+{
+    prompterOf(services).msgBox(text, style, title);
+}
+
+void mvPLXRecsPrivate::pump() const
+{
+    uiPumpOf(services).processEvents();
+}
+
+void mvPLXRecsPrivate::idle()
+{
+    if (db)
+        db->Idle();
+}
+
+QString mvPLXRecsPrivate::messageTitle() const
+{
+    return QStringLiteral("mvPLXRecs ") + sDesc;
 }
 
 void mvPLXRecs::setServices(Services *services)
 {
-    m_services = services;
-    lendServicesToFields();
+    Q_D(mvPLXRecs);
+    d->services = services;
+    d->trapped("setServices", [&] { d->lendServicesToFields(); });
 }
 
-void mvPLXRecs::lendServicesToFields()
+Services *mvPLXRecs::services() const
+{
+    return d_ptr->services;
+}
+
+void mvPLXRecs::setCMervaneControls(const QList<BoundControl *> &controls)
+{
+    Q_D(mvPLXRecs);
+    d->trapped("setCMervaneControls", [&] {
+        d->mervane = controls;
+        d->mervaneObjects.clear();
+        d->mervaneTracked.clear();
+        for (BoundControl *control : controls) {
+            auto *object = dynamic_cast<QObject *>(control);
+            d->mervaneObjects.append(object);
+            d->mervaneTracked.append(object != nullptr);
+        }
+        d->lendServicesToFields();
+        d->shareRsWithFields();
+    });
+}
+
+void mvPLXRecsPrivate::lendServicesToFields()
 {
     // Field controls the host gave no services of their own show their boxes through the
     // navigator's, like the navigator's own boxes.
-    for (BoundControl *control : cMervaneControls())
-        if (!control->services() || control->services() == m_lentServices)
-            control->setServices(m_services);
-    m_lentServices = m_services;
+    for (BoundControl *control : fieldControls())
+        if (!control->services() || control->services() == lentServices)
+            control->setServices(services);
+    lentServices = services;
+}
+
+void mvPLXRecsPrivate::shareRsWithFields() const
+{
+    for (BoundControl *control : fieldControls())
+        control->setRecordSet(rs);
+}
+
+QList<BoundControl *> mvPLXRecsPrivate::fieldControls() const
+{
+    // A field control the host deleted drops out of the collection.
+    QList<BoundControl *> alive;
+    for (qsizetype i = 0; i < mervane.size(); ++i)
+        if (!mervaneTracked[i] || mervaneObjects[i])
+            alive.append(mervane[i]);
+    return alive;
 }
 
 QList<BoundControl *> mvPLXRecs::cMervaneControls() const
 {
-    // A field control the host deleted drops out of the collection.
-    QList<BoundControl *> alive;
-    for (qsizetype i = 0; i < m_mervane.size(); ++i)
-        if (!m_mervaneTracked[i] || m_mervaneObjects[i])
-            alive.append(m_mervane[i]);
-    return alive;
+    return d_ptr->trapped("cMervaneControls", [&] { return d_ptr->fieldControls(); });
 }
 
 void mvPLXRecs::setCOtherControls(const QList<QWidget *> &controls)
 {
-    m_others.clear();
-    for (QWidget *widget : controls)
-        m_others.append(widget);
+    Q_D(mvPLXRecs);
+    d->trapped("setCOtherControls", [&] {
+        d->others.clear();
+        for (QWidget *widget : controls)
+            d->others.append(widget);
+    });
 }
 
-QList<QWidget *> mvPLXRecs::cOtherControls() const
+QList<QWidget *> mvPLXRecsPrivate::otherControls() const
 {
     QList<QWidget *> alive;
-    for (const QPointer<QWidget> &widget : m_others)
+    for (const QPointer<QWidget> &widget : others)
         if (widget)
             alive.append(widget);
     return alive;
 }
 
+QList<QWidget *> mvPLXRecs::cOtherControls() const
+{
+    return d_ptr->trapped("cOtherControls", [&] { return d_ptr->otherControls(); });
+}
+
+void mvPLXRecsPrivate::setEnableFind(bool enable)
+{
+    enableFind = enable;
+    lblFind->setEnabled(enable);
+    cboFind->setEnabled(enable);
+    cmdFind->setEnabled(enable);
+}
+
+void mvPLXRecsPrivate::setEnableSort(bool enable)
+{
+    enableSort = enable;
+    lblSort->setEnabled(enable);
+    cboSort->setEnabled(enable);
+}
+
+void mvPLXRecsPrivate::setEnableFilter(bool enable)
+{
+    enableFilter = enable;
+    lblFilter->setEnabled(enable);
+    cboFilter->setEnabled(enable);
+    cmdFilter->setEnabled(enable);
+}
+
+void mvPLXRecsPrivate::setEnableBrowse(bool enable)
+{
+    enableBrowse = enable;
+    lblBrowse->setEnabled(enable);
+    cmdBrowse->setEnabled(enable);
+}
+
 void mvPLXRecs::setEnableFind(bool enable)
 {
-    m_enableFind = enable;
-    m_lblFind->setEnabled(enable);
-    m_cboFind->setEnabled(enable);
-    m_cmdFind->setEnabled(enable);
+    d_ptr->trapped("setEnableFind", [&] { d_ptr->setEnableFind(enable); });
 }
 
 void mvPLXRecs::setEnableSort(bool enable)
 {
-    m_enableSort = enable;
-    m_lblSort->setEnabled(enable);
-    m_cboSort->setEnabled(enable);
+    d_ptr->trapped("setEnableSort", [&] { d_ptr->setEnableSort(enable); });
 }
 
 void mvPLXRecs::setEnableFilter(bool enable)
 {
-    m_enableFilter = enable;
-    m_lblFilter->setEnabled(enable);
-    m_cboFilter->setEnabled(enable);
-    m_cmdFilter->setEnabled(enable);
+    d_ptr->trapped("setEnableFilter", [&] { d_ptr->setEnableFilter(enable); });
 }
 
 void mvPLXRecs::setEnableBrowse(bool enable)
 {
-    m_enableBrowse = enable;
-    m_lblBrowse->setEnabled(enable);
-    m_cmdBrowse->setEnabled(enable);
+    d_ptr->trapped("setEnableBrowse", [&] { d_ptr->setEnableBrowse(enable); });
 }
 
-void mvPLXRecs::setEnabled(bool enabled)
+void mvPLXRecsPrivate::enabledChanged(bool enabled)
 {
-    const QList<QAction *> buttons = m_tbrBtm->actions();
-    QList<QAction *> real;
-    for (QAction *action : buttons)
+    // Qt reports only a change of state, so a navigator being disabled was enabled until
+    // now: the buttons' states are what enabling it again brings back.
+    QList<QAction *> buttons;
+    for (QAction *action : tbrBtm->actions())
         if (!action->isSeparator())
-            real.append(action);
-    if (m_rememberedButtons.size() != real.size())
-        m_rememberedButtons = QList<bool>(real.size(), false);
-    if (isEnabled()) {
-        for (qsizetype i = 0; i < real.size(); ++i)
-            m_rememberedButtons[i] = real[i]->isEnabled();
+            buttons.append(action);
+    if (rememberedButtons.size() != buttons.size())
+        rememberedButtons = QList<bool>(buttons.size(), false);
+    if (!enabled) {
+        for (qsizetype i = 0; i < buttons.size(); ++i)
+            rememberedButtons[i] = buttons[i]->isEnabled();
     }
-    QWidget::setEnabled(enabled);
-    for (QAction *action : real)
+    for (QAction *action : buttons)
         action->setEnabled(enabled);
     setEnableSort(enabled);
     setEnableFilter(enabled);
     setEnableFind(enabled);
     setEnableBrowse(enabled);
-    if (enabled && m_rememberedButtons.size() == real.size()) {
-        for (qsizetype i = 0; i < real.size(); ++i)
-            real[i]->setEnabled(m_rememberedButtons[i]);
+    if (enabled) {
+        for (qsizetype i = 0; i < buttons.size(); ++i)
+            buttons[i]->setEnabled(rememberedButtons[i]);
     }
 }
 
-void mvPLXRecs::obsolete(const QString &accessor)
+void mvPLXRecsPrivate::obsolete(const QString &accessor) const
 {
     showBox(accessor, MsgStyle::OKOnly, messageTitle());
 }
 
 qint32 mvPLXRecs::lDelayMS()
 {
-    obsolete(QStringLiteral("Get_lDelayMS function no longer supported in PLXRecs"));
+    d_ptr->trapped("lDelayMS", [&] {
+        d_ptr->obsolete(QStringLiteral("Get_lDelayMS function no longer supported in PLXRecs"));
+    });
     return 0;
 }
 
 void mvPLXRecs::setLDelayMS(qint32)
 {
-    obsolete(QStringLiteral("Let_lDelayMS function no longer supported in PLXRecs"));
+    d_ptr->trapped("setLDelayMS", [&] {
+        d_ptr->obsolete(QStringLiteral("Let_lDelayMS function no longer supported in PLXRecs"));
+    });
 }
 
 qint32 mvPLXRecs::lListIndex()
 {
-    obsolete(QStringLiteral("Get_lListIndex function no longer supported in PLXRecs"));
+    d_ptr->trapped("lListIndex", [&] {
+        d_ptr->obsolete(QStringLiteral("Get_lListIndex function no longer supported in PLXRecs"));
+    });
     return 0;
 }
 
 void mvPLXRecs::setLListIndex(qint32)
 {
-    obsolete(QStringLiteral("Let_lListIndex function no longer supported in PLXRecs"));
+    d_ptr->trapped("setLListIndex", [&] {
+        d_ptr->obsolete(QStringLiteral("Let_lListIndex function no longer supported in PLXRecs"));
+    });
 }
 
 QString mvPLXRecs::sButtonEnable(const QString &)
 {
-    obsolete(QStringLiteral("sButtonEnable no longer used"));
+    d_ptr->trapped("sButtonEnable",
+                   [&] { d_ptr->obsolete(QStringLiteral("sButtonEnable no longer used")); });
     return QString();
 }
 
 void mvPLXRecs::SetFindFromList(qint32)
 {
-    obsolete(QStringLiteral("SetFindFromList function no longer supported in PLXRecs"));
+    d_ptr->trapped("SetFindFromList", [&] {
+        d_ptr->obsolete(QStringLiteral("SetFindFromList function no longer supported in PLXRecs"));
+    });
 }
 
 } // namespace plx

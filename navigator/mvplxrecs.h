@@ -27,27 +27,16 @@
 #include "services/texthelpers.h"
 
 #include <QList>
-#include <QPointer>
 #include <QStringList>
 #include <QWidget>
 
 #include <memory>
-#include <optional>
-
-class QAction;
-class QComboBox;
-class QGroupBox;
-class QLabel;
-class QPushButton;
-class QScrollBar;
-class QToolBar;
 
 namespace plx {
 
 class Database;
-class FloatingMessage;
 class RecordSource;
-class Status;
+class mvPLXRecsPrivate;
 
 class mvPLXRecs : public QWidget
 {
@@ -87,7 +76,7 @@ public:
     // The message boxes, clock and event pump the navigator uses; field controls registered
     // in cMervaneControls without services of their own use these too.
     void setServices(Services *services);
-    Services *services() const { return m_services; }
+    Services *services() const;
 
     // --- Record source -------------------------------------------------------------
     // The database the navigator opens its sort, filter and find queries on, the table
@@ -96,12 +85,12 @@ public:
     // sDBFPathFileName fills all three for a FoxPro table file.
     void setDatabase(std::shared_ptr<Database> database, const QString &tableName,
                      const QString &dataPath = QString());
-    std::shared_ptr<Database> database() const { return m_db; }
-    QString tableName() const { return m_table; }
+    std::shared_ptr<Database> database() const;
+    QString tableName() const;
     // Attaches a record source (nullptr detaches): button states, full count, scroll bar,
     // count display. The navigator shares it with its field controls.
     void setRs(std::shared_ptr<RecordSource> rs);
-    std::shared_ptr<RecordSource> rs() const { return m_rs; }
+    std::shared_ptr<RecordSource> rs() const;
 
     // The bound field controls the record commands drive (bEdit, EditUpdate, Save,
     // CancelEdit, UpdateDBF, Locked), in this order. Setting replaces the list and hands them
@@ -113,89 +102,90 @@ public:
     void setCOtherControls(const QList<QWidget *> &controls);
     QList<QWidget *> cOtherControls() const;
     // The host form; it may offer `bool OKtoSave(qint16)` as a slot or Q_INVOKABLE.
-    void setFParent(QObject *parent) { m_fParent = parent; }
-    QObject *fParent() const { return m_fParent; }
+    void setFParent(QObject *parent);
+    QObject *fParent() const;
 
     // --- Properties ----------------------------------------------------------------
     // The field list (as given to AddSort) of the current sort. Set before InitControl it
     // picks the sort whose fields equal it; choosing a sort overwrites it. Setting it later
     // re-orders nothing.
-    QString sSort() const { return m_sSort; }
-    void setSSort(const QString &sort) { m_sSort = sort; }
+    QString sSort() const;
+    void setSSort(const QString &sort);
     // Stored for hosts that read it back; the navigator does not use it.
-    QString sCBOSort() const { return m_sCBOSort; }
-    void setSCBOSort(const QString &name) { m_sCBOSort = name; }
+    QString sCBOSort() const;
+    void setSCBOSort(const QString &name);
     // The ID field (required by InitControl: "No ID Field specified"); finds, IDs and the
     // sID of every signal come from it.
-    QString sIDfield() const { return m_sIDfield; }
-    void setSIDfield(const QString &field) { m_sIDfield = field; }
+    QString sIDfield() const;
+    void setSIDfield(const QString &field);
     // The field whose value names a record in the delete question and ID messages.
-    QString sDescfield() const { return m_sDescfield; }
-    void setSDescfield(const QString &field) { m_sDescfield = field; }
+    QString sDescfield() const;
+    void setSDescfield(const QString &field);
     // What the records are called in titles and messages ("mvPLXRecs " + sDesc).
-    QString sDesc() const { return m_sDesc; }
-    void setSDesc(const QString &desc) { m_sDesc = desc; }
+    QString sDesc() const;
+    void setSDesc(const QString &desc);
     // Connects to a FoxPro table file: database, table and record source. While a record
     // source is attached it is refused with the "Already Connected" box and nothing
     // changes.
-    QString sDBFPathFileName() const { return m_sDBFPathFileName; }
+    QString sDBFPathFileName() const;
     void setSDBFPathFileName(const QString &path);
     // The ID each search-list entry found last, parallel to the list ("" for none).
-    QStringList cArrayID() const { return m_arrayID; }
+    QStringList cArrayID() const;
     // Enable the find, sort, filter and browse sections (label and controls); stored and
     // applied at once. setEnabled sets all four to its own value.
-    bool EnableFind() const { return m_enableFind; }
+    bool EnableFind() const;
     void setEnableFind(bool enable);
-    bool EnableSort() const { return m_enableSort; }
+    bool EnableSort() const;
     void setEnableSort(bool enable);
-    bool EnableFilter() const { return m_enableFilter; }
+    bool EnableFilter() const;
     void setEnableFilter(bool enable);
-    bool EnableBrowse() const { return m_enableBrowse; }
+    bool EnableBrowse() const;
     void setEnableBrowse(bool enable);
-    bool Enabled() const { return isEnabled(); }
-    // Disabling remembers every toolbar button's state; enabling again restores it. Both
-    // also set EnableFind, EnableSort, EnableFilter and EnableBrowse to `enabled`.
-    void setEnabled(bool enabled);
+    // Written through QWidget::setEnabled: disabling (also by a parent form) remembers every
+    // toolbar button's state and enabling again restores it; both also set EnableFind,
+    // EnableSort, EnableFilter and EnableBrowse to the new state. A call that leaves the
+    // state as it is changes nothing.
+    bool Enabled() const;
     // Stored for hosts that read it back; the navigator's own look does not use it.
-    qint32 lAltGrayColor() const { return m_lAltGrayColor; }
-    void setLAltGrayColor(qint32 colour) { m_lAltGrayColor = colour; }
+    qint32 lAltGrayColor() const;
+    void setLAltGrayColor(qint32 colour);
     // Who works: written into the audit stamps, the activity log and the note of who holds
     // a record in edit.
-    QString sUser() const { return m_sUser; }
-    void setSUser(const QString &user) { m_sUser = user; }
+    QString sUser() const;
+    void setSUser(const QString &user);
     // Stored for hosts that read it back; the navigator does not use it.
-    QString sUserINIFile() const { return m_sUserINIFile; }
-    void setSUserINIFile(const QString &file) { m_sUserINIFile = file; }
+    QString sUserINIFile() const;
+    void setSUserINIFile(const QString &file);
     // Text put as it is into every query the navigator runs: "SELECT * from <table>
     // <sSQLJOIN> <sSQLWhere> ORDER BY <sort>"; so sSQLWhere includes its "WHERE". Setting
     // them runs nothing: the next RSRefresh, sort or SetSQLFilterAndWhere does.
-    QString sSQLWhere() const { return m_sSQLWhere; }
-    void setSSQLWhere(const QString &where) { m_sSQLWhere = where; }
-    QString sSQLJOIN() const { return m_sSQLJOIN; }
-    void setSSQLJOIN(const QString &join) { m_sSQLJOIN = join; }
+    QString sSQLWhere() const;
+    void setSSQLWhere(const QString &where);
+    QString sSQLJOIN() const;
+    void setSSQLJOIN(const QString &join);
     // Passed to the host form's OKtoSave(qint16) on SAVE, so nested navigators can tell
     // which level is saving.
-    qint16 MyLevel() const { return m_myLevel; }
-    void setMyLevel(qint16 level) { m_myLevel = level; }
+    qint16 MyLevel() const;
+    void setMyLevel(qint16 level);
     // The prefix of the IDs NewIDPLX makes. Moving to a record whose ID is longer than 7
     // characters replaces it with that ID minus its last 7 (trailing blanks ignored).
-    QString sParentID() const { return m_sParentID; }
-    void setSParentID(const QString &id) { m_sParentID = id; }
+    QString sParentID() const;
+    void setSParentID(const QString &id);
     // True (the default): NEW and COPY give the record an ID made by NewIDPLX. False for a
     // table whose key the user types: NEW leaves the ID field blank and COPY blanks the
     // copied one, so SAVE asks for a key (blank and taken keys are refused there either way).
-    bool bGenerateIDs() const { return m_bGenerateIDs; }
-    void setBGenerateIDs(bool generate) { m_bGenerateIDs = generate; }
+    bool bGenerateIDs() const;
+    void setBGenerateIDs(bool generate);
     // True when this navigator started the change now being signalled (a user action on
     // it); EDIT and SAVE's RecEditEnd clear it. The host may reset it.
-    bool bInitiator() const { return m_bInitiator; }
-    void setBInitiator(bool initiator) { m_bInitiator = initiator; }
+    bool bInitiator() const;
+    void setBInitiator(bool initiator);
     // The tag of the code path behind the latest signal ("cmdRecNext_Click",
     // "ButtonClick: Save (RecSave)", ...); read it inside the slot.
-    QString sEventInfo() const { return m_sEventInfo; }
+    QString sEventInfo() const;
     // Whether a record is displayed: with false, EDIT, COPY and DELETE are disabled; with
     // true they are enabled unless a record is in edit (SAVE enabled).
-    bool bRecDisplay() const { return m_bRecDisplay; }
+    bool bRecDisplay() const;
     void setBRecDisplay(bool display);
 
     // No longer supported: every access says so in a box and changes nothing (reading
@@ -318,156 +308,13 @@ Q_SIGNALS:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    // Enabling and disabling, by setEnabled, the Enabled property or a parent form, all
+    // come here: the toolbar's button states are remembered and restored.
+    void changeEvent(QEvent *event) override;
 
 private:
-    // Layout and wiring (mvplxrecs.cpp).
-    void buildChildren();
-    void buildToolbar();
-    void showBox(const QString &text, int style, const QString &title);
-    void pump();
-    void idle();
-    QString messageTitle() const;
-
-    // Record source (mvplxrecs_source.cpp).
-    void refreshCountDisplay();
-    void setScrollBar();
-    QString orderByList(const QString &fields) const;
-    QString currentSortFields() const;
-    QString composeQuery() const;
-    // Opens `sql` on the navigator's database; nullptr (the reason logged) on failure.
-    std::shared_ptr<RecordSource> openQuery(const QString &sql);
-    // Opens `sql`, attaches it, finds `oldID` again; false (navigator unchanged) on failure.
-    bool requery(const QString &oldID, bool moveFirstWhenLost);
-    bool findIDInRs(const QString &id);
-    QString currentIDText() const;
-    void deriveParentID();
-    void hscrollChanged(int value);
-    void sortClicked(int index);
-    void recStep(bool forward);
-    void stepClicked(bool forward);
-    void connectByFile(const QString &path);
-    void shareRsWithFields();
-    void lendServicesToFields();
-    bool beginLongWork(const QString &text);
-    void endLongWork();
-
-    // Toolbar buttons (mvplxrecs_buttons.cpp).
-    QAction *findButton(const QString &sButton, bool report);
-    void toolbarClicked(QAction *button);
-    void setButtonsForEditing(bool editing);
-    void applyReadOnly();
-    void setNavigationEnabled(bool enabled);
-    void obsolete(const QString &accessor);
-
-    // Find (mvplxrecs_find.cpp).
-    bool handleFindKey(QKeyEvent *key);
-    void findEnter();
-    void findActivated(int index);
-    void runFind();
-    QString cutToSortFieldWidths(const QString &search) const;
-    enum class FindOutcome { Found, NothingFound, Failed };
-    FindOutcome findLongestMatch(const QString &search, std::shared_ptr<RecordSource> *found);
-    bool openFindSource(const QString &searchText, std::shared_ptr<RecordSource> *found);
-    void putOnTopOfSearchList(const QString &text);
-    void rememberFoundID(const QString &text, const QString &id);
-
-    // Record commands (mvplxrecs_commands.cpp).
-    QString auditStamp();
-    QString commandCurrentID() const;
-    void reportEngineError(const QString &what, const Status &status);
-    QString blankIDMessage(const QString &lastLine) const;
-    bool commandEdit(const QString &id);
-    bool commandSave();
-    bool commandCancel(const QString &id);
-    bool commandDelete(const QString &id);
-    Status appendRecord(const QVariantList &values, const QString &id);
-    bool commandNew();
-    bool commandCopy();
-    bool parentAllowsSave();
-    bool isNewRecord(const QString &id) const;
-    bool keyIsFree(const QString &id, const QString &ownID);
-    void saveFieldRows(const QList<BoundControl *> &fields);
-    bool writeEditedRecord(const QString &heldID);
-    void moveToNeighbour(qint32 position);
-    void releaseHeldRecord();
-    qint32 returnPositionForNew() const;
-
-    // Record IDs (mvplxrecs_ids.cpp).
-    QString tableFilePath() const;
-    QString holdersPath() const;
-    QString highestKeyInTable(const QString &query, bool *ok);
-    enum class IdUse { Free, Taken, Twin };
-    IdUse idUseOf(RecordSource &source, const QString &candidate);
-    IdUse idInTable(const QString &candidate, const QString &criterion, const QString &ownID);
-    IdUse idTaken(const QString &candidate, const QString &criterion);
-    QString sqlTableName() const;
-    void logLines(const QStringList &lines);
-    void keyFileProblem(const QString &keyFile, const QString &reason);
-    QString usableKeyLine(const QString &keyFile, const QString &query);
-    QString firstFreeID(QString candidate, const QString &keyFile, const QString &query);
-
-    // Filters (mvplxrecs_filters.cpp).
-    void filterClicked(int index);
-    void filterButtonClicked();
-
-    Services *m_services = nullptr;
-    Services *m_lentServices = nullptr; // what the field controls were given by the navigator
-    std::shared_ptr<Database> m_db;
-    std::shared_ptr<RecordSource> m_rs;
-    std::shared_ptr<RecordSource> m_findRs;
-    QString m_table;
-    QString m_dataPath;
-    QList<QPointer<QObject>> m_mervaneObjects;
-    QList<BoundControl *> m_mervane;
-    QList<bool> m_mervaneTracked; // a QObject, so its deletion is noticed
-    QList<QPointer<QWidget>> m_others;
-    QPointer<QObject> m_fParent;
-
-    QStringList m_sortNames;
-    QStringList m_sortFields;
-    QString m_addSortErrors;
-    QString m_sSort, m_sCBOSort, m_sIDfield, m_sDescfield, m_sDesc, m_sDBFPathFileName;
-    QString m_sUser, m_sUserINIFile, m_sSQLWhere, m_sSQLJOIN, m_sParentID, m_sEventInfo;
-    QStringList m_arrayID; // parallel to the search list: the ID each entry found
-    qint32 m_lAltGrayColor = 0;
-    qint16 m_myLevel = 0;
-    bool m_enableFind = true, m_enableSort = true, m_enableFilter = true, m_enableBrowse = true;
-    bool m_bInitiator = false;
-    bool m_bRecDisplay = false;
-    bool m_bGenerateIDs = true;
-    QList<bool> m_rememberedButtons;
-
-    bool m_movingScrollBar = false; // the navigator sets the bar itself: no IDChange
-    bool m_findUnderWay = false;
-    bool m_settingFilter = false; // SetSQLFilterAndWhere selects: no FilterChange
-    bool m_commandRunning = false; // a command (and the re-read after a save) is under way
-    // The ID the record made by NEW or COPY had when it was made, until that record is saved
-    // or deleted. It names the record, so that a CANCEL of another record's edit never
-    // offers to delete anything.
-    std::optional<QString> m_newRecordID;
-    qint32 m_returnPosition = -1; // where a cancelled new record returns to
-    QString m_heldID; // the record this navigator holds in edit
-    QString m_takenDesc; // description of the record that took an ID candidate
-    bool m_idProblemShown = false; // NewIDPLX told the user why it made no ID
-    QString m_filterInForce; // the filter box's entry whose WHERE text the records follow
-    QString m_lastQueryError; // first line of why the latest query could not be opened
-
-    QComboBox *m_cboSort = nullptr;
-    QComboBox *m_cboFind = nullptr;
-    QComboBox *m_cboFilter = nullptr;
-    QPushButton *m_cmdBrowse = nullptr;
-    QPushButton *m_cmdFilter = nullptr;
-    QPushButton *m_cmdFind = nullptr;
-    QPushButton *m_cmdRecBack = nullptr;
-    QPushButton *m_cmdRecNext = nullptr;
-    QScrollBar *m_hscroll = nullptr;
-    QLabel *m_lblFind = nullptr;
-    QLabel *m_lblSort = nullptr;
-    QLabel *m_lblFilter = nullptr;
-    QLabel *m_lblBrowse = nullptr;
-    QGroupBox *m_fraControls = nullptr;
-    QToolBar *m_tbrBtm = nullptr;
-    FloatingMessage *m_floating = nullptr;
+    Q_DECLARE_PRIVATE(mvPLXRecs)
+    const std::unique_ptr<mvPLXRecsPrivate> d_ptr;
 };
 
 } // namespace plx

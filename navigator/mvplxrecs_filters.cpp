@@ -1,8 +1,8 @@
 // navigator/mvplxrecs_filters.cpp: the filter box. The navigator lists the table's saved
 // filters and reports the user's choice; the host turns a filter into a WHERE text and
 // hands it back through SetSQLFilterAndWhere, and the navigator re-queries.
-#include "navigator/mvplxrecs.h"
 #include "navigator/filterlist.h"
+#include "navigator/mvplxrecs_p.h"
 
 #include "services/activitylog.h"
 #include "services/ini.h"
@@ -12,6 +12,7 @@
 
 #include <QComboBox>
 #include <QPushButton>
+#include <QScopedValueRollback>
 
 namespace plx {
 
@@ -47,74 +48,87 @@ QString filterFilePath(const QString &tablePath)
 
 void mvPLXRecs::InitFilters()
 {
-    m_settingFilter = true;
-    m_cboFilter->clear();
+    d_ptr->trapped("InitFilters", [&] { d_ptr->initFilters(); });
+}
+
+void mvPLXRecsPrivate::initFilters()
+{
+    const QScopedValueRollback selecting(settingFilter, true);
+    cboFilter->clear();
     // The filter file sits beside the table file (for SQLite, beside the database file).
-    const QString tablePath = getLenTrim(m_sDBFPathFileName) >= 1 ? m_sDBFPathFileName : m_dataPath;
+    const QString tablePath = getLenTrim(sDBFPathFileName) >= 1 ? sDBFPathFileName : dataPath;
     if (getLenTrim(tablePath) >= 1)
-        PLXLoadFilterINI(m_cboFilter, getFileDir(fromDiskPath(tablePath)));
-    m_cboFilter->addItem(kNoFilter);
-    m_cboFilter->setCurrentIndex(-1);
-    m_settingFilter = false;
+        PLXLoadFilterINI(cboFilter, getFileDir(fromDiskPath(tablePath)));
+    cboFilter->addItem(kNoFilter);
+    cboFilter->setCurrentIndex(-1);
 }
 
-void mvPLXRecs::filterClicked(int index)
+void mvPLXRecsPrivate::filterClicked(int index)
 {
-    if (m_settingFilter || index < 0)
+    Q_Q(mvPLXRecs);
+    if (settingFilter || index < 0)
         return;
-    m_bInitiator = true;
-    m_sEventInfo = QStringLiteral("cboFilter_click");
-    Q_EMIT FilterChange(m_cboFilter->itemText(index));
+    bInitiator = true;
+    sEventInfo = QStringLiteral("cboFilter_click");
+    Q_EMIT q->FilterChange(cboFilter->itemText(index));
 }
 
-void mvPLXRecs::filterButtonClicked()
+void mvPLXRecsPrivate::filterButtonClicked()
 {
-    m_sEventInfo = QStringLiteral("cmdFilter_click");
-    Q_EMIT FilterEdit();
+    Q_Q(mvPLXRecs);
+    sEventInfo = QStringLiteral("cmdFilter_click");
+    Q_EMIT q->FilterEdit();
 }
 
 void mvPLXRecs::SetSQLFilterAndWhere(const QString &sFilterDescInp, const QString &sSQLWhereINP,
                                      bool bRefreshRS)
 {
-    m_settingFilter = true;
-    const QString shown = getLenTrim(sFilterDescInp) >= 1 ? sFilterDescInp : kNoFilter;
-    setComboBox(m_cboFilter, shown, false);
-    const QString whereBefore = m_sSQLWhere;
-    m_sSQLWhere = sSQLWhereINP;
-    if (bRefreshRS) {
+    d_ptr->trapped("SetSQLFilterAndWhere",
+                   [&] { d_ptr->setFilterAndWhere(sFilterDescInp, sSQLWhereINP, bRefreshRS); });
+}
+
+void mvPLXRecsPrivate::setFilterAndWhere(const QString &desc, const QString &where, bool refresh)
+{
+    const QScopedValueRollback selecting(settingFilter, true);
+    const QString shown = getLenTrim(desc) >= 1 ? desc : kNoFilter;
+    setComboBox(cboFilter, shown, false);
+    const QString whereBefore = sSQLWhere;
+    sSQLWhere = where;
+    if (refresh) {
         // The record shown stays current when the filter keeps it; otherwise the first.
-        m_lastQueryError.clear();
+        lastQueryError.clear();
         if (requery(currentIDText(), true)) {
-            m_filterInForce = shown;
+            filterInForce = shown;
         } else {
             // A filter that cannot run leaves everything as it was, the box included, so
             // the next sort change runs the statement that works.
-            m_sSQLWhere = whereBefore;
-            if (m_filterInForce.isEmpty())
-                m_cboFilter->setCurrentIndex(-1);
+            sSQLWhere = whereBefore;
+            if (filterInForce.isEmpty())
+                cboFilter->setCurrentIndex(-1);
             else
-                setComboBox(m_cboFilter, m_filterInForce, false);
-            if (!m_lastQueryError.isEmpty())
+                setComboBox(cboFilter, filterInForce, false);
+            if (!lastQueryError.isEmpty())
                 showBox(QStringLiteral("The filter '") + trimSpaces(shown)
                             + QStringLiteral("' could not be applied:") + QStringLiteral("\r\n\r\n")
-                            + m_lastQueryError,
+                            + lastQueryError,
                         MsgStyle::Exclamation, QStringLiteral("Filter Not Applied"));
         }
         idle();
     } else {
-        m_filterInForce = shown;
+        filterInForce = shown;
     }
-    for (BoundControl *control : cMervaneControls())
+    for (BoundControl *control : fieldControls())
         control->UpdateDBF();
     idle();
-    m_settingFilter = false;
 }
 
 void mvPLXRecs::ClearFilter()
 {
-    m_settingFilter = true;
-    m_cboFilter->setCurrentIndex(-1);
-    m_settingFilter = false;
+    Q_D(mvPLXRecs);
+    d->trapped("ClearFilter", [&] {
+        const QScopedValueRollback selecting(d->settingFilter, true);
+        d->cboFilter->setCurrentIndex(-1);
+    });
 }
 
 } // namespace plx

@@ -1,6 +1,6 @@
 // navigator/mvplxrecs_source.cpp: attaching a record source, the count and the scroll bar,
-// sort changes and re-queries, connecting to a table file, and stepping Back and Next.
-#include "navigator/mvplxrecs.h"
+// sorts and re-queries, connecting to a table file, and stepping Back and Next.
+#include "navigator/mvplxrecs_p.h"
 
 #include "dialogs/floatingmessage.h"
 #include "navigator/navigatortext_p.h"
@@ -15,6 +15,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 
 namespace plx {
@@ -32,31 +33,37 @@ constexpr int kStepsPerRepeat = 4;
 void mvPLXRecs::setDatabase(std::shared_ptr<Database> database, const QString &tableName,
                             const QString &dataPath)
 {
-    m_db = std::move(database);
-    m_table = tableName;
-    m_dataPath = dataPath;
+    Q_D(mvPLXRecs);
+    d->db = std::move(database);
+    d->table = tableName;
+    d->dataPath = dataPath;
 }
 
 void mvPLXRecs::setRs(std::shared_ptr<RecordSource> rs)
 {
-    m_rs = std::move(rs);
-    if (!m_rs) {
-        setBButtonEnable(QStringLiteral("EDIT"), false);
-        setBButtonEnable(QStringLiteral("COPY"), false);
-        setBButtonEnable(QStringLiteral("DELETE"), false);
+    d_ptr->trapped("setRs", [&] { d_ptr->setRs(std::move(rs)); });
+}
+
+void mvPLXRecsPrivate::setRs(std::shared_ptr<RecordSource> source)
+{
+    rs = std::move(source);
+    if (!rs) {
+        setButtonEnabled(QStringLiteral("EDIT"), false);
+        setButtonEnabled(QStringLiteral("COPY"), false);
+        setButtonEnabled(QStringLiteral("DELETE"), false);
     } else {
         // A record in edit keeps EDIT off; COPY and DELETE follow EDIT.
-        const bool edit = !bButtonEnable(QStringLiteral("SAVE"));
-        setBButtonEnable(QStringLiteral("EDIT"), edit);
-        setBButtonEnable(QStringLiteral("COPY"), edit);
-        setBButtonEnable(QStringLiteral("DELETE"), edit);
+        const bool edit = !buttonEnabled(QStringLiteral("SAVE"));
+        setButtonEnabled(QStringLiteral("EDIT"), edit);
+        setButtonEnabled(QStringLiteral("COPY"), edit);
+        setButtonEnabled(QStringLiteral("DELETE"), edit);
         // The full count: DAO-style sources count what they have visited.
-        const qint32 position = m_rs->AbsolutePosition();
-        if (m_rs->MoveLast().isOk()) {
+        const qint32 position = rs->AbsolutePosition();
+        if (rs->MoveLast().isOk()) {
             if (position >= 0)
-                (void)m_rs->setAbsolutePosition(position);
+                (void)rs->setAbsolutePosition(position);
             else
-                (void)m_rs->MoveFirst();
+                (void)rs->MoveFirst();
         }
         idle();
         setScrollBar();
@@ -66,147 +73,126 @@ void mvPLXRecs::setRs(std::shared_ptr<RecordSource> rs)
     applyReadOnly();
 }
 
-void mvPLXRecs::shareRsWithFields()
+void mvPLXRecsPrivate::refreshCountDisplay()
 {
-    for (BoundControl *control : cMervaneControls())
-        control->setRecordSet(m_rs);
+    fraControls->setTitle(rs ? formatRecordCount(rs->RecordCount()) + QStringLiteral(" records")
+                             : QStringLiteral("No Records"));
 }
 
-void mvPLXRecs::refreshCountDisplay()
+void mvPLXRecsPrivate::setScrollBar()
 {
-    m_fraControls->setTitle(m_rs ? formatRecordCount(m_rs->RecordCount())
-                                    + QStringLiteral(" records")
-                                 : QStringLiteral("No Records"));
-}
-
-void mvPLXRecs::setScrollBar()
-{
-    if (!m_rs)
+    if (!rs)
         return;
     // The bar's value is the 0-based record position; moving it here must not raise a
     // second IDChange for a record the host has already been told about.
-    const bool wasMoving = m_movingScrollBar;
-    m_movingScrollBar = true;
-    const qint32 count = m_rs->RecordCount();
-    m_hscroll->setMinimum(0);
-    m_hscroll->setMaximum(qMax(0, count - 1));
-    m_hscroll->setValue(qMax(0, m_rs->AbsolutePosition()));
-    m_hscroll->setPageStep(qBound(1, count / 20, 1000));
-    m_hscroll->setEnabled(count > 0);
-    m_movingScrollBar = wasMoving;
+    const QScopedValueRollback moving(movingScrollBar, true);
+    const qint32 count = rs->RecordCount();
+    hscroll->setMinimum(0);
+    hscroll->setMaximum(qMax(0, count - 1));
+    hscroll->setValue(qMax(0, rs->AbsolutePosition()));
+    hscroll->setPageStep(qBound(1, count / 20, 1000));
+    hscroll->setEnabled(count > 0);
 }
 
-QString mvPLXRecs::orderByList(const QString &fields) const
+QString mvPLXRecsPrivate::currentSortFields() const
 {
-    QStringList pieces;
-    const qint16 count = getDelimCount(fields, QStringLiteral(","));
-    for (qint16 i = 1; i <= count; ++i) {
-        const QString piece = trimSpaces(getDelimField(fields, QStringLiteral(","), i, QString()));
-        if (getLenTrim(piece) >= 1)
-            pieces.append(jetSortPiece(m_table, piece));
-    }
-    return pieces.join(QStringLiteral(", "));
-}
-
-QString mvPLXRecs::currentSortFields() const
-{
-    const int item = m_cboSort->currentIndex();
+    const int item = cboSort->currentIndex();
     if (item < 0)
         return QString();
-    const int sort = m_cboSort->itemData(item).toInt();
-    return sort >= 0 && sort < m_sortFields.size() ? m_sortFields[sort] : QString();
+    const int sort = cboSort->itemData(item).toInt();
+    return sort >= 0 && sort < sortFields.size() ? sortFields[sort] : QString();
 }
 
-QString mvPLXRecs::composeQuery() const
+QString mvPLXRecsPrivate::tableFilePath() const
 {
-    const QString orderBy = orderByList(currentSortFields());
-    const QString orderClause =
-        getLenTrim(orderBy) >= 1 ? QStringLiteral(" ORDER BY ") + orderBy : QString();
-    return QStringLiteral("SELECT * from ") + sqlTableName() + QLatin1Char(' ') + m_sSQLJOIN
-        + QLatin1Char(' ') + m_sSQLWhere + QLatin1Char(' ') + orderClause;
+    if (getLenTrim(sDBFPathFileName) >= 1)
+        return fromDiskPath(sDBFPathFileName);
+    // A table of a SQLite database: named after the table, in the database's folder.
+    if (getLenTrim(dataPath) >= 1 && getLenTrim(table) >= 1)
+        return setPathName(getFileDir(fromDiskPath(dataPath)), table, false);
+    return QString();
 }
 
-QString mvPLXRecs::sqlTableName() const
+QueryText mvPLXRecsPrivate::queryText() const
 {
-    // Table files are named by their file, and a file name need not be an identifier
-    // ("91.dbf", "my people.dbf", "ORDER.DBF").
-    return jetName(m_table.isEmpty() ? getFileTitle(tableFilePath()) : m_table);
+    // Table files are named by their file; QueryText brackets a file name that is not an
+    // identifier ("91.dbf", "my people.dbf", "ORDER.DBF").
+    return QueryText(table.isEmpty() ? getFileTitle(tableFilePath()) : table);
 }
 
-QString mvPLXRecs::currentIDText() const
+QString mvPLXRecsPrivate::currentIDText() const
 {
-    if (!m_rs || m_rs->isBOF() || m_rs->isEOF())
+    if (!rs || rs->isBOF() || rs->isEOF())
         return QString();
-    const Result<QVariant> id = m_rs->value(m_sIDfield);
+    const Result<QVariant> id = rs->value(sIDfield);
     return id.isOk() ? id.value().toString() : QString();
 }
 
-bool mvPLXRecs::findIDInRs(const QString &id)
+bool mvPLXRecsPrivate::findIDInRs(const QString &id)
 {
-    if (!m_rs || getLenTrim(id) < 1)
+    if (!rs || getLenTrim(id) < 1)
         return false;
-    const qint32 before = m_rs->AbsolutePosition();
-    const Status found =
-        m_rs->FindFirst(jetQualified(m_table, m_sIDfield) + QStringLiteral(" = ") + strToASC(id));
-    if (found.isOk() && !m_rs->NoMatch())
+    const qint32 before = rs->AbsolutePosition();
+    const Status found = rs->FindFirst(queryText().qualifiedIdCriterion(sIDfield, id));
+    if (found.isOk() && !rs->NoMatch())
         return true;
     if (before >= 0)
-        (void)m_rs->setAbsolutePosition(before);
+        (void)rs->setAbsolutePosition(before);
     return false;
 }
 
-bool mvPLXRecs::beginLongWork(const QString &text)
+bool mvPLXRecsPrivate::beginLongWork(const QString &text)
 {
-    if (!m_rs || m_rs->RecordCount() < kShowProgressFrom)
+    if (!rs || rs->RecordCount() < kShowProgressFrom)
         return false;
-    m_floating->showMessage(QStringLiteral("Connecting to PLX Data"));
-    m_floating->setProgress(text);
+    floating->showMessage(QStringLiteral("Connecting to PLX Data"));
+    floating->setProgress(text);
     pump();
     return true;
 }
 
-void mvPLXRecs::endLongWork()
+void mvPLXRecsPrivate::endLongWork() const
 {
-    m_floating->closeMessage();
+    floating->closeMessage();
 }
 
-std::shared_ptr<RecordSource> mvPLXRecs::openQuery(const QString &sql)
+std::shared_ptr<RecordSource> mvPLXRecsPrivate::openQuery(const QString &sql)
 {
-    Result<std::unique_ptr<RecordSource>> opened = m_db->OpenRecordset(sql);
+    Result<std::unique_ptr<RecordSource>> opened = db->OpenRecordset(sql);
     if (opened.isOk())
         return std::shared_ptr<RecordSource>(std::move(opened.value()));
     // The navigator stays as it was; support finds the reason in the activity log.
-    m_lastQueryError = opened.status().message().section(QLatin1Char('\n'), 0, 0);
-    logEntry(m_sUser,
+    lastQueryError = opened.status().message().section(QLatin1Char('\n'), 0, 0);
+    logEntry(sUser,
              messageTitle() + QStringLiteral(": query failed: ") + sql + QStringLiteral("\r\n")
                  + opened.status().message(),
-             m_services);
+             services);
     return nullptr;
 }
 
-bool mvPLXRecs::requery(const QString &oldID, bool moveFirstWhenLost)
+bool mvPLXRecsPrivate::requery(const QString &oldID, bool moveFirstWhenLost)
 {
-    if (!m_db)
+    if (!db)
         return false;
     const bool shown = beginLongWork(
-        tr("Sorting %1 records").arg(formatRecordCount(m_rs ? m_rs->RecordCount() : 0)));
-    std::shared_ptr<RecordSource> opened = openQuery(composeQuery());
+        mvPLXRecs::tr("Sorting %1 records").arg(formatRecordCount(rs ? rs->RecordCount() : 0)));
+    std::shared_ptr<RecordSource> opened =
+        openQuery(queryText().records(sSQLJOIN, sSQLWhere, currentSortFields()));
     if (!opened) {
         endLongWork();
         return false;
     }
     if (shown) {
         pump();
-        if (m_floating->cancelRequested()) {
+        if (floating->cancelRequested()) {
             // The user gave up waiting: the navigator stays on the query it had.
             endLongWork();
             return false;
         }
     }
     setRs(std::move(opened));
-    if (!findIDInRs(oldID) && moveFirstWhenLost && m_rs->RecordCount() > 0
-        && getLenTrim(oldID) >= 1)
-        (void)m_rs->MoveFirst();
+    if (!findIDInRs(oldID) && moveFirstWhenLost && rs->RecordCount() > 0 && getLenTrim(oldID) >= 1)
+        (void)rs->MoveFirst();
     idle();
     setScrollBar();
     if (shown)
@@ -214,82 +200,91 @@ bool mvPLXRecs::requery(const QString &oldID, bool moveFirstWhenLost)
     return true;
 }
 
-void mvPLXRecs::sortClicked(int index)
+void mvPLXRecsPrivate::sortClicked(int index)
 {
     if (index < 0)
         return;
-    m_bInitiator = true;
-    RSRefresh();
-    const bool sortChosen = getLenTrim(m_sSort) >= 1;
-    m_cboFind->setEnabled(sortChosen && m_enableFind);
-    m_cmdFind->setEnabled(m_cboFind->isEnabled());
-    m_lblFind->setEnabled(m_cboFind->isEnabled());
+    bInitiator = true;
+    rsRefresh();
+    const bool sortChosen = getLenTrim(sSort) >= 1;
+    cboFind->setEnabled(sortChosen && enableFind);
+    cmdFind->setEnabled(cboFind->isEnabled());
+    lblFind->setEnabled(cboFind->isEnabled());
 }
 
 void mvPLXRecs::RSRefresh()
 {
+    d_ptr->trapped("RSRefresh", [&] { d_ptr->rsRefresh(); });
+}
+
+void mvPLXRecsPrivate::rsRefresh()
+{
+    Q_Q(mvPLXRecs);
     const QString oldID = currentIDText();
-    const int item = m_cboSort->currentIndex();
+    const int item = cboSort->currentIndex();
     if (item >= 0) {
-        const int sort = m_cboSort->itemData(item).toInt();
-        if (sort >= 0 && sort < m_sortFields.size())
-            m_sSort = m_sortFields[sort];
+        const int sort = cboSort->itemData(item).toInt();
+        if (sort >= 0 && sort < sortFields.size())
+            sSort = sortFields[sort];
     }
     if (!requery(oldID, false))
         return;
-    m_sEventInfo = QStringLiteral("SetRS after setHScroll");
-    Q_EMIT SortChange(m_sSort);
+    sEventInfo = QStringLiteral("SetRS after setHScroll");
+    Q_EMIT q->SortChange(sSort);
 }
 
 void mvPLXRecs::setSDBFPathFileName(const QString &path)
 {
-    if (m_rs) {
+    d_ptr->trapped("setSDBFPathFileName", [&] { d_ptr->setDBFPathFileName(path); });
+}
+
+void mvPLXRecsPrivate::setDBFPathFileName(const QString &path)
+{
+    if (rs) {
         showBox(QStringLiteral("mvPLXRecs already connected to:") + QStringLiteral("\r\n\r\n")
-                    + m_sDBFPathFileName + QStringLiteral("\r\n\r\n")
-                    + alreadyConnectedSupportText(),
+                    + sDBFPathFileName + QStringLiteral("\r\n\r\n") + alreadyConnectedSupportText(),
                 MsgStyle::OKOnly, QStringLiteral("Already Connected"));
         return;
     }
-    m_sDBFPathFileName = path;
+    sDBFPathFileName = path;
     connectByFile(path);
 }
 
-void mvPLXRecs::connectByFile(const QString &path)
+void mvPLXRecsPrivate::connectByFile(const QString &path)
 {
     const QString libraryPath = fromDiskPath(path);
-    m_floating->showMessage(QStringLiteral("Connecting to PLX Data"));
+    floating->showMessage(QStringLiteral("Connecting to PLX Data"));
     pump();
-    Result<std::unique_ptr<Database>> db = OpenDatabase(toDiskPath(getFileDir(libraryPath)), false,
-                                                        false, QStringLiteral("FoxPro 2.6"));
-    if (!db.isOk()) {
-        logEntry(m_sUser,
+    Result<std::unique_ptr<Database>> opened = OpenDatabase(
+        toDiskPath(getFileDir(libraryPath)), false, false, QStringLiteral("FoxPro 2.6"));
+    if (!opened.isOk()) {
+        logEntry(sUser,
                  messageTitle() + QStringLiteral(": cannot open ") + path + QStringLiteral("\r\n")
-                     + db.status().message(),
-                 m_services);
+                     + opened.status().message(),
+                 services);
         endLongWork();
         return;
     }
-    setDatabase(std::shared_ptr<Database>(std::move(db.value())), getFileTitle(libraryPath), path);
-    QString sql = QStringLiteral("SELECT * from ") + sqlTableName();
-    const QString orderBy = orderByList(currentSortFields());
-    if (m_cboSort->count() > 0 && m_cboSort->currentIndex() >= 0 && getLenTrim(orderBy) >= 1)
-        sql += QStringLiteral(" ORDER BY ") + orderBy;
-    std::shared_ptr<RecordSource> opened = openQuery(sql);
-    if (!opened) {
+    db = std::shared_ptr<Database>(std::move(opened.value()));
+    table = getFileTitle(libraryPath);
+    dataPath = path;
+    // In the sort chosen, if one is (currentSortFields is "" until then).
+    std::shared_ptr<RecordSource> records = openQuery(queryText().selectAll(currentSortFields()));
+    if (!records) {
         endLongWork();
         return;
     }
-    setRs(std::move(opened));
+    setRs(std::move(records));
     idle();
-    (void)m_rs->MoveLast();
-    (void)m_rs->MoveFirst();
+    (void)rs->MoveLast();
+    (void)rs->MoveFirst();
     setScrollBar();
     endLongWork();
 }
 
-void mvPLXRecs::stepClicked(bool forward)
+void mvPLXRecsPrivate::stepClicked(bool forward)
 {
-    QPushButton *button = forward ? m_cmdRecNext : m_cmdRecBack;
+    QPushButton *button = forward ? cmdRecNext : cmdRecBack;
     if (!button->isDown()) {
         recStep(forward);
         return;
@@ -301,119 +296,120 @@ void mvPLXRecs::stepClicked(bool forward)
     QElapsedTimer burst;
     burst.start();
     for (int step = 0; step < kStepsPerRepeat; ++step) {
-        const qint32 before = m_rs ? m_rs->AbsolutePosition() : -1;
+        const qint32 before = rs ? rs->AbsolutePosition() : -1;
         recStep(forward);
-        if (!m_rs || m_rs->AbsolutePosition() == before || burst.nsecsElapsed() > 500000)
+        if (!rs || rs->AbsolutePosition() == before || burst.nsecsElapsed() > 500000)
             break;
     }
 }
 
-void mvPLXRecs::recStep(bool forward)
+void mvPLXRecsPrivate::recStep(bool forward)
 {
-    if (!m_rs || (forward ? m_rs->isEOF() : m_rs->isBOF()))
+    Q_Q(mvPLXRecs);
+    if (!rs || (forward ? rs->isEOF() : rs->isBOF()))
         return;
-    if (!(forward ? m_rs->MoveNext() : m_rs->MovePrevious()).isOk())
+    if (!(forward ? rs->MoveNext() : rs->MovePrevious()).isOk())
         return;
     idle();
-    if (forward ? m_rs->isEOF() : m_rs->isBOF()) {
+    if (forward ? rs->isEOF() : rs->isBOF()) {
         // Stepped off the last (first) record: stay on it, nothing happened for the host.
-        (void)(forward ? m_rs->MoveLast() : m_rs->MoveFirst());
+        (void)(forward ? rs->MoveLast() : rs->MoveFirst());
         return;
     }
-    m_bInitiator = true;
-    m_sEventInfo =
-        forward ? QStringLiteral("cmdRecNext_Click") : QStringLiteral("cmdRecBack_Click");
-    Q_EMIT IDChange(currentIDText());
+    bInitiator = true;
+    sEventInfo = forward ? QStringLiteral("cmdRecNext_Click") : QStringLiteral("cmdRecBack_Click");
+    Q_EMIT q->IDChange(currentIDText());
     setScrollBar();
 }
 
-void mvPLXRecs::hscrollChanged(int value)
+void mvPLXRecsPrivate::hscrollChanged(int value)
 {
-    if (m_movingScrollBar || !m_rs || value >= m_rs->RecordCount())
+    Q_Q(mvPLXRecs);
+    if (movingScrollBar || !rs || value >= rs->RecordCount())
         return;
-    if (!m_rs->setAbsolutePosition(value).isOk())
+    if (!rs->setAbsolutePosition(value).isOk())
         return;
     deriveParentID();
-    if (!m_findUnderWay)
-        m_cboFind->setCurrentIndex(-1);
-    m_bInitiator = true;
-    m_sEventInfo = QStringLiteral("HScroll1_change");
-    Q_EMIT IDChange(currentIDText());
+    if (!findSession.isRunning())
+        cboFind->setCurrentIndex(-1);
+    bInitiator = true;
+    sEventInfo = QStringLiteral("HScroll1_change");
+    Q_EMIT q->IDChange(currentIDText());
 }
 
-void mvPLXRecs::deriveParentID()
+void mvPLXRecsPrivate::deriveParentID()
 {
     // A child record's ID is its parent's ID with a 7-character key behind it. Trailing
     // blanks of a fixed-width ID column are not part of the ID.
     const QString id = rtrimSpaces(currentIDText());
     if (id.size() > 7)
-        m_sParentID = id.left(id.size() - 7);
-}
-
-void mvPLXRecs::setBRecDisplay(bool display)
-{
-    m_bRecDisplay = display;
-    const bool edit = !bButtonEnable(QStringLiteral("SAVE")) && display;
-    setBButtonEnable(QStringLiteral("EDIT"), edit);
-    setBButtonEnable(QStringLiteral("COPY"), edit);
-    setBButtonEnable(QStringLiteral("DELETE"), edit);
-    applyReadOnly();
+        sParentID = id.left(id.size() - 7);
 }
 
 QString mvPLXRecs::sCurrentID()
 {
-    return currentIDText();
+    return d_ptr->trapped("sCurrentID", [&] { return d_ptr->currentIDText(); });
 }
 
 void mvPLXRecs::AddSort(const QString &sName, const QString &sField)
 {
-    const bool nameBlank = getLenTrim(sName) < 1;
-    const bool fieldBlank = getLenTrim(sField) < 1;
+    d_ptr->trapped("AddSort", [&] { d_ptr->addSort(sName, sField); });
+}
+
+void mvPLXRecsPrivate::addSort(const QString &name, const QString &field)
+{
+    const bool nameBlank = getLenTrim(name) < 1;
+    const bool fieldBlank = getLenTrim(field) < 1;
     if (nameBlank && !fieldBlank) {
-        m_addSortErrors =
-            modAddALine(m_addSortErrors, QStringLiteral("AddSort: Blank Name for field ") + sField,
+        addSortErrors =
+            modAddALine(addSortErrors, QStringLiteral("AddSort: Blank Name for field ") + field,
                         QStringLiteral("\r\n"), false);
         return;
     }
     if (fieldBlank && !nameBlank) {
-        m_addSortErrors =
-            modAddALine(m_addSortErrors, QStringLiteral("AddSort: Blank Field for name ") + sName,
+        addSortErrors =
+            modAddALine(addSortErrors, QStringLiteral("AddSort: Blank Field for name ") + name,
                         QStringLiteral("\r\n"), false);
         return;
     }
-    m_sortNames.append(sName);
-    m_sortFields.append(sField);
+    sortNames.append(name);
+    sortFields.append(field);
 }
 
 QString mvPLXRecs::InitControl()
 {
+    return d_ptr->trapped("InitControl", [&] { return d_ptr->initControl(); });
+}
+
+QString mvPLXRecsPrivate::initControl()
+{
     const QString sep = QStringLiteral("\r\n");
     // Sorts refused by AddSort come first: that call has no result of its own.
-    QString result = m_addSortErrors;
-    if (!m_rs)
+    QString result = addSortErrors;
+    if (!rs)
         return modAddALine(result, QStringLiteral("No RecordSet specified"), sep, false);
-    if (getLenTrim(m_sIDfield) < 1)
+    if (getLenTrim(sIDfield) < 1)
         return modAddALine(result, QStringLiteral("No ID Field specified"), sep, false);
-    m_floating->showMessage(QStringLiteral("Connecting to PLX Data"));
+    floating->showMessage(QStringLiteral("Connecting to PLX Data"));
     pump();
-    if (m_sortNames.isEmpty()) {
+    if (sortNames.isEmpty()) {
         result = modAddALine(result, QStringLiteral("No Sorts specified"), sep, false);
     } else {
-        m_cboSort->clear();
-        for (qsizetype i = 0; i < m_sortNames.size(); ++i)
-            m_cboSort->addItem(m_sortNames[i], int(i));
+        cboSort->clear();
+        for (qsizetype i = 0; i < sortNames.size(); ++i)
+            cboSort->addItem(sortNames[i], int(i));
     }
-    if (getLenTrim(m_sSort) < 1 && m_cboSort->count() >= 1) {
-        m_cboSort->setCurrentIndex(0);
+    if (getLenTrim(sSort) < 1 && cboSort->count() >= 1) {
+        cboSort->setCurrentIndex(0);
     } else {
-        const qsizetype sort = m_sortFields.indexOf(m_sSort);
+        const qsizetype sort = sortFields.indexOf(sSort);
         if (sort >= 0)
-            setComboBox(m_cboSort, m_sortNames[sort], false);
+            setComboBox(cboSort, sortNames[sort], false);
     }
     // Selecting the sort is the user's choice made for them: the records take its order
     // and the find box becomes usable, exactly as after a click on the list.
-    if (m_cboSort->currentIndex() >= 0)
-        sortClicked(m_cboSort->currentIndex());
+    if (cboSort->currentIndex() >= 0)
+        sortClicked(cboSort->currentIndex());
     endLongWork();
     return result;
 }

@@ -2,31 +2,24 @@
 #include "fields/mvchecks.h"
 #include "mervane/tests/rowfixtures.h"
 
-#include "tests/support/fakeenv.h"
-
 #include <QApplication>
 #include <QCheckBox>
-#include <QTemporaryDir>
 #include <QTest>
-
-#include <gtest/gtest.h>
 
 using namespace plx;
 using namespace plx::rowtest;
 
 namespace {
 
-class ChecksTest : public ::testing::TestWithParam<Store>
+class ChecksTest : public TableFixture<::testing::TestWithParam<Store>>
 {
 protected:
     void SetUp() override
     {
         checks.setServices(env.services());
-        db = makeTable(GetParam(), dir.path(),
-                       { { QStringLiteral("A"), QVariant(), 1.0, QVariant(), false,
-                           QStringLiteral("Y"), 0, 1 } });
-        ASSERT_TRUE(db);
-        rs = openT(*db);
+        makeT(GetParam(),
+              { { QStringLiteral("A"), QVariant(), 1.0, QVariant(), false, QStringLiteral("Y"), 0,
+                  1 } });
         checks.setNUbound(2);
         const char *fields[] = { "ACTIVE", "FLAGT", "FLAGN" };
         for (qint16 i = 0; i < 3; ++i) {
@@ -37,10 +30,6 @@ protected:
         checks.UpdateDBF();
     }
 
-    test::TestServices env;
-    QTemporaryDir dir;
-    std::unique_ptr<Database> db;
-    std::shared_ptr<RecordSource> rs;
     mvChecks checks;
 };
 
@@ -60,10 +49,9 @@ TEST_P(ChecksTest, BoxesRoundTripInTheirFieldsOwnForms)
     checks.EditUpdate();
     EXPECT_EQ(checks.Save(), QString());
     ASSERT_TRUE(rs->Update().isOk());
-    EXPECT_EQ(reread(GetParam(), dir.path(), 0, QStringLiteral("ACTIVE")).toBool(), true);
-    EXPECT_EQ(reread(GetParam(), dir.path(), 0, QStringLiteral("FLAGT")).toString(),
-              QStringLiteral("N"));
-    EXPECT_EQ(reread(GetParam(), dir.path(), 0, QStringLiteral("FLAGN")).toInt(), -1);
+    EXPECT_EQ(stored(0, "ACTIVE").toBool(), true);
+    EXPECT_EQ(stored(0, "FLAGT").toString(), QStringLiteral("N"));
+    EXPECT_EQ(stored(0, "FLAGN").toInt(), -1);
 
     checks.UpdateDBF();
     checks.Edit();

@@ -2,22 +2,16 @@
 #include "fields/mvchkwithtxt.h"
 #include "mervane/tests/rowfixtures.h"
 
-#include "tests/support/fakeenv.h"
-
-#include <QDate>
 #include <QLineEdit>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
-
-#include <gtest/gtest.h>
 
 using namespace plx;
 using namespace plx::rowtest;
 
 namespace {
 
-class ChkWithTxtTest : public ::testing::Test
+class ChkWithTxtTest : public TableFixture<>
 {
 protected:
     void SetUp() override
@@ -29,20 +23,15 @@ protected:
         unit.setSCaptionTxt(1, QStringLiteral("Amount"));
     }
 
+    // Table T holding smithRecord(); the check box on ACTIVE, the text rows on NAME, AMOUNT.
     void bind(Store store)
     {
-        db = makeTable(store, dir.path(),
-                       { { QStringLiteral("SMITH"), QVariant(), 10.5, QDate(1990, 1, 2), true,
-                           QStringLiteral("T"), 1, 3 } });
-        ASSERT_TRUE(db);
+        makeT(store, { smithRecord() });
         unit.setSFieldNameChk(QStringLiteral("ACTIVE"));
         unit.setSFieldNameTxt(0, QStringLiteral("NAME"));
         unit.setSFieldNameTxt(1, QStringLiteral("AMOUNT"));
     }
 
-    test::TestServices env;
-    QTemporaryDir dir;
-    std::unique_ptr<Database> db;
     mvChkWithTxt unit;
 };
 
@@ -51,7 +40,7 @@ protected:
 TEST_F(ChkWithTxtTest, EitherPartRefusingRefusesTheUnit)
 {
     bind(Store::Sqlite);
-    unit.setRecordSet(openT(*db));
+    unit.setRecordSet(rs);
     unit.Update();
     EXPECT_EQ(unit.sValueChk(), QStringLiteral("True"));
     EXPECT_EQ(unit.sValueTxt(0), QStringLiteral("SMITH"));
@@ -98,14 +87,8 @@ TEST_F(ChkWithTxtTest, ClearsKeepToTheirPartAndBoundsAreChecked)
 
 TEST_F(ChkWithTxtTest, TableFileAndTheNavigatorsCycleCoverBothParts)
 {
-    const QString missing = dir.path() + QStringLiteral("/GONE.DBF");
-    env.prompter.expectMsgBox(QStringLiteral("File Not Found"),
-                              QStringLiteral("Database file not found:\r\n") + missing,
-                              MsgStyle::Critical, MsgAnswer::OK);
-    unit.setSDBFPathFileName(missing);
-    EXPECT_EQ(env.prompter.shown().size(), 1);
-
     bind(Store::FoxPro1251);
+    rs.reset();
     db.reset();
     unit.setSDBFPathFileName(tableFile(dir.path()));
     ASSERT_TRUE(unit.RecordSet());
@@ -114,7 +97,7 @@ TEST_F(ChkWithTxtTest, TableFileAndTheNavigatorsCycleCoverBothParts)
 
     BoundControl *control = &unit;
     control->UpdateDBF();
-    std::shared_ptr<RecordSource> rs = control->RecordSet();
+    rs = control->RecordSet();
     ASSERT_TRUE(rs->Edit().isOk());
     control->setLocked(false);
     unit.setSValueChk(QStringLiteral("False"));
@@ -123,9 +106,8 @@ TEST_F(ChkWithTxtTest, TableFileAndTheNavigatorsCycleCoverBothParts)
     control->EditUpdate();
     EXPECT_EQ(control->Save(), QString());
     ASSERT_TRUE(rs->Update().isOk());
-    EXPECT_EQ(reread(Store::FoxPro1251, dir.path(), 0, QStringLiteral("NAME")).toString().trimmed(),
-              QStringLiteral("Жук"));
-    EXPECT_EQ(reread(Store::FoxPro1251, dir.path(), 0, QStringLiteral("ACTIVE")).toBool(), false);
+    EXPECT_EQ(stored(0, "NAME").toString().trimmed(), QStringLiteral("Жук"));
+    EXPECT_EQ(stored(0, "ACTIVE").toBool(), false);
 
     control->setLocked(true);
     EXPECT_TRUE(unit.checkBox()->Locked());

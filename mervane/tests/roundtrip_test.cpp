@@ -6,64 +6,43 @@
 #include "mervane/mvtext.h"
 #include "mervane/tests/rowfixtures.h"
 
-#include "tests/support/fakeenv.h"
-
-#include <QDate>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
-
 using namespace plx;
 using namespace plx::rowtest;
 
 namespace {
 
-// Text outside ASCII that the store can hold, and a character it cannot.
-QString storable(Store store)
+// Text outside ASCII that the store can hold, and a character it cannot ("" for SQLite).
+struct StoreText
+{
+    QString storable;
+    QString unstorable;
+};
+
+StoreText textFor(Store store)
 {
     switch (store) {
-    case Store::Sqlite: return QStringLiteral("Zoë Straße € Жук");
-    case Store::FoxPro1252: return QStringLiteral("Zoë Straße €");
-    case Store::FoxPro850: return QStringLiteral("Zoë Straße ½");
-    case Store::FoxPro1251: return QStringLiteral("Жук Щука №");
+    case Store::Sqlite: return { QStringLiteral("Zoë Straße € Жук"), {} };
+    case Store::FoxPro1252: return { QStringLiteral("Zoë Straße €"), QStringLiteral("Ж") };
+    case Store::FoxPro850: return { QStringLiteral("Zoë Straße ½"), QStringLiteral("€") };
+    case Store::FoxPro1251: return { QStringLiteral("Жук Щука №"), QStringLiteral("é") };
     }
     return {};
 }
 
-QString unstorable(Store store)
-{
-    switch (store) {
-    case Store::FoxPro1252: return QStringLiteral("Ж");
-    case Store::FoxPro850: return QStringLiteral("€");
-    case Store::FoxPro1251: return QStringLiteral("é");
-    default: return {};
-    }
-}
-
-class RowRoundTrip : public ::testing::TestWithParam<Store>
+class RowRoundTrip : public TableFixture<::testing::TestWithParam<Store>>
 {
 protected:
     void SetUp() override
     {
-        db = makeTable(GetParam(), dir.path(),
-                       { { QStringLiteral("SMITH"), QStringLiteral("old note"), 10.5,
-                           QDate(1990, 1, 2), false, QStringLiteral("F"), 0, 3 },
-                         { QVariant(), QVariant(), QVariant(), QVariant(), QVariant(), QVariant(),
-                           QVariant(), QVariant() } });
-        ASSERT_TRUE(db);
-        rs = openT(*db);
-        ASSERT_TRUE(rs);
+        makeT(GetParam(),
+              { { QStringLiteral("SMITH"), QStringLiteral("old note"), 10.5, QDate(1990, 1, 2),
+                  false, QStringLiteral("F"), 0, 3 },
+                nullRecord() });
     }
 
     template<typename Row> Row *add(const char *field, const char *format = "")
     {
-        auto *r = new Row(&host);
-        r->setServices(env.services());
-        r->setSCaption(QString::fromLatin1(field));
-        if constexpr (std::is_same_v<Row, mvText>)
-            r->setSFormat(QString::fromLatin1(format));
-        r->DataBinding()->setRecordSet(rs);
-        r->DataBinding()->setSFieldName(QString::fromLatin1(field));
+        Row *r = boundRow<Row>(field, format);
         rows << r;
         return r;
     }
@@ -87,16 +66,6 @@ protected:
         ASSERT_TRUE(rs->Update().isOk());
     }
 
-    QVariant stored(int record, const char *field)
-    {
-        return reread(GetParam(), dir.path(), record, QString::fromLatin1(field));
-    }
-
-    test::TestServices env;
-    QTemporaryDir dir;
-    std::unique_ptr<Database> db;
-    std::shared_ptr<RecordSource> rs;
-    QWidget host;
     QList<mvRow *> rows;
 };
 
@@ -116,8 +85,8 @@ TEST_P(RowRoundTrip, TypedValuesSurviveTheNavigatorsSaveOnEveryType)
     ASSERT_TRUE(rs->Edit().isOk());
     for (mvRow *r : rows)
         r->Edit();
-    name->setText(storable(GetParam()));
-    notes->setText(storable(GetParam()) + QStringLiteral("\nline two"));
+    name->setText(textFor(GetParam()).storable);
+    notes->setText(textFor(GetParam()).storable + QStringLiteral("\nline two"));
     amount->setText(QStringLiteral("12,345.67"));
     born->setText(QStringLiteral("29.02.2000"));
     active->setValue(QStringLiteral("True"));
@@ -127,15 +96,16 @@ TEST_P(RowRoundTrip, TypedValuesSurviveTheNavigatorsSaveOnEveryType)
     }
     saveAsTheNavigatorDoes();
 
-    EXPECT_EQ(stored(0, "NAME").toString().trimmed(), storable(GetParam()));
-    EXPECT_EQ(stored(0, "NOTES").toString(), storable(GetParam()) + QStringLiteral("\r\nline two"));
+    EXPECT_EQ(stored(0, "NAME").toString().trimmed(), textFor(GetParam()).storable);
+    EXPECT_EQ(stored(0, "NOTES").toString(),
+              textFor(GetParam()).storable + QStringLiteral("\r\nline two"));
     EXPECT_DOUBLE_EQ(stored(0, "AMOUNT").toDouble(), 12345.67);
     EXPECT_EQ(stored(0, "BORN").toDate(), QDate(2000, 2, 29));
     EXPECT_EQ(stored(0, "ACTIVE").toBool(), true);
     EXPECT_EQ(stored(0, "FLAGT").toString(), QStringLiteral("S")) << "the navigator's own write";
 
     showAll();
-    EXPECT_EQ(notes->Value(), storable(GetParam()) + QStringLiteral("\nline two"));
+    EXPECT_EQ(notes->Value(), textFor(GetParam()).storable + QStringLiteral("\nline two"));
     EXPECT_EQ(amount->Value(), QStringLiteral("12,345.67"));
 }
 
@@ -183,7 +153,7 @@ TEST_P(RowRoundTrip, ACharacterTheCodePageCannotHoldIsRefusedNeverChanged)
     mvText *name = add<mvText>("NAME");
     name->setSCaption(QStringLiteral("Name"));
     showAll();
-    const QString bad = QStringLiteral("A") + unstorable(GetParam()) + QStringLiteral("B");
+    const QString bad = QStringLiteral("A") + textFor(GetParam()).unstorable + QStringLiteral("B");
 
     // Bound to the table file, the row knows the code page and refuses before writing.
     name->DataBinding()->setDBFPathFileName(tableFile(dir.path()));
@@ -193,7 +163,7 @@ TEST_P(RowRoundTrip, ACharacterTheCodePageCannotHoldIsRefusedNeverChanged)
     EXPECT_EQ(reason,
               QStringLiteral("contains the character \"%1\", which this table cannot store "
                              "(code page %2)")
-                  .arg(unstorable(GetParam()))
+                  .arg(textFor(GetParam()).unstorable)
                   .arg(codePageOf(GetParam())));
 
     // Handed a source alone, the row learns it when it sets the value: the source refuses

@@ -2,6 +2,7 @@
 #include "mervane/tests/rowfixtures.h"
 
 #include "services/recordsource/dbf/internal/dbftable.h"
+#include "services/recordsource/foxpro/internal/fieldmapping.h"
 #include "services/recordsource/sqlite/internal/sqlitevalues.h"
 
 #include <QDir>
@@ -11,26 +12,28 @@
 
 namespace plx::rowtest {
 
+namespace {
+
+// Each Store's name in test names and the code page its table is written in.
+struct StoreInfo
+{
+    const char *name;
+    int codePage;
+};
+constexpr StoreInfo Stores[] = {
+    { "Sqlite", 0 }, { "FoxPro1252", 1252 }, { "FoxPro850", 850 }, { "FoxPro1251", 1251 }
+};
+
+} // namespace
+
 std::string storeName(Store store)
 {
-    switch (store) {
-    case Store::Sqlite: return "Sqlite";
-    case Store::FoxPro1252: return "FoxPro1252";
-    case Store::FoxPro850: return "FoxPro850";
-    case Store::FoxPro1251: return "FoxPro1251";
-    }
-    return "?";
+    return Stores[int(store)].name;
 }
 
 int codePageOf(Store store)
 {
-    switch (store) {
-    case Store::Sqlite: return 0;
-    case Store::FoxPro1252: return 1252;
-    case Store::FoxPro850: return 850;
-    case Store::FoxPro1251: return 1251;
-    }
-    return 0;
+    return Stores[int(store)].codePage;
 }
 
 QList<FieldInfo> fixtureFields()
@@ -45,6 +48,17 @@ QList<FieldInfo> fixtureFields()
         { QStringLiteral("FLAGN"), FieldType::Numeric, 2, 0 },
         { QStringLiteral("QTY"), FieldType::Numeric, 5, 0 },
     };
+}
+
+QVariantList smithRecord()
+{
+    return { QStringLiteral("SMITH"), QVariant(), 10.5, QDate(1990, 1, 2), true,
+             QStringLiteral("T"),     1,          3 };
+}
+
+QVariantList nullRecord()
+{
+    return QVariantList(fixtureFields().size());
 }
 
 QString tableFile(const QString &dir)
@@ -79,35 +93,8 @@ bool createSqlite(const QString &dir)
 bool createFoxPro(const QString &dir, int codePage)
 {
     QList<DbfField> fields;
-    for (const FieldInfo &f : fixtureFields()) {
-        DbfField d;
-        d.name = f.name;
-        switch (f.type) {
-        case FieldType::Text:
-            d.type = 'C';
-            d.length = f.size;
-            break;
-        case FieldType::Memo:
-            d.type = 'M';
-            d.length = 10;
-            break;
-        case FieldType::Numeric:
-            d.type = 'N';
-            d.length = f.size;
-            d.decimals = f.decimals;
-            break;
-        case FieldType::Date:
-            d.type = 'D';
-            d.length = 8;
-            break;
-        case FieldType::Boolean:
-            d.type = 'L';
-            d.length = 1;
-            break;
-        default: return false;
-        }
-        fields << d;
-    }
+    for (const FieldInfo &f : fixtureFields())
+        fields << foxpro::dbfFieldFor(f);
     auto table = DbfTable::create(tableFile(dir), fields, 0, codePage);
     EXPECT_TRUE(table.isOk()) << table.status().toString().toStdString();
     return table.isOk();

@@ -4,8 +4,6 @@
 #include "navigator/tests/navigatorfixture.h"
 
 #include "fields/mvname.h"
-#include "navigator/recordid_p.h"
-#include "services/cp1252.h"
 #include "services/recordsource/recordsource.h"
 #include "services/texthelpers.h"
 
@@ -203,10 +201,6 @@ TEST_P(Commands, NewCreatesTheRecordFirstAndCancelOffersToDeleteIt)
     QMap<QString, QString> created = onDisk(QStringLiteral("PLE0000011"));
     EXPECT_EQ(created.value(QStringLiteral("PLSTART")), stamp());
     EXPECT_EQ(created.value(QStringLiteral("PLLASTREV")), stamp());
-    // The key file beside the table was rebuilt from the table and now holds the new key.
-    QFile key(nav->keyFilePath());
-    ASSERT_TRUE(key.open(QIODevice::ReadOnly));
-    EXPECT_EQ(key.readAll(), QByteArray("048048048048048049049\r\n"));
     EXPECT_EQ(nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title(),
               QStringLiteral("11 records"));
 
@@ -295,36 +289,6 @@ TEST_P(Commands, DeleteAsksTwiceAndOnlyYesTwiceDeletes)
     // The last record by name went: the one before it is current now.
     EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000005"));
     EXPECT_EQ(nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"))->value(), 8);
-}
-
-// A session a user had: a new record kept on Cancel, then an older record edited and
-// cancelled. Only the new record is ever offered for deletion, and it still is later.
-TEST_P(Commands, CancelOffersToDeleteOnlyTheNewRecord)
-{
-    configureWithFields();
-    nav->ClickButton(QStringLiteral("NEW"));
-    env.prompter.expectMsgBox(QStringLiteral("Delete?"), QStringLiteral("Delete the New record?"),
-                              260, MsgAnswer::No);
-    nav->ClickButton(QStringLiteral("CANCEL"));
-    auto *back = nav->findChild<QPushButton *>(QStringLiteral("cmdRecBack"));
-    back->click();
-    back->click();
-    const QString older = nav->sCurrentID();
-    ASSERT_NE(older, QStringLiteral("PLE0000011"));
-    nav->ClickButton(QStringLiteral("EDIT"));
-    nav->ClickButton(QStringLiteral("CANCEL")); // the strict prompter refuses any box here
-    EXPECT_EQ(countOnDisk(), 11);
-    EXPECT_FALSE(onDisk(older).isEmpty());
-    EXPECT_EQ(nav->sCurrentID(), older);
-
-    nav->SetFindFromID(QStringLiteral("PLE0000011"));
-    nav->ClickButton(QStringLiteral("EDIT"));
-    env.prompter.expectMsgBox(QStringLiteral("Delete?"), QStringLiteral("Delete the New record?"),
-                              260, MsgAnswer::Yes);
-    nav->ClickButton(QStringLiteral("CANCEL"));
-    EXPECT_TRUE(onDisk(QStringLiteral("PLE0000011")).isEmpty());
-    EXPECT_FALSE(onDisk(older).isEmpty());
-    EXPECT_EQ(env.prompter.pending(), 0);
 }
 
 // The ID row typed over before the first SAVE: the saved record stays current under its
@@ -509,81 +473,23 @@ TEST_P(Commands, ARefusedValueIsToldThroughTheHostAndNotLeftShowing)
               QStringLiteral("WACO"));
 }
 
-// Key files as users' machines leave them: damaged by another program, the last key
-// there is, restored from an older backup, or impossible to write. NEW always ends with
-// a record whose ID is the parent ID and seven characters the generator makes, or with
-// one box saying what failed.
-TEST_P(Commands, DamagedLaggingAndUnwritableKeyFiles)
+// A key file that cannot be used is named in its own box; no second box blames a blank ID,
+// and nothing is created.
+TEST_P(Commands, AnUnusableKeyFileIsToldOnceAndNothingIsCreated)
 {
     configureWithFields();
-    const QString keyFile = nav->keyFilePath();
-    const QString damaged = QStringLiteral("Unexpected results for Last ID in Facilities\r\n");
-    const struct
-    {
-        const char *line;
-        bool told;
-    } cases[] = {
-        { "abcdefghijklmnopqrstu", true }, // not digits
-        { "999048048048048048048", true }, // a code above 255
-        { "000048048048048048048", true }, // a NUL
-        { "032048048048048048048", true }, // the blank
-        { "255255255255255255255", true }, // the last key: the next would carry into "PLE"
-        { "04804804804804804804", true }, // one digit short
-        { "048048048048048048049", false }, // a backup: ten IDs behind the table
-    };
-    QString expected = QStringLiteral("PLE0000011");
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.line);
-        QFile file(keyFile);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(QByteArray(c.line) + "\r\n");
-        file.close();
-        if (c.told)
-            env.prompter.expectMsgBox(QStringLiteral("Record ID Error"), QString(), 64,
-                                      MsgAnswer::OK);
-        nav->ClickButton(QStringLiteral("NEW"));
-        if (c.told) {
-            ASSERT_FALSE(env.prompter.shown().isEmpty());
-            EXPECT_TRUE(env.prompter.shown().last().text.startsWith(damaged));
-        }
-        EXPECT_EQ(nav->sCurrentID(), expected);
-        EXPECT_FALSE(onDisk(expected).isEmpty());
-        nav->ClickButton(QStringLiteral("SAVE"));
-        expected = QStringLiteral("PLE00000") + QString::number(expected.right(2).toInt() + 1);
-    }
-    EXPECT_EQ(env.prompter.pending(), 0);
-
-    // A key file that cannot be written is named as such, in one box.
-    QFile::remove(keyFile);
-    ASSERT_TRUE(QDir().mkdir(keyFile));
+    ASSERT_EQ(nav->keyFilePath(), dir.filePath(QStringLiteral("T_IDLast7.TXT")));
+    ASSERT_TRUE(QDir().mkdir(nav->keyFilePath()));
     env.prompter.expectMsgBox(QStringLiteral("Record ID Error"), QString(), 16, MsgAnswer::OK);
-    const qint32 count = countOnDisk();
     nav->ClickButton(QStringLiteral("NEW"));
     EXPECT_TRUE(env.prompter.shown().last().text.startsWith(
-        QStringLiteral("The record ID key file for Facilities cannot be used:\r\n")))
-        << env.prompter.shown().last().text.toStdString();
-    EXPECT_EQ(countOnDisk(), count);
+        QStringLiteral("The record ID key file for Facilities cannot be used:\r\n")));
+    EXPECT_EQ(countOnDisk(), 10);
     EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("NEW")));
     EXPECT_EQ(env.prompter.pending(), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(BackEnds, Commands, ::testing::Values("SQLite", "FoxPro"), backEndName);
-
-TEST(RecordIDs, TheOdometerWrapsPast255SkipsTheBlankAndReportsACarryIntoThePrefix)
-{
-    QStringList logged;
-    auto log = [&logged](const QString &line) { logged << line; };
-    const QChar c255 = cp1252::toUnicode(255);
-    EXPECT_EQ(PLXIDIncrement(QStringLiteral("PLE0000009"), log), QStringLiteral("PLE000000:"));
-    EXPECT_EQ(PLXIDIncrement(QStringLiteral("PLE000000") + c255, log),
-              QStringLiteral("PLE000001") + QChar(1));
-    EXPECT_EQ(PLXIDIncrement(QStringLiteral("PLE000000") + QChar(31), log),
-              QStringLiteral("PLE000000!"));
-    EXPECT_TRUE(logged.isEmpty());
-    EXPECT_EQ(PLXIDIncrement(QStringLiteral("PLE") + QString(7, c255), log),
-              QStringLiteral("PLF") + QString(7, cp1252::toUnicode(1)));
-    EXPECT_EQ(logged, QStringList{ QStringLiteral("Error in PLXIDIncrement; k=3") });
-}
 
 } // namespace
 } // namespace plx::test

@@ -15,6 +15,8 @@
 #include <QScrollBar>
 #include <QToolBar>
 
+#include <stdexcept>
+
 namespace plx::test {
 namespace {
 
@@ -199,6 +201,15 @@ TEST_P(Core, DisablingAndEnablingRestoresEveryButtonState)
     EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("CANCEL")));
     EXPECT_TRUE(nav->findChild<QComboBox *>(QStringLiteral("cboSort"))->isEnabled());
 
+    // A parent form disabling the navigator is the same change as the navigator's own.
+    QWidget form;
+    nav->setParent(&form);
+    form.setEnabled(false);
+    EXPECT_FALSE(nav->bButtonEnable(QStringLiteral("CANCEL")));
+    form.setEnabled(true);
+    EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("CANCEL")));
+    nav->setParent(nullptr);
+
     nav->setBRecDisplay(false);
     EXPECT_FALSE(nav->bButtonEnable(QStringLiteral("EDIT")));
     EXPECT_FALSE(nav->bButtonEnable(QStringLiteral("COPY")));
@@ -241,6 +252,22 @@ TEST_P(Core, ASecondConnectIsRefusedWithTheConnectedPath)
     nav->setSDBFPathFileName(dir.filePath(QStringLiteral("OTHER.DBF")));
     EXPECT_EQ(nav->sDBFPathFileName(), connected);
     EXPECT_EQ(frameTitle(*nav), QStringLiteral("10 records"));
+}
+
+// A host's slot that throws ends the navigator's operation there: the exception stays in
+// the navigator, which notes it in the activity log.
+TEST_P(Core, AnExceptionFromAHostsSlotEndsTheOperationAndIsLogged)
+{
+    configure();
+    QObject::connect(nav.get(), &mvPLXRecs::IDChange,
+                     [](const QString &) { throw std::runtime_error("the host failed"); });
+    EXPECT_NO_THROW(nav->SetFindFromID(QStringLiteral("PLE0000008")));
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000008"));
+    QFile log(dir.filePath(QStringLiteral("inst/PLXLogFile.TXT")));
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(QString::fromLatin1(log.readAll())
+                    .contains(QStringLiteral("mvPLXRecs Facilities: SetFindFromID stopped by an "
+                                             "error: the host failed")));
 }
 
 INSTANTIATE_TEST_SUITE_P(BackEnds, Core, ::testing::Values("SQLite", "FoxPro"), backEndName);

@@ -100,6 +100,7 @@ void NavigatorTest::SetUp()
 
 void NavigatorTest::TearDown()
 {
+    tableRecords.reset();
     events.reset();
     nav.reset();
     qunsetenv("PLX_HARROWBY_DIR");
@@ -125,6 +126,17 @@ void NavigatorTest::attach()
     ASSERT_TRUE(rs.isOk());
     nav->setDatabase(shared, QStringLiteral("T"), tablePath());
     nav->setRs(std::shared_ptr<RecordSource>(std::move(rs.value())));
+}
+
+void NavigatorTest::openTable()
+{
+    Result<std::unique_ptr<Database>> opened = backEnd->open(dir.path());
+    ASSERT_TRUE(opened.isOk());
+    tableDb = std::move(opened.value());
+    Result<std::unique_ptr<RecordSource>> rs =
+        tableDb->OpenRecordset(QStringLiteral("SELECT * from T"));
+    ASSERT_TRUE(rs.isOk());
+    tableRecords = std::move(rs.value());
 }
 
 void NavigatorTest::configure()

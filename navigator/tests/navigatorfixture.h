@@ -83,12 +83,17 @@ protected:
     // record by name (ADAMS) is made current and the events so far are forgotten.
     void configure();
     QString tablePath() const;
+    // The table as a host opens it, for the parts of the navigator tested without it:
+    // `tableDb` and `tableRecords` ("SELECT * from T").
+    void openTable();
 
     TestServices env;
     QTemporaryDir dir;
     std::shared_ptr<testing::BackEnd> backEnd;
     std::unique_ptr<mvPLXRecs> nav;
     std::unique_ptr<EventRecorder> events;
+    std::shared_ptr<Database> tableDb;
+    std::unique_ptr<RecordSource> tableRecords;
 };
 
 std::string backEndName(const ::testing::TestParamInfo<std::string> &info);

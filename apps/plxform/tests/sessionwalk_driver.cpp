@@ -214,7 +214,9 @@ FormView FormDriver::view() const
     while (v.currentID.endsWith(QLatin1Char(' ')))
         v.currentID.chop(1);
     v.position = nav->rs() ? nav->rs()->AbsolutePosition() : -1;
-    v.scrollValue = nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"))->value();
+    const auto *bar = nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"));
+    v.scrollValue = bar->value();
+    v.scrollMaximum = bar->maximum();
     v.countText = nav->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title();
     v.status = m_window->findChild<QLabel *>(QStringLiteral("lblStatusPosition"))->text();
     v.editing = nav->bButtonEnable(QStringLiteral("SAVE"));

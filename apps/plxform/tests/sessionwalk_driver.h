@@ -69,6 +69,7 @@ struct FormView
     QString currentID; // without the blanks a fixed-width field pads with
     int position = -1; // the navigator's record position (its source's AbsolutePosition)
     int scrollValue = -1; // HScroll1's value
+    int scrollMaximum = -1; // and its maximum
     QString countText; // fraControls' title
     QString status; // the status bar's position text
     bool editing = false; // SAVE enabled

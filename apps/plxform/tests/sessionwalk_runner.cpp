@@ -237,11 +237,19 @@ std::optional<WalkFailure> Walk::checkRecord(const Expectation &e, const FormVie
                                 .arg(e.position ? QStringLiteral(" (expected %1)").arg(*e.position)
                                                 : QString()) };
     m_model->adopt(view.currentID, view.position);
-    if (e.setsScrollBar && view.scrollValue != view.position)
+    // Whenever the user can drag it, the scroll bar stands at the record and reaches every
+    // record of the query.
+    const bool browsing = !m_model->editing() && m_model->count() > 0;
+    if ((e.setsScrollBar || browsing) && view.scrollValue != view.position)
         return WalkFailure{ -1, QStringLiteral("scroll bar"),
                             QStringLiteral("the scroll bar stands at %1; the record is at %2")
                                 .arg(view.scrollValue)
                                 .arg(view.position) };
+    if (browsing && view.scrollMaximum != m_model->count() - 1)
+        return WalkFailure{ -1, QStringLiteral("scroll bar"),
+                            QStringLiteral("the scroll bar ends at %1; the last record is at %2")
+                                .arg(view.scrollMaximum)
+                                .arg(m_model->count() - 1) };
     return std::nullopt;
 }
 

@@ -367,19 +367,27 @@ t = dbf.Table(sys.argv[1], codepage='cp1252'); t.open()
 # characters of the same value, as Windows and the table engine read them.
 codecs.register_error('c1', lambda e: (''.join(chr(b) for b in e.object[e.start:e.end]), e.end))
 t._meta.decoder = lambda d, *a: (codecs.decode(bytes(d), 'cp1252', 'c1'), len(d))
-def plain(v):
+memos = set(sys.argv[2].lower().split(','))
+def plain(v, memo):
     if v is None: return ''
     if isinstance(v, bool): return 'T' if v else 'F'
     if isinstance(v, (datetime.date,)): return v.strftime('%Y%m%d')
     if isinstance(v, (int, float)): return repr(float(v))
-    return str(v).rstrip(' ').replace('\r\n', '\n').replace('\r', '\n')
+    v = str(v).rstrip(' ')
+    # Line ends are the memo's own business; a made ID may hold a CR byte as it is.
+    return v.replace('\r\n', '\n').replace('\r', '\n') if memo else v
 for r in t:
     if dbf.is_deleted(r): continue
-    sys.stdout.write('\t'.join(ascii(plain(r[f])) for f in t.field_names) + '\n')
+    sys.stdout.write('\t'.join(ascii(plain(r[f], f.lower() in memos)) for f in t.field_names) + '\n')
 )";
     QProcess python;
+    QStringList memos;
+    for (const FieldShape &f : sampleFieldShapes())
+        if (f.kind == FieldKind::Memo)
+            memos << f.name;
     python.start(QStringLiteral("/usr/bin/python3"),
-                 { QStringLiteral("-c"), QString::fromLatin1(script), dbfPath });
+                 { QStringLiteral("-c"), QString::fromLatin1(script), dbfPath,
+                   memos.join(QLatin1Char(',')) });
     if (!python.waitForFinished(120000) || python.exitCode() != 0) {
         *error = QStringLiteral("python3-dbf failed: ")
             + QString::fromUtf8(python.readAllStandardError()).trimmed();

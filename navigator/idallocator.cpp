@@ -1,13 +1,11 @@
-// navigator/mvplxrecs_ids.cpp: record IDs for new records. The last key handed out for a
-// table lives in a one-line key file beside it; every navigator, in any process, reads,
-// advances and writes it under one lock, and checks each candidate against the table as
-// it is on disk, so no two records ever get the same ID.
-#include "navigator/mvplxrecs.h"
+// navigator/idallocator.cpp
+#include "navigator/idallocator_p.h"
 
-#include "navigator/navigatortext_p.h"
-#include "navigator/recordid_p.h"
 #include "services/activitylog.h"
+#include "services/cp1252.h"
+#include "services/env.h"
 #include "services/paths.h"
+#include "services/prompter.h"
 #include "services/recordsource/database.h"
 #include "services/recordsource/internal/filelock.h"
 #include "services/texthelpers.h"
@@ -66,12 +64,14 @@ bool isGeneratorKeyLine(const QString &code)
     return highest < 7;
 }
 
-// The table's IDs that start with "PLE", highest first: the first row holds the last key.
-QString highestIdQuery(const QString &table, const QString &idField)
+void logLines(const IdAllocator::Table &table, const QStringList &lines)
 {
-    return QStringLiteral("Select * from ") + table + QStringLiteral(" WHERE  Left([") + idField
-        + QStringLiteral("],3) = 'PLE'") + QStringLiteral(" Order By ") + idField
-        + QStringLiteral(" DESC");
+    logEntry(table.user, lines.join(kCrLf), table.services);
+}
+
+void showBox(const IdAllocator::Table &table, const QString &text, int style, const QString &title)
+{
+    prompterOf(table.services).msgBox(text, style, title);
 }
 
 // The lines NewIDPLX logs, and for its errors also shows, one fact a line.
@@ -119,46 +119,54 @@ QStringList duplicateIdLines(const DuplicateId &d)
 
 } // namespace
 
-QString mvPLXRecs::tableFilePath() const
+QString IdAllocator::keyFilePath(const QString &tableFile)
 {
-    if (getLenTrim(m_sDBFPathFileName) >= 1)
-        return fromDiskPath(m_sDBFPathFileName);
-    // A table of a SQLite database: named after the table, in the database's folder.
-    if (getLenTrim(m_dataPath) >= 1 && getLenTrim(m_table) >= 1)
-        return setPathName(getFileDir(fromDiskPath(m_dataPath)), m_table, false);
-    return QString();
-}
-
-QString mvPLXRecs::keyFilePath() const
-{
-    const QString table = tableFilePath();
-    return table.isEmpty()
+    return tableFile.isEmpty()
         ? QString()
-        : toDiskPath(getPathNoExt(table) + QStringLiteral("_IDLast7") + QStringLiteral(".TXT"));
+        : toDiskPath(getPathNoExt(tableFile) + QStringLiteral("_IDLast7") + QStringLiteral(".TXT"));
 }
 
-QString mvPLXRecs::holdersPath() const
+QString IdAllocator::holdersPath(const QString &tableFile)
 {
-    const QString table = tableFilePath();
-    return table.isEmpty() ? QString()
-                           : toDiskPath(getPathNoExt(table) + QStringLiteral("_Holders"));
+    return tableFile.isEmpty() ? QString()
+                               : toDiskPath(getPathNoExt(tableFile) + QStringLiteral("_Holders"));
 }
 
-void mvPLXRecs::logLines(const QStringList &lines)
+QString IdAllocator::PLXIDIncrement(const QString &key,
+                                    const std::function<void(const QString &)> &log)
 {
-    logEntry(m_sUser, lines.join(kCrLf), m_services);
+    QString next = key;
+    qint32 k = getLenTrim(key);
+    while (k >= 1) {
+        if (k < 4 && log)
+            log(QStringLiteral("Error in PLXIDIncrement; k=") + QString::number(k));
+        int code = cp1252::fromUnicode(next[k - 1], 0);
+        bool carry = false;
+        do {
+            ++code;
+            if (code > 255) {
+                code -= 255;
+                carry = true;
+            }
+        } while (code == 32);
+        next[k - 1] = cp1252::toUnicode(static_cast<unsigned char>(code));
+        if (!carry)
+            break;
+        --k;
+    }
+    return next;
 }
 
-QString mvPLXRecs::highestKeyInTable(const QString &query, bool *ok)
+QString IdAllocator::highestKeyInTable(const Table &table, const QString &query, bool *ok) const
 {
     *ok = false;
-    std::shared_ptr<Database> db = m_db;
-    if (getLenTrim(m_sDBFPathFileName) >= 1) {
+    std::shared_ptr<Database> db = table.db;
+    if (table.isTableFile) {
         // The table's folder opened afresh, so the highest ID is read from the file as it
-        // is now, whatever this navigator's own database has cached.
+        // is now, whatever the navigator's own database has cached.
         Result<std::unique_ptr<Database>> opened =
-            OpenDatabase(toDiskPath(getFileDir(getShortName(fromDiskPath(m_sDBFPathFileName)))),
-                         false, false, QStringLiteral("FoxPro 2.6"));
+            OpenDatabase(toDiskPath(getFileDir(getShortName(table.file))), false, false,
+                         QStringLiteral("FoxPro 2.6"));
         if (!opened.isOk())
             return QString();
         db = std::move(opened.value());
@@ -171,108 +179,108 @@ QString mvPLXRecs::highestKeyInTable(const QString &query, bool *ok)
     *ok = true;
     if (rs.value()->isEOF())
         return QString();
-    const Result<QVariant> id = rs.value()->value(m_sIDfield);
+    const Result<QVariant> id = rs.value()->value(table.idField);
     return id.isOk() ? rtrimSpaces(id.value().toString()).right(7) : QString();
 }
 
-mvPLXRecs::IdUse mvPLXRecs::idUseOf(RecordSource &source, const QString &candidate)
+IdAllocator::IdUse IdAllocator::idUseOf(const Table &table, RecordSource &source,
+                                        const QString &candidate)
 {
     // Which record holds the candidate decides: the very same ID, or only one that the
     // engine's text comparison takes for it (a case-insensitive engine sees "PLE000000a" in
     // "PLE000000A"). Such a twin could never be found apart from its record.
-    const Result<QVariant> desc = source.value(m_sDescfield);
-    m_takenDesc = desc.isOk() ? desc.value().toString() : QString();
-    const Result<QVariant> id = source.value(m_sIDfield);
+    const Result<QVariant> desc = source.value(table.descField);
+    m_takenBy = desc.isOk() ? desc.value().toString() : QString();
+    const Result<QVariant> id = source.value(table.idField);
     return id.isOk() && rtrimSpaces(id.value().toString()) == rtrimSpaces(candidate) ? IdUse::Taken
                                                                                      : IdUse::Twin;
 }
 
-mvPLXRecs::IdUse mvPLXRecs::idInTable(const QString &candidate, const QString &criterion,
-                                      const QString &ownID)
+IdAllocator::IdUse IdAllocator::idInTable(const Table &table, const QString &candidate,
+                                          const QString &criterion, const QString &ownID)
 {
-    // The table as it is on disk: another user may have added the ID since this
+    // The table as it is on disk: another user may have added the ID since the
     // navigator's query ran. The record known as `ownID` does not count.
-    if (!m_db)
+    if (!table.db)
         return IdUse::Free;
     auto isOwn = [&](RecordSource &source) {
-        const Result<QVariant> id = source.value(m_sIDfield);
+        const Result<QVariant> id = source.value(table.idField);
         return !ownID.isNull() && id.isOk()
             && rtrimSpaces(id.value().toString()) == rtrimSpaces(ownID);
     };
     // A table file is searched through a fresh source over all of it (the driver finds an
     // ID in an open source faster than it runs a WHERE over the file); a database answers
     // the WHERE from its index.
-    const bool tableFile = getLenTrim(m_sDBFPathFileName) >= 1;
-    Result<std::unique_ptr<RecordSource>> fresh =
-        m_db->OpenRecordset(QStringLiteral("SELECT * from ") + sqlTableName()
-                            + (tableFile ? QString() : QStringLiteral(" WHERE ") + criterion));
+    Result<std::unique_ptr<RecordSource>> fresh = table.db->OpenRecordset(
+        table.isTableFile ? table.sql.selectAll() : table.sql.selectWhere(criterion));
     if (!fresh.isOk())
         return IdUse::Free;
     RecordSource &source = *fresh.value();
-    bool atMatch =
-        tableFile ? source.FindFirst(criterion).isOk() && !source.NoMatch() : !source.isEOF();
+    bool atMatch = table.isTableFile ? source.FindFirst(criterion).isOk() && !source.NoMatch()
+                                     : !source.isEOF();
     while (atMatch) {
         if (!isOwn(source))
-            return idUseOf(source, candidate);
-        atMatch = tableFile ? source.FindNext(criterion).isOk() && !source.NoMatch()
-                            : source.MoveNext().isOk() && !source.isEOF();
+            return idUseOf(table, source, candidate);
+        atMatch = table.isTableFile ? source.FindNext(criterion).isOk() && !source.NoMatch()
+                                    : source.MoveNext().isOk() && !source.isEOF();
     }
     return IdUse::Free;
 }
 
-mvPLXRecs::IdUse mvPLXRecs::idTaken(const QString &candidate, const QString &criterion)
+IdAllocator::IdUse IdAllocator::idTaken(const Table &table, const QString &candidate,
+                                        const QString &criterion)
 {
     // The navigator's own record source first, as it stands.
-    if (m_rs) {
-        const qint32 position = m_rs->AbsolutePosition();
-        const Status found = m_rs->FindFirst(criterion);
-        const bool match = found.isOk() && !m_rs->NoMatch();
-        const IdUse use = match ? idUseOf(*m_rs, candidate) : IdUse::Free;
+    if (RecordSource *records = table.records) {
+        const qint32 position = records->AbsolutePosition();
+        const Status found = records->FindFirst(criterion);
+        const bool match = found.isOk() && !records->NoMatch();
+        const IdUse use = match ? idUseOf(table, *records, candidate) : IdUse::Free;
         if (position >= 0)
-            (void)m_rs->setAbsolutePosition(position);
+            (void)records->setAbsolutePosition(position);
         if (match)
             return use;
     }
-    return idInTable(candidate, criterion, QString());
+    return idInTable(table, candidate, criterion, QString());
 }
 
-bool mvPLXRecs::keyIsFree(const QString &id, const QString &ownID)
+bool IdAllocator::keyIsFree(const Table &table, const QString &id, const QString &ownID)
 {
     // A record that keeps its ID keeps it, even where the table already held it twice.
     if (rtrimSpaces(id) == rtrimSpaces(ownID))
         return true;
-    return idInTable(id, m_sIDfield + QStringLiteral(" = ") + strToASC(id), ownID) == IdUse::Free;
+    return idInTable(table, id, table.sql.idCriterion(table.idField, id), ownID) == IdUse::Free;
 }
 
-void mvPLXRecs::keyFileProblem(const QString &keyFile, const QString &reason)
+void IdAllocator::keyFileProblem(const Table &table, const QString &keyFile, const QString &reason)
 {
     // Not "blank ID": the user (or support) must know it is the key file that failed.
-    const QString text = QStringLiteral("The record ID key file for ") + m_sDesc
+    const QString text = QStringLiteral("The record ID key file for ") + table.desc
         + QStringLiteral(" cannot be used:") + kCrLf + fromDiskPath(keyFile) + kCrLf + kCrLf
         + reason + kCrLf + kCrLf + QStringLiteral("New record has NOT been created.");
-    logLines({ text });
-    showBox(text, MsgStyle::Critical, QStringLiteral("Record ID Error"));
-    m_idProblemShown = true;
+    logLines(table, { text });
+    showBox(table, text, MsgStyle::Critical, QStringLiteral("Record ID Error"));
+    m_problemShown = true;
 }
 
 // The key file's last key, rebuilt from the table when the file is missing or holds no
 // key of this generator; empty (and the user told) when it cannot be made usable.
-QString mvPLXRecs::usableKeyLine(const QString &keyFile, const QString &query)
+QString IdAllocator::usableKeyLine(const Table &table, const QString &keyFile, const QString &query)
 {
     // The table itself knows its highest key; an empty table starts at zero, so that its
     // first ID ends in 0000001.
     auto rebuild = [&]() {
         bool ok = false;
-        QString key = highestKeyInTable(query, &ok);
+        QString key = highestKeyInTable(table, query, &ok);
         if (ok && key.size() != 7)
             key = QStringLiteral("0000000");
         const QString code = keyToASC(key);
         const QString failed = writeKeyLine(keyFile, code);
         if (!failed.isEmpty()) {
-            keyFileProblem(keyFile, failed);
+            keyFileProblem(table, keyFile, failed);
             return false;
         }
-        logLines(rebuiltKeyLines(m_sDesc, query, key, code));
+        logLines(table, rebuiltKeyLines(table.desc, query, key, code));
         return true;
     };
     if (!getFileExistLEN(keyFile, false) && !rebuild())
@@ -283,9 +291,10 @@ QString mvPLXRecs::usableKeyLine(const QString &keyFile, const QString &query)
     if (isGeneratorKeyLine(trimSpaces(code)))
         return code;
     // Damaged, written by something else, or the last key there is: said, and rebuilt.
-    const QStringList lines = unexpectedKeyLines(m_sDesc, query, code, lFlag);
-    showBox(lines.join(kCrLf), MsgStyle::Information, QStringLiteral("Record ID Error"));
-    logLines(QStringList(lines) << (getLenTrim(code) != 21
+    const QStringList lines = unexpectedKeyLines(table.desc, query, code, lFlag);
+    showBox(table, lines.join(kCrLf), MsgStyle::Information, QStringLiteral("Record ID Error"));
+    logLines(table,
+             QStringList(lines) << (getLenTrim(code) != 21
                                         ? QStringLiteral("Len_Trim(sLastIDasc) <> 21")
                                         : QStringLiteral("sLastIDasc is not a key of seven "
                                                          "character codes")));
@@ -297,16 +306,17 @@ QString mvPLXRecs::usableKeyLine(const QString &keyFile, const QString &query)
 
 // The first ID after `candidate` that no record holds, written back as the key file's
 // last key; empty (and the user told) when none is found or the key cannot be kept.
-QString mvPLXRecs::firstFreeID(QString candidate, const QString &keyFile, const QString &query)
+QString IdAllocator::firstFreeID(const Table &table, const QString &parentID, QString candidate,
+                                 const QString &keyFile, const QString &query)
 {
-    auto logStep = [this](const QString &line) { logLines({ line }); };
+    auto logStep = [&table](const QString &line) { logLines(table, { line }); };
     const int lFlag = 0;
     // Case twins are skipped without counting as attempts; the key space bounds them.
     int twins = 0;
     bool caughtUp = false;
     for (int attempts = 0;;) {
-        const QString criterion = m_sIDfield + QStringLiteral(" = ") + strToASC(candidate);
-        const IdUse use = idTaken(candidate, criterion);
+        const QString criterion = table.sql.idCriterion(table.idField, candidate);
+        const IdUse use = idTaken(table, candidate, criterion);
         if (use == IdUse::Twin && ++twins < kMaxTwins) {
             candidate = PLXIDIncrement(candidate, logStep);
             continue;
@@ -314,7 +324,7 @@ QString mvPLXRecs::firstFreeID(QString candidate, const QString &keyFile, const 
         if (use == IdUse::Free) {
             if (const QString failed = writeKeyLine(keyFile, keyToASC(candidate).right(21));
                 !failed.isEmpty()) {
-                keyFileProblem(keyFile, failed);
+                keyFileProblem(table, keyFile, failed);
                 return QString();
             }
             return candidate;
@@ -324,20 +334,21 @@ QString mvPLXRecs::firstFreeID(QString candidate, const QString &keyFile, const 
             // machine) would fail every NEW: the table's highest key takes its place once.
             caughtUp = true;
             bool ok = false;
-            const QString highest = highestKeyInTable(query, &ok);
+            const QString highest = highestKeyInTable(table, query, &ok);
             if (ok && highest.size() == 7 && keyToASC(highest) > keyToASC(candidate.right(7))) {
-                logLines({ QStringLiteral("Key file behind the table for ") + m_sDesc,
+                logLines(table,
+                         { QStringLiteral("Key file behind the table for ") + table.desc,
                            QStringLiteral("Last ID Key (last 7):  ") + highest,
                            QStringLiteral("From ") + keyFile });
-                candidate = PLXIDIncrement(m_sParentID + highest, logStep);
+                candidate = PLXIDIncrement(parentID + highest, logStep);
                 continue;
             }
         }
         if (attempts >= 10) {
             const QStringList lines =
-                duplicateIdLines({ m_takenDesc, query, candidate, criterion, lFlag, attempts });
-            logLines(lines);
-            showBox(lines.join(kCrLf), MsgStyle::Critical,
+                duplicateIdLines({ m_takenBy, query, candidate, criterion, lFlag, attempts });
+            logLines(table, lines);
+            showBox(table, lines.join(kCrLf), MsgStyle::Critical,
                     QStringLiteral("Error on New Record ID"));
             return QString();
         }
@@ -346,34 +357,36 @@ QString mvPLXRecs::firstFreeID(QString candidate, const QString &keyFile, const 
     }
 }
 
-QString mvPLXRecs::NewIDPLX()
+QString IdAllocator::newID(const Table &table, const QString &parentID)
 {
-    const QString keyFile = keyFilePath();
+    const QString keyFile = keyFilePath(table.file);
     // No side files beside a table that cannot be written: its records get no new IDs.
-    if (keyFile.isEmpty() || getLenTrim(m_sIDfield) < 1
-        || (m_rs && !m_rs->readOnlyReason().isEmpty()))
+    if (keyFile.isEmpty() || getLenTrim(table.idField) < 1
+        || (table.records && !table.records->readOnlyReason().isEmpty()))
         return QString();
-    const QString query = highestIdQuery(sqlTableName(), m_sIDfield);
+    // The table's generated IDs, highest first: the first row holds the last key.
+    const QString query = table.sql.highestGeneratedID(table.idField);
 
     // One navigator at a time makes an ID for this table, in every process.
     Result<std::unique_ptr<LockFile>> lock = LockFile::open(keyFile + QStringLiteral(".lock"));
-    m_idProblemShown = false;
+    m_problemShown = false;
     if (!lock.isOk() || !lock.value()->lock(0, 1, LockKind::Exclusive, kKeyLockWaitMs).isOk()) {
-        keyFileProblem(keyFile,
+        keyFileProblem(table, keyFile,
                        lock.isOk() ? QStringLiteral("another program holds it too long")
                                    : lock.status().message());
         return QString();
     }
 
-    const QString code = usableKeyLine(keyFile, query);
+    const QString code = usableKeyLine(table, keyFile, query);
     if (code.isEmpty())
         return QString();
-    const QString lastID = m_sParentID + ascToKey(code, 3);
+    const QString lastID = parentID + ascToKey(code, 3);
     const QString candidate =
-        PLXIDIncrement(lastID, [this](const QString &line) { logLines({ line }); });
-    logLines({ QStringLiteral("ParentID ") + m_sParentID, QStringLiteral("LastID   ") + lastID,
+        PLXIDIncrement(lastID, [&table](const QString &line) { logLines(table, { line }); });
+    logLines(table,
+             { QStringLiteral("ParentID ") + parentID, QStringLiteral("LastID   ") + lastID,
                QStringLiteral("New ID   ") + candidate, QStringLiteral("From ") + keyFile });
-    return firstFreeID(candidate, keyFile, query);
+    return firstFreeID(table, parentID, candidate, keyFile, query);
 }
 
 } // namespace plx

@@ -1,82 +1,77 @@
-// mervane/tests/mvtext_test.cpp: the text row on a real SQLite table: what it shows, what
-// it refuses and why, what it writes and what it restores.
+// mervane/tests/rows_test.cpp: the text and check-box rows on a real SQLite table: what
+// they show, what they refuse and why, what they write and what they restore.
+#include "mervane/mvcheck.h"
 #include "mervane/mvtext.h"
 #include "mervane/rowpalette.h"
 #include "mervane/tests/rowfixtures.h"
 
-#include "tests/support/fakeenv.h"
-
-#include <QApplication>
-#include <QDate>
+#include <QCheckBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
-
-#include <gtest/gtest.h>
 
 using namespace plx;
 using namespace plx::rowtest;
 
 namespace {
 
-class TextRowTest : public ::testing::Test
+class RowTest : public TableFixture<>
 {
 protected:
+    // Record 0 holds a value in every field (FLAGT "Y", FLAGN 1), record 1 none.
     void SetUp() override
     {
-        db = makeTable(Store::Sqlite, dir.path(),
-                       { { QStringLiteral("SMITH, ANN"), QVariant(), 1234.5, QDate(2024, 3, 7),
-                           true, QStringLiteral("T"), 0, 12 } });
-        ASSERT_TRUE(db);
-        rs = openT(*db);
-        ASSERT_TRUE(rs);
-    }
-
-    std::unique_ptr<mvText> row(const char *field, const char *format = "")
-    {
-        auto r = std::make_unique<mvText>();
-        r->setServices(env.services());
-        r->setSCaption(QString::fromLatin1(field).toLower());
-        r->setSFormat(QString::fromLatin1(format));
-        r->DataBinding()->setRecordSet(rs);
-        r->DataBinding()->setSFieldName(QString::fromLatin1(field));
-        EXPECT_TRUE(r->UpdateDBF().isOk());
-        return r;
+        makeT(Store::Sqlite,
+              { { QStringLiteral("SMITH, ANN"), QVariant(), 1234.5, QDate(2024, 3, 7), true,
+                  QStringLiteral("Y"), 1, 12 },
+                nullRecord() });
     }
 
     // The reason the row gives for `text`, or "accepted".
-    QString verdict(mvText &r, const QString &text)
+    static QString verdict(mvText &r, const QString &text)
     {
         r.setText(text);
         QString reason;
         return r.bValidate(true, &reason) ? QStringLiteral("accepted") : reason;
     }
 
-    test::TestServices env;
-    QTemporaryDir dir;
-    std::unique_ptr<Database> db;
-    std::shared_ptr<RecordSource> rs;
+    // Clicks the box on its indicator (a click beside a short caption misses the button).
+    static void click(mvCheck &r)
+    {
+        auto *box = r.findChild<QCheckBox *>(QStringLiteral("chkValue"));
+        QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(6, box->height() / 2));
+    }
+
+    // Clicks the box, writes it and returns what the buffer holds for the field.
+    QVariant clickAndWrite(mvCheck &r, const char *field)
+    {
+        click(r);
+        EXPECT_TRUE(rs->Edit().isOk());
+        r.EditUpdate();
+        QVariant v = rs->value(QString::fromLatin1(field)).value();
+        EXPECT_TRUE(rs->CancelUpdate().isOk());
+        return v;
+    }
 };
 
 } // namespace
 
-TEST_F(TextRowTest, ShowsTheCurrentRecordThroughItsFormat)
+TEST_F(RowTest, TextShowsTheCurrentRecordThroughItsFormat)
 {
-    EXPECT_EQ(row("NAME")->Value(), QStringLiteral("SMITH, ANN"));
-    EXPECT_EQ(row("AMOUNT", "#,##0.00")->Value(), QStringLiteral("1,234.50"));
-    EXPECT_EQ(row("BORN", "dd.mm.yyyy")->Value(), QStringLiteral("07.03.2024"));
-    EXPECT_EQ(row("NOTES")->Value(), QString()) << "Null shows as empty";
-    auto missing = std::make_unique<mvText>();
-    missing->DataBinding()->setRecordSet(rs);
-    missing->DataBinding()->setSFieldName(QStringLiteral("NOSUCH"));
-    EXPECT_EQ(missing->UpdateDBF().code(), Status::Code::UnknownField);
+    EXPECT_EQ(boundRow<mvText>("NAME")->Value(), QStringLiteral("SMITH, ANN"));
+    EXPECT_EQ(boundRow<mvText>("AMOUNT", "#,##0.00")->Value(), QStringLiteral("1,234.50"));
+    EXPECT_EQ(boundRow<mvText>("BORN", "dd.mm.yyyy")->Value(), QStringLiteral("07.03.2024"));
+    EXPECT_EQ(boundRow<mvText>("NOTES")->Value(), QString()) << "Null shows as empty";
+    mvText missing;
+    missing.DataBinding()->setRecordSet(rs);
+    missing.DataBinding()->setSFieldName(QStringLiteral("NOSUCH"));
+    EXPECT_EQ(missing.UpdateDBF().code(), Status::Code::UnknownField);
 }
 
-TEST_F(TextRowTest, RefusesWhatTheFieldCannotTakeInWordsAUserUnderstands)
+TEST_F(RowTest, TextRefusesWhatTheFieldCannotTakeInWordsAUserUnderstands)
 {
-    auto name = row("NAME");
+    auto *name = boundRow<mvText>("NAME");
     EXPECT_EQ(verdict(*name, QString(21, QLatin1Char('x'))),
               QStringLiteral("is longer than 20 characters"));
     EXPECT_EQ(verdict(*name, QString(20, QLatin1Char('x'))), QStringLiteral("accepted"));
@@ -84,7 +79,7 @@ TEST_F(TextRowTest, RefusesWhatTheFieldCannotTakeInWordsAUserUnderstands)
     EXPECT_EQ(verdict(*name, QStringLiteral("ABCDEF")),
               QStringLiteral("is longer than 5 characters"));
 
-    auto amount = row("AMOUNT", "#,##0.00");
+    auto *amount = boundRow<mvText>("AMOUNT", "#,##0.00");
     EXPECT_EQ(verdict(*amount, QStringLiteral("12x")), QStringLiteral("is not a number"));
     EXPECT_EQ(verdict(*amount, QStringLiteral("99,999.99")), QStringLiteral("accepted"));
     EXPECT_EQ(
@@ -94,40 +89,36 @@ TEST_F(TextRowTest, RefusesWhatTheFieldCannotTakeInWordsAUserUnderstands)
     amount->setBAllowNull(true);
     EXPECT_EQ(verdict(*amount, QString()), QStringLiteral("accepted"));
 
-    auto born = row("BORN", "dd.mm.yyyy");
+    auto *born = boundRow<mvText>("BORN", "dd.mm.yyyy");
     EXPECT_EQ(verdict(*born, QStringLiteral("31.02.2024")),
               QStringLiteral("is not a date (dd.mm.yyyy)"));
     EXPECT_EQ(verdict(*born, QStringLiteral("29.02.2024")), QStringLiteral("accepted"));
 
-    auto qty = row("QTY");
+    auto *qty = boundRow<mvText>("QTY");
     qty->setSMode(QStringLiteral("Digits"));
     EXPECT_EQ(verdict(*qty, QStringLiteral("1.5")),
               QStringLiteral("may only hold the digits 0 to 9"));
 
     // A value the user did not change is the record's own and never refused.
-    auto shortName = row("NAME");
+    auto *shortName = boundRow<mvText>("NAME");
     shortName->setMaxLength(3);
     QString reason;
     EXPECT_TRUE(shortName->bValidate(true, &reason));
-}
 
-TEST_F(TextRowTest, NotSilentValidationShowsTheReasonItself)
-{
-    auto amount = row("AMOUNT");
+    // Not silent, the row shows the reason itself.
     amount->setSCaption(QStringLiteral("Amount"));
     amount->setText(QStringLiteral("lots"));
     env.prompter.expectMsgBox(QStringLiteral("Invalid Entry"),
                               QStringLiteral("Amount is not a number"), MsgStyle::Exclamation,
                               MsgAnswer::OK);
-    QString reason;
     EXPECT_FALSE(amount->bValidate(false, &reason));
     EXPECT_EQ(reason, QStringLiteral("is not a number"));
 }
 
-TEST_F(TextRowTest, WritesOnlyChangedValuesAndRestoresOnCancel)
+TEST_F(RowTest, TextWritesOnlyChangedValuesAndRestoresOnCancel)
 {
-    auto name = row("NAME");
-    auto amount = row("AMOUNT", "#,##0");
+    auto *name = boundRow<mvText>("NAME");
+    auto *amount = boundRow<mvText>("AMOUNT", "#,##0");
     ASSERT_TRUE(rs->Edit().isOk());
     // Someone else (the navigator's stamp, another control) set AMOUNT in the buffer; the
     // row showing "1,235" rounded must not write its rounded text over it.
@@ -139,6 +130,14 @@ TEST_F(TextRowTest, WritesOnlyChangedValuesAndRestoresOnCancel)
     amount->EditUpdate();
     EXPECT_EQ(rs->value(QStringLiteral("NAME")).value().toString(), QStringLiteral("JONES, BO"));
     EXPECT_DOUBLE_EQ(rs->value(QStringLiteral("AMOUNT")).value().toDouble(), 77.25);
+
+    // Empty becomes Null only when allowed.
+    name->setText(QString());
+    name->EditUpdate();
+    EXPECT_EQ(rs->value(QStringLiteral("NAME")).value(), QVariant(QString()));
+    name->setBAllowNull(true);
+    name->EditUpdate();
+    EXPECT_FALSE(rs->value(QStringLiteral("NAME")).value().isValid());
     ASSERT_TRUE(rs->CancelUpdate().isOk());
 
     name->setText(QStringLiteral("typed before Edit"));
@@ -148,21 +147,9 @@ TEST_F(TextRowTest, WritesOnlyChangedValuesAndRestoresOnCancel)
     EXPECT_EQ(name->Value(), QStringLiteral("typed before Edit"));
 }
 
-TEST_F(TextRowTest, EmptyBecomesNullOnlyWhenAllowed)
+TEST_F(RowTest, TextModesShapeWhatIsTyped)
 {
-    auto name = row("NAME");
-    ASSERT_TRUE(rs->Edit().isOk());
-    name->setText(QString());
-    name->EditUpdate();
-    EXPECT_EQ(rs->value(QStringLiteral("NAME")).value(), QVariant(QString()));
-    name->setBAllowNull(true);
-    name->EditUpdate();
-    EXPECT_FALSE(rs->value(QStringLiteral("NAME")).value().isValid());
-}
-
-TEST_F(TextRowTest, ModesShapeWhatIsTyped)
-{
-    auto name = row("NAME");
+    auto *name = boundRow<mvText>("NAME");
     name->setSMode(QStringLiteral("Upper"));
     auto *edit = name->findChild<QLineEdit *>(QStringLiteral("txtValue"));
     ASSERT_TRUE(edit);
@@ -170,7 +157,7 @@ TEST_F(TextRowTest, ModesShapeWhatIsTyped)
     QTest::keyClicks(edit, QStringLiteral("abc"));
     EXPECT_EQ(name->Value(), QStringLiteral("ABC"));
 
-    auto qty = row("QTY");
+    auto *qty = boundRow<mvText>("QTY");
     qty->setSMode(QStringLiteral("Digits"));
     auto *qtyEdit = qty->findChild<QLineEdit *>(QStringLiteral("txtValue"));
     qtyEdit->clear();
@@ -185,11 +172,15 @@ TEST_F(TextRowTest, ModesShapeWhatIsTyped)
     name->setLocked(true);
     QTest::keyClicks(edit, QStringLiteral("more"));
     EXPECT_EQ(name->Value().size(), 20) << "a locked row takes no typing";
+
+    QSignalSpy spy(name, &mvRow::DblClick);
+    QTest::mouseDClick(edit, Qt::LeftButton);
+    EXPECT_EQ(spy.count(), 1) << "a double click on the value raises the row's event";
 }
 
-TEST_F(TextRowTest, MemoIsEditedOverSeveralLines)
+TEST_F(RowTest, TextEditsAMemoOverSeveralLines)
 {
-    auto notes = row("NOTES");
+    auto *notes = boundRow<mvText>("NOTES");
     EXPECT_TRUE(notes->isMultiLine());
     auto *memo = notes->findChild<QPlainTextEdit *>(QStringLiteral("txtMemo"));
     ASSERT_TRUE(memo);
@@ -204,15 +195,66 @@ TEST_F(TextRowTest, MemoIsEditedOverSeveralLines)
     EXPECT_EQ(notes->Value(), QStringLiteral("first line\nsecond line"));
 }
 
-TEST_F(TextRowTest, DoubleClickRaisesTheRowsEvent)
+TEST_F(RowTest, CheckStoredFormFollowsTheFieldAndWhatItHolds)
 {
-    auto name = row("NAME");
-    QSignalSpy spy(name.get(), &mvRow::DblClick);
-    QTest::mouseDClick(name->findChild<QLineEdit *>(QStringLiteral("txtValue")), Qt::LeftButton);
-    EXPECT_EQ(spy.count(), 1);
+    auto *logical = boundRow<mvCheck>("ACTIVE");
+    EXPECT_EQ(logical->Value(), QStringLiteral("True"));
+    EXPECT_EQ(clickAndWrite(*logical, "ACTIVE"), QVariant(false));
+
+    // The numeric field holds 1 for true, so 1/0 it stays (not -1).
+    auto *numeric = boundRow<mvCheck>("FLAGN");
+    EXPECT_EQ(numeric->Value(), QStringLiteral("1"));
+    EXPECT_EQ(clickAndWrite(*numeric, "FLAGN").toInt(), 0);
+    click(*numeric);
+    EXPECT_EQ(numeric->Value(), QStringLiteral("1"));
+
+    auto *text = boundRow<mvCheck>("FLAGT");
+    EXPECT_EQ(text->Value(), QStringLiteral("Y"));
+    EXPECT_EQ(clickAndWrite(*text, "FLAGT").toString(), QStringLiteral("N"));
 }
 
-TEST_F(TextRowTest, SizesAreTwipsOfTheScreensResolution)
+TEST_F(RowTest, CheckEmptyFieldsTakeTheDefaultFormsAndNullStaysNullUntilClicked)
+{
+    ASSERT_TRUE(rs->MoveNext().isOk());
+    auto *numeric = boundRow<mvCheck>("FLAGN");
+    auto *text = boundRow<mvCheck>("FLAGT");
+    auto *logical = boundRow<mvCheck>("ACTIVE");
+    EXPECT_EQ(numeric->Value(), QString());
+    EXPECT_FALSE(numeric->Checked());
+
+    ASSERT_TRUE(rs->Edit().isOk());
+    logical->EditUpdate(); // untouched
+    EXPECT_FALSE(rs->value(QStringLiteral("ACTIVE")).value().isValid()) << "Null stays Null";
+    ASSERT_TRUE(rs->CancelUpdate().isOk());
+
+    EXPECT_EQ(clickAndWrite(*numeric, "FLAGN").toInt(), -1);
+    EXPECT_EQ(clickAndWrite(*text, "FLAGT").toString(), QStringLiteral("T"));
+}
+
+TEST_F(RowTest, CheckLockedBoxKeepsItsStateBoldCaptionFollowsIt)
+{
+    auto *r = boundRow<mvCheck>("ACTIVE");
+    auto *box = r->findChild<QCheckBox *>(QStringLiteral("chkValue"));
+    r->setBBoldOnChk(true);
+    EXPECT_TRUE(box->font().bold());
+    r->setLocked(true);
+    click(*r);
+    QTest::keyClick(box, Qt::Key_Space);
+    EXPECT_TRUE(r->Checked()) << "a locked box does not change";
+    r->setLocked(false);
+    click(*r);
+    EXPECT_FALSE(r->Checked());
+    EXPECT_FALSE(box->font().bold());
+
+    r->setValue(QStringLiteral("Yes"));
+    EXPECT_TRUE(r->Checked());
+    EXPECT_EQ(r->Value(), QStringLiteral("True"));
+    r->Clear();
+    EXPECT_EQ(r->Value(), QString());
+    EXPECT_FALSE(r->Checked());
+}
+
+TEST(RowGeometry, SizesAreTwipsOfTheScreensResolution)
 {
     mvText r;
     r.setIHeight(1440);
