@@ -155,6 +155,16 @@ TEST_P(SessionWalk, StatusBarShowsTheSavedNewRecordsPosition)
                        "SAVE\n");
 }
 
+// A kept new record sits at the end of the records: the scroll bar stands at it and
+// reaches it, so dragging the bar to the end shows it (the bar stood at 0, one short).
+TEST_P(SessionWalk, ScrollBarReachesAKeptNewRecord)
+{
+    expectScriptPasses("FILTER Opened since 2000\n"
+                       "NEW\n"
+                       "CANCEL\nANSWER No\n"
+                       "SCROLL 1215\n");
+}
+
 TEST_P(SessionWalk, ReplaysTheScriptOfPLX_WALK_SCRIPT)
 {
     const QString path = qEnvironmentVariable("PLX_WALK_SCRIPT");
