@@ -101,7 +101,12 @@ void mvPLXRecsPrivate::setNavigationEnabled(bool enabled)
     // rest while a record is edited.
     cmdRecBack->setEnabled(enabled);
     cmdRecNext->setEnabled(enabled);
-    hscroll->setEnabled(enabled && rs && rs->RecordCount() > 0);
+    // Back to browsing, the bar stands at the record and reaches every record: the command
+    // that ran meanwhile may have added, kept or removed records.
+    if (enabled && rs)
+        setScrollBar();
+    else
+        hscroll->setEnabled(false);
 }
 
 void mvPLXRecsPrivate::setButtonsForEditing(bool editing)

@@ -355,9 +355,6 @@ bool mvPLXRecsPrivate::commandCancel(const QString &id)
     if (rs) {
         sEventInfo = QStringLiteral("ButtonClick: Cancel (RecEditEnd)");
         Q_EMIT q->RecEditEnd(recordID);
-        // The scroll bar was left behind while the command ran: a record NEW or COPY added
-        // and kept sits at the end of the records, where the bar must now reach and stand.
-        setScrollBar();
     }
     if (!rs || !commands.offersDeletion(editedID, recordID))
         return true;
