@@ -11,7 +11,6 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QFile>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QKeyEvent>
@@ -226,21 +225,6 @@ FormView FormDriver::view() const
     for (qint16 n = 0; n <= rows->nUbound(); ++n)
         v.rows.insert(rows->sFieldName(n).toUpper(), rows->sValue(n));
     return v;
-}
-
-QByteArray FormDriver::tableFileBytes() const
-{
-    const QString path = tablePath();
-    const QStringList files = m_backend == Backend::FoxPro
-        ? QStringList{ path, path.chopped(4) + QStringLiteral(".FPT") }
-        : QStringList{ path, path + QStringLiteral("-wal"), path + QStringLiteral("-journal") };
-    QByteArray bytes;
-    for (const QString &name : files) {
-        QFile file(name);
-        const QByteArray content = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-        bytes += QByteArray::number(content.size()) + ':' + content;
-    }
-    return bytes;
 }
 
 bool FormDriver::readTable(Table *table, QString *error, QStringList *duplicates) const

@@ -96,8 +96,6 @@ public:
 
     bool readTable(Table *table, QString *error, QStringList *duplicates) const;
     QString tablePath() const;
-    // The bytes of every file the table's contents live in (table, memo, journal), joined.
-    QByteArray tableFileBytes() const;
     Backend backend() const { return m_backend; }
     WalkPrompter &prompter() { return m_prompter; }
     WalkClock &clock() { return m_clock; }

@@ -119,9 +119,9 @@ QStringList WalkModel::filterNames()
 
 // --- The order ------------------------------------------------------------------------
 
-const WalkModel::RecordFacts &WalkModel::facts(const Record &record) const
+const WalkModel::RecordFacts &WalkModel::facts(const QString &id, const Record &record) const
 {
-    RecordFacts &f = m_facts[record.value(QStringLiteral("ID"))];
+    RecordFacts &f = m_facts[id];
     if (!f.record.isSharedWith(record) || f.record.isEmpty() || f.sort != m_sort
         || f.filter != m_filter) {
         f.record = record;
@@ -135,12 +135,12 @@ const WalkModel::RecordFacts &WalkModel::facts(const Record &record) const
 
 QStringList WalkModel::sortKey(const Record &record) const
 {
-    return facts(record).key;
+    return facts(record.value(QStringLiteral("ID")), record).key;
 }
 
 bool WalkModel::inFilter(const Record &record) const
 {
-    return facts(record).member;
+    return facts(record.value(QStringLiteral("ID")), record).member;
 }
 
 QStringList WalkModel::computeSortKey(const Record &record) const
@@ -205,9 +205,12 @@ const WalkModel::Order &WalkModel::order() const
         && o.filter == m_filter && o.tail == m_tail)
         return o;
     QList<std::pair<QStringList, QString>> sorted;
-    for (auto it = m_table.cbegin(); it != m_table.cend(); ++it)
-        if (!m_tail.contains(it.key()) && inFilter(*it))
-            sorted.append({ sortKey(*it), it.key() });
+    for (auto it = m_table.cbegin(); it != m_table.cend(); ++it) {
+        if (m_tail.contains(it.key()))
+            continue;
+        if (const RecordFacts &f = facts(it.key(), *it); f.member)
+            sorted.append({ f.key, it.key() });
+    }
     std::stable_sort(sorted.begin(), sorted.end(), [](const auto &a, const auto &b) {
         return compareKeys(a.first, b.first) < 0;
     });

@@ -162,7 +162,7 @@ private:
         QStringList key;
         bool member = false;
     };
-    const RecordFacts &facts(const Record &record) const;
+    const RecordFacts &facts(const QString &id, const Record &record) const;
     mutable QHash<QString, RecordFacts> m_facts; // record ID -> facts
 
     // The query's records in order (the tail last) with their keys, kept while the table,

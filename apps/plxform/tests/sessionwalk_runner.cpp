@@ -99,10 +99,6 @@ private:
     QTemporaryDir m_data;
     std::unique_ptr<FormDriver> m_form;
     std::unique_ptr<WalkModel> m_model;
-    // The table files' bytes and the model's table at the last disk check that passed: while
-    // neither has changed that check's answer stands, and the walk skips rereading the table.
-    QByteArray m_checkedBytes;
-    Table m_checkedTable;
 };
 
 std::optional<WalkFailure> Walk::start()
@@ -283,10 +279,6 @@ std::optional<WalkFailure> Walk::checkShown(const FormView &view)
 
 std::optional<WalkFailure> Walk::checkDisk()
 {
-    const QByteArray bytes = m_form->tableFileBytes();
-    if (!m_checkedTable.isEmpty() && m_checkedTable.isSharedWith(m_model->table())
-        && bytes == m_checkedBytes)
-        return std::nullopt;
     Table disk;
     QString error;
     QStringList duplicates;
@@ -297,11 +289,8 @@ std::optional<WalkFailure> Walk::checkDisk()
                             QStringLiteral("IDs held by more than one record: ")
                                 + duplicates.join(QStringLiteral(", ")) };
     const QStringList d = tableDifferences(m_model->table(), disk);
-    if (d.isEmpty()) {
-        m_checkedBytes = bytes;
-        m_checkedTable = m_model->table();
+    if (d.isEmpty())
         return std::nullopt;
-    }
     return WalkFailure{ -1, QStringLiteral("disk"),
                         QStringLiteral("the table on disk differs: ")
                             + d.join(QStringLiteral("; ")) };
