@@ -7,20 +7,19 @@
 // The tables are copied first (the commands write), into $PLX_BENCH_DIR/commands.
 #include "services/recordsource/tablegen/benchtable.h"
 #include "benchmarks/benchtablecache.h"
+#include "benchmarks/widgetbenchmain.h"
 
 #include "fields/mvchecks.h"
 #include "fields/mvname.h"
 #include "navigator/mvplxrecs.h"
 #include "services/recordsource/database.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QScrollBar>
 
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
 #include <memory>
 
 namespace {
@@ -168,28 +167,21 @@ void NewID(benchmark::State &state, Engine engine)
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_LOGGING_RULES", "qt.qpa.*=false");
-    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     if (qEnvironmentVariableIsEmpty("PLX_HARROWBY_DIR")) {
         QDir().mkpath(QStringLiteral("/tmp/plx-bench/inst"));
         qputenv("PLX_HARROWBY_DIR", "/tmp/plx-bench/inst");
     }
-    QApplication app(argc, argv);
-    for (auto [engine, prefix] : { std::pair{ Engine::SQLite, "BM_Cmd_SQLite_" },
-                                   std::pair{ Engine::FoxPro, "BM_Cmd_FoxPro_" } }) {
-        auto name = [prefix = prefix](const char *what) { return std::string(prefix) + what; };
-        benchmark::RegisterBenchmark(name("EditSave").c_str(), EditSave, engine)
-            ->Unit(benchmark::kMillisecond);
-        benchmark::RegisterBenchmark(name("NewSave").c_str(), NewSave, engine)
-            ->Unit(benchmark::kMillisecond)
-            ->Iterations(5);
-        benchmark::RegisterBenchmark(name("NewIDPLX").c_str(), NewID, engine)
-            ->Unit(benchmark::kMillisecond);
-    }
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return plx::bench::runWidgetBenchmarks(argc, argv, [] {
+        for (auto [engine, prefix] : { std::pair{ Engine::SQLite, "BM_Cmd_SQLite_" },
+                                       std::pair{ Engine::FoxPro, "BM_Cmd_FoxPro_" } }) {
+            auto name = [prefix = prefix](const char *what) { return std::string(prefix) + what; };
+            benchmark::RegisterBenchmark(name("EditSave").c_str(), EditSave, engine)
+                ->Unit(benchmark::kMillisecond);
+            benchmark::RegisterBenchmark(name("NewSave").c_str(), NewSave, engine)
+                ->Unit(benchmark::kMillisecond)
+                ->Iterations(5);
+            benchmark::RegisterBenchmark(name("NewIDPLX").c_str(), NewID, engine)
+                ->Unit(benchmark::kMillisecond);
+        }
+    });
 }

@@ -12,18 +12,17 @@
 // back afterwards), so that the table stays what the other benchmarks expect.
 #include "services/recordsource/tablegen/foxprowriter.h"
 #include "benchmarks/benchtablecache.h"
+#include "benchmarks/widgetbenchmain.h"
 #include "fields/mvchecks.h"
 #include "fields/mvname.h"
 
 #include "services/recordsource/database.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QFile>
 
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
 #include <memory>
 
 namespace {
@@ -202,13 +201,5 @@ BENCHMARK(BM_Fields_NavigatorSave_FoxPro)->Unit(benchmark::kMicrosecond);
 int main(int argc, char **argv)
 {
     // The rows are widgets; no window is shown, so no display is needed.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return plx::bench::runWidgetBenchmarks(argc, argv);
 }

@@ -5,6 +5,7 @@
 //
 //   build/benchmarks/bm_navigator --benchmark_repetitions=3 --benchmark_report_aggregates_only=true
 #include "benchmarks/benchtablecache.h"
+#include "benchmarks/widgetbenchmain.h"
 #include "services/recordsource/tablegen/benchtable.h"
 
 #include "navigator/mvplxrecs.h"
@@ -22,7 +23,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
 #include <memory>
 
 namespace {
@@ -276,20 +276,8 @@ void registerAll(Engine engine, const char *prefix)
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    // The offscreen platform's notes on every window would bury the results.
-    qputenv("QT_LOGGING_RULES", "qt.qpa.*=false");
-    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &message) {
-        if (type != QtDebugMsg && type != QtInfoMsg
-            && !message.startsWith(QLatin1String("This plugin does not")))
-            std::fprintf(stderr, "%s\n", qPrintable(message));
+    return plx::bench::runWidgetBenchmarks(argc, argv, [] {
+        registerAll(Engine::SQLite, "BM_Nav_SQLite_");
+        registerAll(Engine::FoxPro, "BM_Nav_FoxPro_");
     });
-    QApplication app(argc, argv);
-    registerAll(Engine::SQLite, "BM_Nav_SQLite_");
-    registerAll(Engine::FoxPro, "BM_Nav_FoxPro_");
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
 }

@@ -5,12 +5,9 @@
 //
 //   build/benchmarks/bm_sessionwalk --benchmark_repetitions=3 --benchmark_report_aggregates_only=true
 #include "apps/plxform/tests/sessionwalk_runner.h"
-
-#include <QApplication>
+#include "benchmarks/widgetbenchmain.h"
 
 #include <benchmark/benchmark.h>
-
-#include <cstdio>
 
 namespace {
 
@@ -57,17 +54,5 @@ BENCHMARK(BM_SessionWalk_SQLite)->Arg(400)->Unit(benchmark::kMillisecond)->Itera
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_LOGGING_RULES", "qt.qpa.*=false");
-    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &message) {
-        if (type != QtDebugMsg && type != QtInfoMsg
-            && !message.startsWith(QLatin1String("This plugin does not")))
-            std::fprintf(stderr, "%s\n", qPrintable(message));
-    });
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return plx::bench::runWidgetBenchmarks(argc, argv);
 }
