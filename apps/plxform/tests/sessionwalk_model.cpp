@@ -147,11 +147,15 @@ QStringList WalkModel::computeSortKey(const Record &record) const
 {
     // Each back end's text order: a FoxPro table compares its code page's bytes; SQLite
     // compares letters without case and accents first, then the accents, a letter
-    // without one first. Null and blank (the same thing in a FoxPro table) come first.
+    // without one first. Null comes first, then blank (the same thing in a FoxPro table).
     const bool bytes = m_options.backend == Backend::FoxPro;
     QStringList key;
     for (const QString &field : sortFields(m_sort)) {
         const QString value = record.value(field);
+        if (isNullPlain(value)) {
+            key << QString(); // before every text, the empty one too (SQLite's order)
+            continue;
+        }
         if (bytes) {
             // The bytes of Windows-1252 (the sample table's code page), one character each.
             QString codes;
@@ -180,21 +184,22 @@ QStringList WalkModel::computeSortKey(const Record &record) const
     return key;
 }
 
-bool WalkModel::computeInFilter(const Record &r) const
+bool WalkModel::computeInFilter(const Record &record) const
 {
+    const auto value = [&record](const char *field) {
+        return textOf(record.value(QLatin1String(field)));
+    };
     if (m_filter == QLatin1String("Active facilities"))
-        return r.value(QStringLiteral("ACTIVE")) == QLatin1String("T");
+        return value("ACTIVE") == QLatin1String("T");
     if (m_filter == QLatin1String("Medicare, 100 beds or more"))
-        return r.value(QStringLiteral("MEDICARE")) == QLatin1String("T")
-            && !r.value(QStringLiteral("BEDS")).isEmpty()
-            && r.value(QStringLiteral("BEDS")).toDouble() >= 100;
+        return value("MEDICARE") == QLatin1String("T") && !value("BEDS").isEmpty()
+            && value("BEDS").toDouble() >= 100;
     if (m_filter == QLatin1String("Texas and Ohio")) {
-        const QString state = r.value(QStringLiteral("STATE")).toUpper();
+        const QString state = value("STATE").toUpper();
         return state == QLatin1String("TX") || state == QLatin1String("OH");
     }
     if (m_filter == QLatin1String("Opened since 2000"))
-        return !r.value(QStringLiteral("OPENED")).isEmpty()
-            && r.value(QStringLiteral("OPENED")) >= QLatin1String("20000101");
+        return !value("OPENED").isEmpty() && value("OPENED") >= QLatin1String("20000101");
     return true;
 }
 
@@ -327,8 +332,8 @@ std::optional<QString> WalkModel::storedValue(const QString &field, const QStrin
 QString WalkModel::displayOf(const QString &field, const QString &plain) const
 {
     const FieldShape *shape = fieldShape(field);
-    if (!shape || plain.isEmpty())
-        return plain;
+    if (!shape || plain.isEmpty() || isNullPlain(plain))
+        return textOf(plain);
     if (field == QLatin1String("BEDS"))
         return QLocale(QLocale::English).toString(qlonglong(std::llround(plain.toDouble())));
     if (shape->kind == FieldKind::Date) {
@@ -336,6 +341,14 @@ QString WalkModel::displayOf(const QString &field, const QString &plain) const
         return d.isValid() ? d.toString(QStringLiteral("MM/dd/yyyy")) : plain;
     }
     return plain;
+}
+
+QString WalkModel::blankOf(const FieldShape &field) const
+{
+    if (field.kind == FieldKind::Logical)
+        return QStringLiteral("F");
+    // SQLite leaves a field nobody wrote Null; a FoxPro record starts out blank.
+    return m_options.backend == Backend::SQLite ? nullPlain() : QString();
 }
 
 QString WalkModel::shownText(const QString &field) const
@@ -479,7 +492,7 @@ Expectation WalkModel::create(bool copy, const QDateTime &now)
         r = m_table[m_current]; // every field, the old ID too, before the new ID overwrites it
     } else {
         for (const FieldShape &f : sampleFieldShapes())
-            r.insert(f.name, f.kind == FieldKind::Logical ? QStringLiteral("F") : QString());
+            r.insert(f.name, blankOf(f));
     }
     r[QStringLiteral("PLSTART")] = stamp(now);
     r[QStringLiteral("PLLASTREV")] = stamp(now);
@@ -633,7 +646,7 @@ Expectation WalkModel::remove(const Step &step)
 {
     Expectation e;
     const QString question = QStringLiteral("Are you sure you want to delete this record?");
-    const QString desc = m_table[m_current].value(QStringLiteral("NAME"));
+    const QString desc = textOf(m_table[m_current].value(QStringLiteral("NAME")));
     e.boxes << patternBox(QStringLiteral("Delete Record?"),
                           QRegularExpression::escape(question)
                               + (desc.isEmpty() ? QStringLiteral("(\r\n)?")
@@ -667,7 +680,7 @@ Expectation WalkModel::find(const QString &typed)
     // The find widens itself one character at a time until something is found.
     for (; !search.isEmpty(); search.chop(1)) {
         for (auto it = m_table.begin(); it != m_table.end(); ++it)
-            if (it->value(field).toUpper().startsWith(search))
+            if (textOf(it->value(field)).toUpper().startsWith(search))
                 hits << it.key();
         if (!hits.isEmpty())
             break;

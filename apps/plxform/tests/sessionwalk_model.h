@@ -114,6 +114,8 @@ private:
     // What a row would store for `typed`, or std::nullopt (and why) when it refuses it.
     std::optional<QString> storedValue(const QString &field, const QString &typed) const;
     QString displayOf(const QString &field, const QString &plain) const;
+    // What a field of a record NEW made holds before anything is typed into it.
+    QString blankOf(const FieldShape &field) const;
     QStringList sortKey(const Record &record) const;
     bool inFilter(const Record &record) const;
     QStringList computeSortKey(const Record &record) const;

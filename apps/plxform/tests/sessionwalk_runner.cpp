@@ -211,7 +211,7 @@ std::optional<WalkFailure> Walk::checkRecord(const Expectation &e, const FormVie
             -1, QStringLiteral("current record"),
             QStringLiteral("the form shows %1 (%2); the rules give %3%4")
                 .arg(view.currentID,
-                     m_model->table().value(view.currentID).value(QStringLiteral("NAME")),
+                     textOf(m_model->table().value(view.currentID).value(QStringLiteral("NAME"))),
                      some.join(QStringLiteral(", ")),
                      e.currentAmong.size() > 4 ? QStringLiteral(", ...") : QString())
         };

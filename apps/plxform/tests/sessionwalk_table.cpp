@@ -148,6 +148,13 @@ QString backendName(Backend backend)
     return backend == Backend::FoxPro ? QStringLiteral("FoxPro") : QStringLiteral("SQLite");
 }
 
+const QString &nullPlain()
+{
+    // A character no typed text holds, so no value can be mistaken for it.
+    static const QString null = QString(QChar(0)) + QStringLiteral("Null");
+    return null;
+}
+
 const QList<FieldShape> &sampleFieldShapes()
 {
     static const QList<FieldShape> fields = {
@@ -267,7 +274,7 @@ namespace {
 QString plainSqliteValue(sqlite3_stmt *row, int column, const FieldShape &shape, int type)
 {
     if (type == SQLITE_NULL)
-        return shape.kind == FieldKind::Logical ? QStringLiteral("F") : QString();
+        return shape.kind == FieldKind::Logical ? QStringLiteral("F") : nullPlain();
     const QString text =
         QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(row, column)),
                           sqlite3_column_bytes(row, column));
@@ -441,21 +448,25 @@ QStringList tableDifferences(const Table &expected, const Table &actual, int lim
     for (auto it = expected.begin(); it != expected.end(); ++it) {
         if (!actual.contains(it.key())) {
             add(QStringLiteral("record %1 (%2) is missing")
-                    .arg(it.key(), it->value(QStringLiteral("NAME"))));
+                    .arg(it.key(), textOf(it->value(QStringLiteral("NAME")))));
             continue;
         }
         const Record &got = actual[it.key()];
         if (got == *it)
             continue;
+        const auto quoted = [](const QString &plain) {
+            return isNullPlain(plain) ? QStringLiteral("Null")
+                                      : QLatin1Char('"') + plain + QLatin1Char('"');
+        };
         for (auto f = it->begin(); f != it->end(); ++f)
             if (got.value(f.key()) != f.value())
-                add(QStringLiteral("record %1 field %2: expected \"%3\", found \"%4\"")
-                        .arg(it.key(), f.key(), f.value(), got.value(f.key())));
+                add(QStringLiteral("record %1 field %2: expected %3, found %4")
+                        .arg(it.key(), f.key(), quoted(f.value()), quoted(got.value(f.key()))));
     }
     for (auto it = actual.begin(); it != actual.end(); ++it)
         if (!expected.contains(it.key()))
             add(QStringLiteral("record %1 (%2) should not be there")
-                    .arg(it.key(), it->value(QStringLiteral("NAME"))));
+                    .arg(it.key(), textOf(it->value(QStringLiteral("NAME")))));
     return lines;
 }
 

@@ -36,6 +36,20 @@ const FieldShape *fieldShape(const QString &name);
 using Record = QMap<QString, QString>; // field name -> plain value
 using Table = QMap<QString, Record>; // ID (plain) -> record
 
+// A SQLite field holding Null. It differs from an empty text there: Null sorts before every
+// text, the empty one included, and a record whose blank fields differ only in that must
+// still be told apart. A FoxPro table has no Null, so its plain values never hold this.
+const QString &nullPlain();
+inline bool isNullPlain(const QString &plain)
+{
+    return plain == nullPlain();
+}
+// What a row shows of a plain value: Null shows empty.
+inline QString textOf(const QString &plain)
+{
+    return isNullPlain(plain) ? QString() : plain;
+}
+
 // The plain form of a number, a date (from a QDate-able text) or a memo.
 QString plainNumber(double value, int decimals);
 QString plainMemo(QString text);

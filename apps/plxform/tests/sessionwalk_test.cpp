@@ -186,7 +186,17 @@ TEST(SessionWalkReaders, ReadTheSampleAlikeOnBothBackEndsAndWithPythonDbf)
     ASSERT_TRUE(prepareSample(&error)) << error.toStdString();
     const Table &fox = pristineTable(Backend::FoxPro);
     EXPECT_EQ(fox.size(), 3000);
-    EXPECT_EQ(tableDifferences(fox, pristineTable(Backend::SQLite)), QStringList());
+    // The same data, but for Null: the SQLite copy leaves empty fields Null.
+    Table sqlite = pristineTable(Backend::SQLite);
+    int nulls = 0;
+    for (Record &record : sqlite)
+        for (QString &value : record)
+            if (isNullPlain(value)) {
+                value.clear();
+                ++nulls;
+            }
+    EXPECT_GT(nulls, 0);
+    EXPECT_EQ(tableDifferences(fox, sqlite), QStringList());
     // A record with a memo and a date, as the sample's own data holds them.
     const auto withNotes = std::find_if(fox.begin(), fox.end(), [](const Record &r) {
         return r.value(QStringLiteral("NOTES")).contains(QLatin1Char('\n'));
