@@ -5,6 +5,7 @@
 
 #include "services/recordsource/recordsource.h"
 #include "services/texthelpers.h"
+#include "tests/support/testchild.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -27,9 +28,9 @@ TEST_P(TwoUsers, ARecordHeldElsewhereIsDeniedUntilItsHolderDies)
 {
     configure();
     QProcess holder;
-    holder.start(QStringLiteral(PLX_NAVIGATOR_CHILD),
-                 { QStringLiteral("hold"), kindOf(isFoxPro()), tablePath(),
-                   QStringLiteral("PLE0000008"), QStringLiteral("BOB") });
+    holder.start(testChildProgram(),
+                 { QStringLiteral("navigator"), QStringLiteral("hold"), kindOf(isFoxPro()),
+                   tablePath(), QStringLiteral("PLE0000008"), QStringLiteral("BOB") });
     ASSERT_TRUE(holder.waitForReadyRead(20000)) << holder.readAllStandardError().toStdString();
     ASSERT_EQ(holder.readLine().trimmed(), QByteArray("HELD"));
 
@@ -64,9 +65,9 @@ TEST_P(TwoUsers, RecordsCreatedAtOnceNeverShareAnID)
     constexpr int perUser = 500;
     QProcess users[2];
     for (QProcess &user : users)
-        user.start(QStringLiteral(PLX_NAVIGATOR_CHILD),
-                   { QStringLiteral("create"), kindOf(isFoxPro()), tablePath(),
-                     QString::number(perUser), QStringLiteral("USER") });
+        user.start(testChildProgram(),
+                   { QStringLiteral("navigator"), QStringLiteral("create"), kindOf(isFoxPro()),
+                     tablePath(), QString::number(perUser), QStringLiteral("USER") });
     QStringList handedOut;
     for (QProcess &user : users) {
         ASSERT_TRUE(user.waitForFinished(240000));
@@ -161,9 +162,9 @@ TEST(SaveKilled, AtEveryWriteLeavesDataAndStampTogether)
         const QString path = fox->tableFile(round, QStringLiteral("T"));
         const QStringList before = readBack(path);
         QProcess victim;
-        victim.start(QStringLiteral(PLX_NAVIGATOR_CHILD),
-                     { QStringLiteral("killatsave"), QStringLiteral("foxpro"), path, id,
-                       QString::number(n) });
+        victim.start(testChildProgram(),
+                     { QStringLiteral("navigator"), QStringLiteral("killatsave"),
+                       QStringLiteral("foxpro"), path, id, QString::number(n) });
         ASSERT_TRUE(victim.waitForFinished(20000));
         const int code = victim.exitCode();
         ASSERT_TRUE(code == 0 || code == 77) << code << victim.readAllStandardError().toStdString();

@@ -4,14 +4,17 @@
 // one append per entry, log entries interleave.
 #include "services/ini.h"
 
+#include "tests/support/testchild.h"
+
 #include <QFile>
-#include <QProcess>
-#include <QProcessEnvironment>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 using namespace plx;
+using plx::test::TestChild;
 
 namespace {
 
@@ -19,22 +22,17 @@ constexpr int keysPerWriter = 60;
 constexpr int entriesPerLogger = 200;
 constexpr int deletedSections = 60;
 
-QProcess *startChild(const QStringList &args, const QString &installDir)
+// The settings role of the test child, installed in `installDir`.
+std::unique_ptr<TestChild> startChild(const QStringList &args, const QString &installDir)
 {
-    auto *p = new QProcess;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("PLX_HARROWBY_DIR"), installDir);
-    p->setProcessEnvironment(env);
-    p->start(QStringLiteral(PLX_SERVICES_CHILD), args);
-    return p;
+    return std::make_unique<TestChild>(QStringList{ QStringLiteral("settings") } + args, env);
 }
 
-void finish(QProcess *p)
+void finish(const std::unique_ptr<TestChild> &child)
 {
-    ASSERT_TRUE(p->waitForFinished(30000)) << "child did not finish";
-    EXPECT_EQ(p->exitStatus(), QProcess::NormalExit);
-    EXPECT_EQ(p->exitCode(), 0) << p->readAllStandardError().toStdString();
-    delete p;
+    EXPECT_EQ(child->exitCode(30000), 0) << child->errors().toStdString();
 }
 
 } // namespace
@@ -49,12 +47,12 @@ TEST(IniConcurrencyTest, TwoProcessesWritingDifferentKeysLoseNeither)
     seed.write("; kept\r\n[Shared]\r\nStart=1\r\n");
     seed.close();
 
-    QProcess *a = startChild({ QStringLiteral("ini"), file, QStringLiteral("Shared"),
-                               QStringLiteral("A"), QString::number(keysPerWriter) },
-                             dir.path());
-    QProcess *b = startChild({ QStringLiteral("ini"), file, QStringLiteral("shared"),
-                               QStringLiteral("B"), QString::number(keysPerWriter) },
-                             dir.path());
+    auto a = startChild({ QStringLiteral("ini"), file, QStringLiteral("Shared"),
+                          QStringLiteral("A"), QString::number(keysPerWriter) },
+                        dir.path());
+    auto b = startChild({ QStringLiteral("ini"), file, QStringLiteral("shared"),
+                          QStringLiteral("B"), QString::number(keysPerWriter) },
+                        dir.path());
     finish(a);
     finish(b);
 
@@ -87,12 +85,12 @@ TEST(IniConcurrencyTest, DeletingSectionsWhileAnotherProcessWritesLosesNothing)
     seed.write("[Kept]\r\nStart=1\r\n");
     seed.close();
 
-    QProcess *writer = startChild({ QStringLiteral("ini"), file, QStringLiteral("Kept"),
-                                    QStringLiteral("K"), QString::number(keysPerWriter) },
-                                  dir.path());
-    QProcess *deleter = startChild({ QStringLiteral("deletesections"), file, QStringLiteral("Gone"),
-                                     QString::number(deletedSections) },
-                                   dir.path());
+    auto writer = startChild({ QStringLiteral("ini"), file, QStringLiteral("Kept"),
+                               QStringLiteral("K"), QString::number(keysPerWriter) },
+                             dir.path());
+    auto deleter = startChild({ QStringLiteral("deletesections"), file, QStringLiteral("Gone"),
+                                QString::number(deletedSections) },
+                              dir.path());
     finish(writer);
     finish(deleter);
 
@@ -112,10 +110,10 @@ TEST(ActivityLogConcurrencyTest, TwoProcessesLoggingAtOnceWriteWholeEntries)
 {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
-    QProcess *a = startChild(
+    auto a = startChild(
         { QStringLiteral("log"), QString::number(entriesPerLogger), QStringLiteral("alpha") },
         dir.path());
-    QProcess *b = startChild(
+    auto b = startChild(
         { QStringLiteral("log"), QString::number(entriesPerLogger), QStringLiteral("beta") },
         dir.path());
     finish(a);
@@ -130,7 +128,7 @@ TEST(ActivityLogConcurrencyTest, TwoProcessesLoggingAtOnceWriteWholeEntries)
     int nextOf[2] = { 1, 1 };
     for (qsizetype at = 0; at + 6 < lines.size(); at += 6) {
         ASSERT_EQ(lines.at(at), QByteArray(20, '=') + '\r') << "entry at line " << at;
-        EXPECT_TRUE(lines.at(at + 1).endsWith(" serviceschild\r"));
+        EXPECT_TRUE(lines.at(at + 1).endsWith(" testchild\r"));
         const QByteArray what = lines.at(at + 2);
         const int who = what.startsWith("alpha ") ? 0 : what.startsWith("beta ") ? 1 : -1;
         ASSERT_GE(who, 0) << what.toStdString();
@@ -138,7 +136,7 @@ TEST(ActivityLogConcurrencyTest, TwoProcessesLoggingAtOnceWriteWholeEntries)
         // Each process's entries arrive whole and in its own call order.
         EXPECT_EQ(what, tag + " entry " + QByteArray::number(nextOf[who]++) + '\r');
         EXPECT_EQ(lines.at(at + 3), "second line of " + tag + '\r');
-        EXPECT_EQ(lines.at(at + 4), QByteArray("PLX services_child\r"));
+        EXPECT_EQ(lines.at(at + 4), QByteArray("PLX plx_testchild\r"));
         EXPECT_EQ(lines.at(at + 5), QByteArray("REV 34\r"));
     }
     EXPECT_EQ(nextOf[0], entriesPerLogger + 1);

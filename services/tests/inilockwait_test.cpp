@@ -5,10 +5,10 @@
 #include "services/ini.h"
 
 #include "services/tests/envguard.h"
+#include "tests/support/testchild.h"
 
 #include <QElapsedTimer>
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -33,28 +33,22 @@ class LockHolder
 {
 public:
     explicit LockHolder(const QString &settingsFile)
+        : m_child({ QStringLiteral("settingslock"), settingsFile }),
+          m_locked(m_child.readLine(10000) == QLatin1String("locked"))
     {
-        m_process.start(QStringLiteral(PLX_SETTINGS_LOCK_HOLDER), { settingsFile });
-        m_locked = m_process.waitForStarted(10000) && m_process.waitForReadyRead(10000)
-            && m_process.readLine().trimmed() == "locked";
     }
-    ~LockHolder() { release(); }
-    LockHolder(const LockHolder &) = delete;
-    LockHolder &operator=(const LockHolder &) = delete;
 
     bool locked() const { return m_locked; }
+    // The holder lets go when its input ends; one that does not is killed.
     void release()
     {
-        if (m_process.state() == QProcess::NotRunning)
-            return;
-        m_process.closeWriteChannel();
-        if (!m_process.waitForFinished(10000))
-            m_process.kill();
-        m_process.waitForFinished(10000);
+        m_child.closeInput();
+        if (m_child.exitCode(10000) != 0)
+            m_child.kill();
     }
 
 private:
-    QProcess m_process;
+    test::TestChild m_child;
     bool m_locked = false;
 };
 

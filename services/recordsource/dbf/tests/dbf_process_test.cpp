@@ -4,8 +4,8 @@
 #include "dbf_test_util.h"
 
 #include "services/recordsource/dbf/internal/dbftable.h"
+#include "tests/support/testchild.h"
 
-#include <QProcess>
 #include <QSet>
 #include <QTemporaryDir>
 
@@ -13,16 +13,22 @@
 
 using namespace plx;
 using namespace plx::dbftestutil;
+using plx::test::TestChild;
 
 namespace {
 
-bool finishedOk(QProcess &p, int timeoutMs = 60000)
+// The test child in its table role.
+QStringList tableChild(const char *mode, const QString &path, const QString &arg)
 {
-    if (!p.waitForFinished(timeoutMs))
-        return false;
-    if (p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0)
-        ADD_FAILURE() << "child failed: " << p.readAllStandardError().toStdString();
-    return p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0;
+    return { QStringLiteral("table"), QString::fromLatin1(mode), path, arg };
+}
+
+bool finishedOk(TestChild &child)
+{
+    const int code = child.exitCode();
+    if (code != 0)
+        ADD_FAILURE() << "child failed (" << code << "): " << child.errors().toStdString();
+    return code == 0;
 }
 
 void expectReadersAgree(const QString &path)
@@ -51,12 +57,8 @@ TEST(DbfProcesses, TwoProcessesAppendingLoseAndTearNothing)
 {
     QTemporaryDir dir;
     const QString path = makeSmallTable(dir.path(), 0);
-    QProcess a;
-    QProcess b;
-    a.start(childProgram(),
-            { QStringLiteral("append"), path, QStringLiteral("1000"), QStringLiteral("AAA") });
-    b.start(childProgram(),
-            { QStringLiteral("append"), path, QStringLiteral("1000"), QStringLiteral("BBB") });
+    TestChild a(tableChild("append", path, QStringLiteral("1000")) << QStringLiteral("AAA"));
+    TestChild b(tableChild("append", path, QStringLiteral("1000")) << QStringLiteral("BBB"));
     ASSERT_TRUE(finishedOk(a));
     ASSERT_TRUE(finishedOk(b));
 
@@ -86,10 +88,8 @@ TEST(DbfProcesses, RecordLockedByAnotherProcessIsReportedLocked)
 {
     QTemporaryDir dir;
     const QString path = makeSmallTable(dir.path(), 3);
-    QProcess child;
-    child.start(childProgram(), { QStringLiteral("lock"), path, QStringLiteral("2") });
-    ASSERT_TRUE(child.waitForReadyRead(10000));
-    ASSERT_EQ(child.readLine().trimmed(), QByteArray("locked"));
+    TestChild child(tableChild("lock", path, QStringLiteral("2")));
+    ASSERT_EQ(child.readLine(), QStringLiteral("locked"));
 
     auto t = DbfTable::open(path);
     ASSERT_TRUE(t.isOk());
@@ -99,14 +99,12 @@ TEST(DbfProcesses, RecordLockedByAnotherProcessIsReportedLocked)
     EXPECT_TRUE((*t)->writeRecord(3, { QStringLiteral("Y") }).isOk());
 
     // Our lock on record 1 is seen by another process too.
-    QProcess second;
-    second.start(childProgram(), { QStringLiteral("lock"), path, QStringLiteral("1") });
-    ASSERT_TRUE(second.waitForReadyRead(10000));
-    EXPECT_EQ(second.readLine().trimmed(), QByteArray("busy"));
-    second.write("\n");
+    TestChild second(tableChild("lock", path, QStringLiteral("1")));
+    EXPECT_EQ(second.readLine(), QStringLiteral("busy"));
+    second.send(QString());
     ASSERT_TRUE(finishedOk(second));
 
-    child.write("\n");
+    child.send(QString());
     ASSERT_TRUE(finishedOk(child));
     EXPECT_TRUE((*t)->lockRecord(2).isOk()); // released when the holder ended
 }
@@ -128,11 +126,8 @@ TEST(DbfProcesses, ProcessKilledMidWriteLeavesAReadableTable)
         SCOPED_TRACE(c.point);
         QTemporaryDir dir;
         const QString path = makeSmallTable(dir.path(), 3);
-        QProcess child;
-        child.start(childProgram(),
-                    { QStringLiteral("crash"), path, QString::fromLatin1(c.point) });
-        ASSERT_TRUE(child.waitForFinished(10000));
-        EXPECT_EQ(child.exitCode(), 77) << child.readAllStandardError().toStdString();
+        TestChild child(tableChild("crash", path, QString::fromLatin1(c.point)));
+        EXPECT_EQ(child.exitCode(10000), 77) << child.errors().toStdString();
 
         auto t = DbfTable::open(path);
         ASSERT_TRUE(t.isOk()) << t.status().toString().toStdString();
@@ -163,14 +158,11 @@ TEST(DbfProcesses, WriterKilledAtEveryWriteLeavesEachRecordWholeOldOrNew)
     };
     // Runs `op` in a child on a fresh table, ended before its nth write (0: never).
     auto run = [](const QString &dir, const char *op, int n) {
-        QProcess child;
-        child.start(childProgram(),
-                    { QStringLiteral("killat"), dir, QString::fromLatin1(op), QString::number(n) });
-        if (!child.waitForFinished(20000))
-            return -1;
-        if (child.exitCode() != 0 && child.exitCode() != 77)
-            ADD_FAILURE() << child.readAllStandardError().toStdString();
-        return child.exitCode();
+        TestChild child(tableChild("killat", dir, QString::fromLatin1(op)) << QString::number(n));
+        const int code = child.exitCode(20000);
+        if (code != 0 && code != 77)
+            ADD_FAILURE() << child.errors().toStdString();
+        return code;
     };
     // The fewest writes each operation makes: an update writes the memo's blocks, the memo
     // header and the record; an add those and the table header; a delete the flag alone.

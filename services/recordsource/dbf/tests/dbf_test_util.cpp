@@ -117,11 +117,6 @@ QStringList dumpTable(const DbfTable &table)
     return lines;
 }
 
-QString childProgram()
-{
-    return QStringLiteral(PLX_DBF_CHILD);
-}
-
 QByteArray readFile(const QString &path)
 {
     QFile f(path);

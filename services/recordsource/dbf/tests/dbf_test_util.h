@@ -39,9 +39,6 @@ QString canon(const QVariant &value);
 // 'L|...' lines for the live records, then 'D|...' lines for the deleted ones.
 QStringList dumpTable(const DbfTable &table);
 
-// The helper program the multi-process tests start.
-QString childProgram();
-
 QByteArray readFile(const QString &path);
 void writeFile(const QString &path, const QByteArray &bytes);
 

@@ -1,10 +1,13 @@
-// services/tests/settingslockholder.cpp: another program that keeps a settings file locked.
+// tests/support/child/settingslock.cpp: the settingslock role, another program that keeps a
+// settings file locked.
 //
-//   settings_lock_holder <settings file>
-// Takes the writers' exclusive lock on byte 0 of "<settings file>.lock" the way every writer
-// of the product takes it, prints "locked" on its own line, and keeps the lock until its
-// standard input is closed (or it is killed). Written without the library, so that it holds
-// the lock as any other process would, whatever the library under test does.
+//   settingslock FILE
+// Takes the writers' exclusive lock on byte 0 of "FILE.lock" the way every writer of the
+// product takes it, prints "locked" on its own line, and keeps the lock until its standard
+// input is closed (or it is killed). Written without the library, so that it holds the lock
+// as any other process would, whatever the library under test does.
+#include "tests/support/child/roles.h"
+
 #include <QFile>
 
 #include <cstdio>
@@ -19,6 +22,7 @@
 #include <unistd.h>
 #endif
 
+namespace plx::testchild {
 namespace {
 
 bool lockForGood(const QString &lockPath)
@@ -44,11 +48,11 @@ bool lockForGood(const QString &lockPath)
 
 } // namespace
 
-int main(int argc, char **argv)
+int runSettingsLock(const QStringList &args)
 {
-    if (argc != 2)
+    if (args.size() != 1)
         return 1;
-    if (!lockForGood(QFile::decodeName(argv[1]) + QStringLiteral(".lock")))
+    if (!lockForGood(args.at(0) + QStringLiteral(".lock")))
         return 2;
     std::printf("locked\n");
     std::fflush(stdout);
@@ -56,3 +60,5 @@ int main(int argc, char **argv)
     while (std::getline(std::cin, line)) { }
     return 0;
 }
+
+} // namespace plx::testchild

@@ -1,19 +1,18 @@
-// services/recordsource/tests/lockchild.cpp: the second process of the two-process lock
-// tests. It opens a contract database with the named back end, goes to one record and
+// tests/support/child/recordlock.cpp: the recordlock role, the second process of the
+// two-process record-lock tests. It opens a contract database with the named back end,
+// goes to one record and
 //   try    tries Edit once and prints the outcome ("OK" or the code name, e.g. "Locked");
 //   hold   takes the lock with Edit, prints "HELD", then obeys lines on stdin:
 //          "update CITY" writes CITY and Updates (prints "UPDATED"), "quit" ends.
-// Usage: recordsource_lockchild BACKEND DIR ID try|hold
-#include "services/texthelpers.h"
-#include "services/recordsource/tests/backend.h"
+//   recordlock BACKEND DIR ID try|hold
+#include "tests/support/child/roles.h"
 
-#include <QCoreApplication>
+#include "services/recordsource/tests/backend.h"
+#include "services/texthelpers.h"
+
 #include <QTextStream>
 
-#include <cstdio>
-
-using namespace plx;
-
+namespace plx::testchild {
 namespace {
 
 int fail(QTextStream &out, const Status &s)
@@ -45,28 +44,28 @@ int hold(RecordSource &rs, QTextStream &out)
 
 } // namespace
 
-int main(int argc, char **argv)
+int runRecordLock(const QStringList &args)
 {
-    QCoreApplication app(argc, argv);
     QTextStream out(stdout);
-    const QStringList args = app.arguments();
-    if (args.size() != 5)
+    if (args.size() != 4)
         return 2;
-    std::shared_ptr<testing::BackEnd> backEnd = testing::backEndNamed(args.at(1));
+    std::shared_ptr<testing::BackEnd> backEnd = testing::backEndNamed(args.at(0));
     if (!backEnd)
         return 2;
-    Result<std::unique_ptr<Database>> db = backEnd->open(args.at(2));
+    Result<std::unique_ptr<Database>> db = backEnd->open(args.at(1));
     if (!db.isOk())
         return fail(out, db.status());
     Result<std::unique_ptr<RecordSource>> rs = db.value()->OpenRecordset(QStringLiteral("T"));
     if (!rs.isOk())
         return fail(out, rs.status());
-    Status s = rs.value()->FindFirst(QStringLiteral("ID = ") + strToASC(args.at(3)));
+    Status s = rs.value()->FindFirst(QStringLiteral("ID = ") + strToASC(args.at(2)));
     if (!s.isOk() || rs.value()->NoMatch())
         return fail(out, s.isOk() ? Status(Status::Code::NotFound, QString()) : s);
-    if (args.at(4) == QLatin1String("hold"))
+    if (args.at(3) == QLatin1String("hold"))
         return hold(*rs.value(), out);
     s = rs.value()->Edit();
     out << (s.isOk() ? QStringLiteral("OK") : codeName(s.code())) << Qt::endl;
     return 0;
 }
+
+} // namespace plx::testchild
