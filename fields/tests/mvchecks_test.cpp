@@ -1,6 +1,6 @@
 // fields/tests/mvchecks_test.cpp: the check-box stack on real tables.
 #include "fields/mvchecks.h"
-#include "mervane/tests/rowfixtures.h"
+#include "tests/support/rowfixtures.h"
 
 #include <QApplication>
 #include <QCheckBox>

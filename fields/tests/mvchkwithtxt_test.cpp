@@ -1,6 +1,6 @@
 // fields/tests/mvchkwithtxt_test.cpp: one check box over a text stack, as one unit.
 #include "fields/mvchkwithtxt.h"
-#include "mervane/tests/rowfixtures.h"
+#include "tests/support/rowfixtures.h"
 
 #include <QLineEdit>
 #include <QSignalSpy>

@@ -2,7 +2,7 @@
 // accessors keep their bounds rules, the edit life cycle goes to every row in row order,
 // and a table file opened by row 0 binds every row.
 #include "fields/mvname.h"
-#include "mervane/tests/rowfixtures.h"
+#include "tests/support/rowfixtures.h"
 #include "mervane/twips.h"
 
 #include <QApplication>

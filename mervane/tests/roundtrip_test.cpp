@@ -4,7 +4,7 @@
 // a character the table's code page cannot hold is refused, never changed.
 #include "mervane/mvcheck.h"
 #include "mervane/mvtext.h"
-#include "mervane/tests/rowfixtures.h"
+#include "tests/support/rowfixtures.h"
 
 using namespace plx;
 using namespace plx::rowtest;

@@ -3,7 +3,7 @@
 #include "mervane/mvcheck.h"
 #include "mervane/mvtext.h"
 #include "mervane/rowpalette.h"
-#include "mervane/tests/rowfixtures.h"
+#include "tests/support/rowfixtures.h"
 
 #include <QCheckBox>
 #include <QLineEdit>

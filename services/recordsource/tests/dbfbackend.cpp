@@ -13,6 +13,8 @@ namespace {
 class DbfBackEnd final : public BackEnd
 {
 public:
+    explicit DbfBackEnd(int codePage) : m_codePage(codePage) { }
+
     QString name() const override { return QStringLiteral("FoxPro"); }
 
     Status createTables(const QString &dir, const QList<TableDef> &tables) const override
@@ -21,8 +23,8 @@ public:
             QList<DbfField> fields;
             for (const FieldInfo &f : t.fields)
                 fields << foxpro::dbfFieldFor(f);
-            Result<std::unique_ptr<DbfTable>> table =
-                DbfTable::create(QDir(dir).filePath(t.name + QStringLiteral(".DBF")), fields);
+            Result<std::unique_ptr<DbfTable>> table = DbfTable::create(
+                QDir(dir).filePath(t.name + QStringLiteral(".DBF")), fields, 0, m_codePage);
             if (!table.isOk())
                 return table.status();
             table.value()->setDurable(false); // set-up only; the tests check durability elsewhere
@@ -49,13 +51,16 @@ public:
     {
         return QDir(dir).filePath(table + QStringLiteral(".DBF"));
     }
+
+private:
+    int m_codePage;
 };
 
 } // namespace
 
-std::shared_ptr<BackEnd> makeDbfBackEnd()
+std::shared_ptr<BackEnd> makeDbfBackEnd(int codePage)
 {
-    return std::make_shared<DbfBackEnd>();
+    return std::make_shared<DbfBackEnd>(codePage);
 }
 
 } // namespace plx::testing

@@ -6,7 +6,8 @@
 namespace plx::testing {
 
 // Each table becomes a FoxPro 2.6 file <name>.DBF (with an .FPT for memos) in the test
-// folder, written through the table file layer; the folder opens as "FoxPro 2.6".
-std::shared_ptr<BackEnd> makeDbfBackEnd();
+// folder, written through the table file layer in `codePage`; the folder opens as
+// "FoxPro 2.6".
+std::shared_ptr<BackEnd> makeDbfBackEnd(int codePage = 1252);
 
 } // namespace plx::testing

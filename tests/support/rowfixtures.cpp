@@ -1,14 +1,12 @@
-// mervane/tests/rowfixtures.cpp
-#include "mervane/tests/rowfixtures.h"
+// tests/support/rowfixtures.cpp: the row tables, written by the contract suite's back ends.
+#include "tests/support/rowfixtures.h"
 
-#include "services/recordsource/dbf/internal/dbftable.h"
-#include "services/recordsource/foxpro/internal/fieldmapping.h"
-#include "services/recordsource/sqlite/internal/sqlitevalues.h"
+#include "services/recordsource/tests/dbfbackend.h"
+#include "services/recordsource/tests/sqlitebackend.h"
 
 #include <QDir>
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 namespace plx::rowtest {
 
@@ -68,43 +66,15 @@ QString tableFile(const QString &dir)
 
 namespace {
 
-QString sqliteFile(const QString &dir)
+std::shared_ptr<testing::BackEnd> backEndOf(Store store)
 {
-    return dir + QStringLiteral("/t.db");
-}
-
-bool createSqlite(const QString &dir)
-{
-    sqlite3 *db = nullptr;
-    if (sqlite3_open(sqliteFile(dir).toUtf8().constData(), &db) != SQLITE_OK) {
-        sqlite3_close(db);
-        return false;
-    }
-    QStringList columns;
-    for (const FieldInfo &f : fixtureFields())
-        columns << QStringLiteral("\"%1\" %2").arg(f.name, sqlite::declaredTypeFor(f));
-    const QByteArray sql =
-        QStringLiteral("CREATE TABLE T (%1)").arg(columns.join(QLatin1Char(','))).toUtf8();
-    const bool ok = sqlite3_exec(db, sql.constData(), nullptr, nullptr, nullptr) == SQLITE_OK;
-    sqlite3_close(db);
-    return ok;
-}
-
-bool createFoxPro(const QString &dir, int codePage)
-{
-    QList<DbfField> fields;
-    for (const FieldInfo &f : fixtureFields())
-        fields << foxpro::dbfFieldFor(f);
-    auto table = DbfTable::create(tableFile(dir), fields, 0, codePage);
-    EXPECT_TRUE(table.isOk()) << table.status().toString().toStdString();
-    return table.isOk();
+    return store == Store::Sqlite ? testing::makeSqliteBackEnd()
+                                  : testing::makeDbfBackEnd(codePageOf(store));
 }
 
 std::unique_ptr<Database> openStore(Store store, const QString &dir)
 {
-    auto db = store == Store::Sqlite
-        ? OpenDatabase(sqliteFile(dir), false, false, QString())
-        : OpenDatabase(dir, false, false, QStringLiteral("FoxPro 2.6"));
+    auto db = backEndOf(store)->open(dir);
     EXPECT_TRUE(db.isOk()) << db.status().toString().toStdString();
     return db.isOk() ? std::move(db).value() : nullptr;
 }
@@ -115,10 +85,10 @@ std::unique_ptr<Database> makeTable(Store store, const QString &dir,
                                     const QList<QVariantList> &rows)
 {
     QDir().mkpath(dir);
-    const bool created =
-        store == Store::Sqlite ? createSqlite(dir) : createFoxPro(dir, codePageOf(store));
-    EXPECT_TRUE(created);
-    if (!created)
+    const Status created =
+        backEndOf(store)->createTables(dir, { { QStringLiteral("T"), fixtureFields(), {} } });
+    EXPECT_TRUE(created.isOk()) << created.toString().toStdString();
+    if (!created.isOk())
         return nullptr;
     std::unique_ptr<Database> db = openStore(store, dir);
     if (!db)
