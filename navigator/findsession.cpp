@@ -142,6 +142,16 @@ FindSession::Outcome FindSession::find(Database &db, const QueryText &sql,
 {
     const QString search = cutToFieldWidths(trimSpaces(boxText).toUpper(), sortFields, records);
     m_failure = Status::ok();
+    m_found.reset();
+    m_searchedText = boxText;
+    m_outcome = findRecords(db, sql, sortFields, search, idField);
+    return m_outcome;
+}
+
+FindSession::Outcome FindSession::findRecords(Database &db, const QueryText &sql,
+                                              const QString &sortFields, const QString &search,
+                                              const QString &idField)
+{
     // The text as typed first: nearly always something starts with it. Otherwise the find
     // widens to the longest start of the text that something starts with. A shorter start
     // matches whatever a longer one matches, so halving the range finds that length in a

@@ -76,6 +76,12 @@ public:
     Outcome find(Database &db, const QueryText &sql, const QString &sortFields,
                  const RecordSource &records, const QString &boxText, const QString &idField);
     QString foundID() const { return m_foundID; }
+    // The records the last find found (the search results, in the sort's order); nullptr
+    // when it found nothing or failed, and from the next key typed on.
+    std::shared_ptr<RecordSource> found() const { return m_found; }
+    // The find box's text as the last find was given it, and how that find ended.
+    QString searchedText() const { return m_searchedText; }
+    Outcome lastOutcome() const { return m_outcome; }
     // Why the last find's query could not run; ok when it did (or none could be written).
     const Status &failure() const { return m_failure; }
     // A find is under way (the navigator's IDChange handlers run inside it).
@@ -84,6 +90,8 @@ public:
 
 private:
     std::optional<Typed> completed(QString typed, int maxLength);
+    Outcome findRecords(Database &db, const QueryText &sql, const QString &sortFields,
+                        const QString &search, const QString &idField);
     bool matches(Database &db, const QueryText &sql, const QString &sortFields,
                  const QString &search, std::shared_ptr<RecordSource> *hit, bool *failed);
 
@@ -91,6 +99,8 @@ private:
     QStringList m_ids;
     std::shared_ptr<RecordSource> m_found;
     QString m_foundID;
+    QString m_searchedText;
+    Outcome m_outcome = Outcome::NothingFound;
     Status m_failure;
     bool m_running = false;
 };

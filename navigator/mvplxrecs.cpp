@@ -207,7 +207,9 @@ void mvPLXRecsPrivate::connectChildren()
     QObject::connect(cmdFilter, &QPushButton::clicked, q,
                      [this] { trapped("cmdFilter_Click", [&] { filterButtonClicked(); }); });
     QObject::connect(cmdFind, &QPushButton::clicked, q,
-                     [this] { trapped("cmdFind_Click", [&] { findEnter(); }); });
+                     [this] { trapped("cmdFind_Click", [&] { findButtonClicked(); }); });
+    QObject::connect(cmdBrowse, &QPushButton::clicked, q,
+                     [this] { trapped("cmdBrowse_Click", [&] { browseAll(); }); });
     QObject::connect(cmdRecBack, &QPushButton::clicked, q,
                      [this] { trapped("cmdRecBack_Click", [&] { stepClicked(false); }); });
     QObject::connect(cmdRecNext, &QPushButton::clicked, q,

@@ -153,7 +153,8 @@ public:
     // a record in edit.
     QString sUser() const;
     void setSUser(const QString &user);
-    // Stored for hosts that read it back; the navigator does not use it.
+    // The user's settings file (a path in the library's form): the browse grid keeps its
+    // columns and its place on the screen there. Blank: the defaults file.
     QString sUserINIFile() const;
     void setSUserINIFile(const QString &file);
     // Text put as it is into every query the navigator runs: "SELECT * from <table>
@@ -231,6 +232,14 @@ public:
     // The ID the search-list entry at 0-based position lList found last ("" when it has
     // found none yet). Out of range: an "ID Error" box and "".
     Q_INVOKABLE QString sIDfromList(qint32 lList);
+    // Browse: every record of the record source in the grid form, which opens on the current
+    // record. A record the user chooses there becomes current through SetFindFromID (one
+    // IDChange, sEventInfo "IDBrowseGrid", bInitiator set); choosing nothing changes
+    // nothing. The grid's columns are kept in sUserINIFile under "BrowseGridCol " + sDesc.
+    // Nothing happens without a record source or while a record is edited. The Browse
+    // button runs it; the find button ("View search results") browses the records the
+    // find box found, under "BrowseSearchCol " + sDesc, with sEventInfo "BrowseSearch".
+    Q_INVOKABLE void IDBrowseGrid();
     // Empties the find box's text; the search list stays.
     Q_INVOKABLE void ClearSearch();
     // The number of search-list entries.

@@ -114,6 +114,15 @@ public:
     void setFindFromID(const QString &id);
     QString idFromList(qint32 index) const;
 
+    // --- Browse grid (mvplxrecs_browse.cpp) --------------------------------------------
+    void findButtonClicked();
+    void browseAll();
+    void browseSearch();
+    QString browse(const QString &caption, const QString &layoutKey,
+                   std::shared_ptr<RecordSource> records, qint32 startRow,
+                   const QString &startCriterion);
+    void goToChosen(const QString &id, const QString &eventInfo);
+
     // --- Filters (mvplxrecs_filters.cpp) -----------------------------------------------
     void initFilters();
     void filterClicked(int index);
