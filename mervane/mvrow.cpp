@@ -249,6 +249,7 @@ plx::Status mvRow::UpdateDBF()
     const int index = d->binding->fieldIndex();
     d->pending.reset();
     d->problem.clear();
+    d->bufferedText.reset();
     if (index < 0) {
         // Showing the former record's value under a field that is not there would mislead.
         d->showText(QString());
@@ -276,6 +277,7 @@ void mvRow::CancelEdit()
     d->editing = false;
     d->pending.reset();
     d->problem.clear();
+    d->bufferedText.reset();
     d->showText(d->beforeEdit);
 }
 
@@ -302,7 +304,7 @@ void mvRow::EditUpdate()
     d->editing = false;
     d->problem.clear();
     const QString text = d->currentText();
-    if (text == d->loadedText)
+    if (text == d->loadedText && !d->bufferedText)
         return;
     const std::shared_ptr<plx::RecordSource> rs = d->source();
     if (!rs || d->binding->fieldIndex() < 0) {
@@ -321,6 +323,8 @@ void mvRow::EditUpdate()
         if (!s.isOk()) {
             d->problem = d->writeFailure(s);
             d->pending.reset();
+        } else {
+            d->bufferedText = text;
         }
     }
 }
@@ -347,8 +351,8 @@ QString mvRow::Save()
                        sCaption() + QLatin1Char(' ') + problem
                            + QStringLiteral("\r\n\r\nThe field keeps its former value."),
                        plx::MsgStyle::Exclamation);
-        // As the box says: the row shows the value the record kept, not the refused one.
-        d->showText(d->loadedText);
+        // As the box says: the row shows the value the record keeps, not the refused one.
+        d->showText(d->bufferedText.value_or(d->loadedText));
     }
     return problem;
 }

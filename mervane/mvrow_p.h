@@ -64,6 +64,11 @@ public:
     qint16 heightTw = 360;
 
     QString loadedText; // what UpdateDBF showed: a value equal to it is not written
+    // What EditUpdate last put into the record's edit buffer in this edit. A save that
+    // fails leaves it there, so the record would save it: the row then writes what it
+    // shows at every EditUpdate (typing the loaded value back included) and shows this
+    // value when it refuses a later one.
+    std::optional<QString> bufferedText;
     QString beforeEdit; // what CancelEdit shows again
     std::optional<QVariant> pending; // written by EditUpdate, not yet known to be saved
     QString problem; // why EditUpdate could not write, reported by Save

@@ -145,6 +145,21 @@ TEST_P(SessionWalk, RefusedValuesAreNotLeftOnScreenAfterSave)
                        "NEXT\nBACK\n");
 }
 
+// A save the full disk stopped leaves the typed City in the record's edit buffer; a too
+// long City refused at the next save must then show that value, which is what a later save
+// writes, not the one loaded before the edit (the row showed one and would have saved the
+// other). Typing the loaded value back must be written too.
+TEST_P(SessionWalk, ARefusedValueAfterAFailedSaveShowsWhatTheRecordKeeps)
+{
+    expectScriptPasses("EDIT\n"
+                       "TYPE CITY Salem Residenc\n"
+                       "FULLSAVE\n"
+                       "TYPE CITY WWWWWWWWWWWWWWWWWWWWWWWWWW\n"
+                       "FULLSAVE\n"
+                       "TYPE CITY Austin\n"
+                       "SAVE\n");
+}
+
 // The status bar follows a new record through its save.
 TEST_P(SessionWalk, StatusBarShowsTheSavedNewRecordsPosition)
 {
