@@ -12,7 +12,6 @@
 #   - an internal header includes no _p.h header;
 #   - the programs (apps/, samples/) include only public headers of the libraries;
 #   - every header of a library is one of the three kinds.
-# Faults being worked off are listed in cmake/layer-baseline.txt (see the end of this file).
 #
 # Besides, plx_require_headless(<targets>) stops the configure step when one of them reaches
 # Qt Gui or Widgets through its link graph (the record sources and plxsql).
@@ -255,20 +254,6 @@ foreach(file IN LISTS files)
         endif()
     endforeach()
 endforeach()
-
-# Known faults still being worked off, one failure line each, may be listed in
-# cmake/layer-baseline.txt; a listed line that no longer occurs fails the check, so that the
-# list only shrinks.
-if(EXISTS "${SOURCE_DIR}/cmake/layer-baseline.txt")
-    file(STRINGS "${SOURCE_DIR}/cmake/layer-baseline.txt" baseline REGEX "^[^#]")
-    foreach(known IN LISTS baseline)
-        if(known IN_LIST failures)
-            list(REMOVE_ITEM failures "${known}")
-        else()
-            list(APPEND failures "cmake/layer-baseline.txt lists a fault that is gone: ${known}")
-        endif()
-    endforeach()
-endif()
 
 if(failures)
     list(JOIN failures "\n  " text)

@@ -2,15 +2,11 @@
 #include "apps/plxform/sampledata.h"
 
 #include "services/ini.h"
-#include "services/recordsource/dbf/internal/dbftable.h"
-#include "services/recordsource/foxpro/internal/fieldmapping.h"
-#include "services/recordsource/sqlite/internal/sqlitevalues.h"
+#include "services/recordsource/database.h"
 
 #include <QDate>
 #include <QDir>
 #include <QFile>
-
-#include <sqlite3.h>
 
 #include <random>
 
@@ -90,69 +86,17 @@ QList<QVariantList> sampleRows()
     return rows;
 }
 
-Status writeFoxPro(const QString &path, const QList<QVariantList> &rows)
+// Both copies are made through the engines' own table writers, as a host would make them.
+Status writeTable(const QString &name, const QString &connect, const QList<QVariantList> &rows)
 {
-    QList<DbfField> fields;
-    for (const FieldInfo &f : sampleFields())
-        fields << foxpro::dbfFieldFor(f);
-    Result<std::unique_ptr<DbfTable>> table = DbfTable::create(path, fields);
-    if (!table.isOk())
-        return table.status();
-    table.value()->setDurable(false); // one sync at the end is enough for a sample
-    for (const QVariantList &row : rows) {
-        Result<quint32> added = table.value()->appendRecord(row);
-        if (!added.isOk())
-            return added.status();
-    }
-    return Status::ok();
-}
-
-Status writeSqlite(const QString &path, const QList<QVariantList> &rows)
-{
-    sqlite3 *db = nullptr;
-    if (sqlite3_open(path.toUtf8().constData(), &db) != SQLITE_OK) {
-        sqlite3_close(db);
-        return Status(Status::Code::IoError, QStringLiteral("cannot create %1").arg(path));
-    }
-    const QList<FieldInfo> fields = sampleFields();
-    QStringList columns, marks;
-    for (const FieldInfo &f : fields) {
-        columns << QStringLiteral("\"%1\" %2").arg(f.name, sqlite::declaredTypeFor(f));
-        marks << QStringLiteral("?");
-    }
-    auto exec = [db](const QString &sql) {
-        return sqlite3_exec(db, sql.toUtf8().constData(), nullptr, nullptr, nullptr);
-    };
-    int rc = exec(QStringLiteral("BEGIN"));
-    rc = rc
-        ? rc
-        : exec(QStringLiteral("CREATE TABLE FACILITY (%1)").arg(columns.join(QLatin1Char(','))));
-    rc = rc ? rc : exec(QStringLiteral("CREATE INDEX FACILITY_ID ON FACILITY (ID COLLATE NOCASE)"));
-    rc = rc
-        ? rc
-        : exec(QStringLiteral(
-            "CREATE INDEX FACILITY_NAME ON FACILITY (NAME COLLATE NOCASE, CITY COLLATE NOCASE)"));
-    sqlite3_stmt *insert = nullptr;
-    if (!rc)
-        rc = sqlite3_prepare_v2(db,
-                                QStringLiteral("INSERT INTO FACILITY VALUES (%1)")
-                                    .arg(marks.join(QLatin1Char(',')))
-                                    .toUtf8()
-                                    .constData(),
-                                -1, &insert, nullptr);
-    for (qsizetype r = 0; !rc && r < rows.size(); ++r) {
-        for (int i = 0; i < fields.size(); ++i)
-            sqlite::bindValue(insert, i + 1, rows[r].value(i), fields[i]);
-        rc = sqlite3_step(insert) == SQLITE_DONE ? SQLITE_OK : SQLITE_ERROR;
-        sqlite3_reset(insert);
-    }
-    sqlite3_finalize(insert);
-    const QString message = QString::fromUtf8(sqlite3_errmsg(db));
-    exec(rc ? QStringLiteral("ROLLBACK") : QStringLiteral("COMMIT"));
-    sqlite3_close(db);
-    return rc
-        ? Status(Status::Code::Engine, QStringLiteral("cannot write %1: %2").arg(path, message))
-        : Status::ok();
+    Result<std::unique_ptr<Database>> db = OpenDatabase(name, true, false, connect);
+    if (!db.isOk())
+        return db.status();
+    if (Status s = db.value()->createTable(QStringLiteral("FACILITY"), sampleFields()); !s.isOk())
+        return s;
+    Status s = db.value()->appendRecords(QStringLiteral("FACILITY"), rows);
+    db.value()->Close();
+    return s;
 }
 
 void writeFilters(const QString &directory)
@@ -238,9 +182,13 @@ Result<SamplePaths> ensureSample(const QString &directory)
     QDir(partial).removeRecursively();
     if (!QDir().mkpath(partial + QStringLiteral("/foxpro")))
         return Status(Status::Code::IoError, QStringLiteral("cannot create %1").arg(partial));
-    if (Status s = writeFoxPro(partial + QStringLiteral("/foxpro/FACILITY.DBF"), rows); !s.isOk())
+    if (Status s =
+            writeTable(partial + QStringLiteral("/foxpro"), QStringLiteral("FoxPro 2.6"), rows);
+        !s.isOk())
         return s;
-    if (Status s = writeSqlite(partial + QStringLiteral("/facility.sqlite"), rows); !s.isOk())
+    if (Status s = writeTable(partial + QStringLiteral("/facility.sqlite"),
+                              QStringLiteral(";Create=Yes"), rows);
+        !s.isOk())
         return s;
     writeFilters(partial + QStringLiteral("/foxpro"));
     writeFilters(partial);

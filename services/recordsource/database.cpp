@@ -16,6 +16,12 @@ Status Database::createTable(const QString &name, const QList<FieldInfo> &)
                   QStringLiteral("this database cannot create the table %1").arg(name));
 }
 
+Status Database::appendRecords(const QString &name, const QList<QVariantList> &)
+{
+    return Status(Status::Code::NotSupported,
+                  QStringLiteral("this database cannot append records to %1").arg(name));
+}
+
 Result<TableDescription> Database::describeTable(const QString &name) const
 {
     return Status(Status::Code::NotSupported,

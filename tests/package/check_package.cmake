@@ -31,6 +31,39 @@ if(NOT step_output MATCHES "^2 records")
 endif()
 message(STATUS "installed package works: ${step_output}")
 
+# plxform, the project's own program, built the way a host builds: from its sources alone,
+# against the installed package. Its folder is copied so that its include root holds no
+# library header; every other include must come from the prefix. Then it writes its sample
+# tables through the installed engines and runs a script on them.
+set(form_root "${WORK_DIR}/plxform-src")
+file(COPY "${SOURCE_DIR}/apps/plxform" DESTINATION "${form_root}/apps" PATTERN tests EXCLUDE)
+file(GLOB form_sources RELATIVE "${form_root}/apps/plxform" "${form_root}/apps/plxform/*.cpp")
+list(JOIN form_sources " " form_list)
+file(WRITE "${form_root}/apps/plxform/CMakeLists.txt" "cmake_minimum_required(VERSION 3.25)
+project(PLXFormFromPackage LANGUAGES CXX)
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_AUTOMOC ON)
+find_package(PLXControls REQUIRED)
+add_executable(plxform ${form_list})
+target_include_directories(plxform PRIVATE \"${form_root}\")
+target_compile_definitions(plxform PRIVATE PLX_VERSION=\"package\")
+target_link_libraries(plxform PRIVATE plx::plx)
+")
+run_step(${CMAKE_COMMAND} -S "${form_root}/apps/plxform" -B "${WORK_DIR}/form" -G Ninja
+         -DCMAKE_BUILD_TYPE=Release "-DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix")
+run_step(${CMAKE_COMMAND} --build "${WORK_DIR}/form")
+run_step(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen "PLX_HARROWBY_DIR=${WORK_DIR}/harrowby"
+         "${WORK_DIR}/form/plxform" --screenshot "${WORK_DIR}/form.png")
+foreach(made "sample/foxpro/FACILITY.DBF" "sample/facility.sqlite")
+    file(GLOB_RECURSE found "${WORK_DIR}/harrowby/*/${made}")
+    if(NOT found)
+        message(FATAL_ERROR "plxform from the package did not write ${made}")
+    endif()
+endforeach()
+file(SIZE "${WORK_DIR}/form.png" png_size)
+message(STATUS "plxform builds from the installed package, writes its sample and draws "
+               "its form (${png_size} bytes)")
+
 # The public surface: the headers without _p.h, and only those, each one self-contained.
 set(library_dirs services services/widgets services/recordsource services/recordsource/jet
     services/recordsource/jetsqlite services/recordsource/sqlite services/recordsource/dbf

@@ -236,6 +236,11 @@ Result<quint32> DbfMemoFile::write(const QByteArray &data, quint32 type, bool du
     return block;
 }
 
+Status DbfMemoFile::sync()
+{
+    return dbfio::syncData(m_fd, m_path);
+}
+
 Result<quint32> DbfMemoFile::writeLocked(const QByteArray &data, quint32 type)
 {
     // The header is re-read under the lock: another program may have allocated since.

@@ -46,6 +46,8 @@ public:
     // reach the disk before this returns, so the record written next never points at
     // blocks a crash could lose.
     Result<quint32> write(const QByteArray &data, quint32 type, bool durable);
+    // Makes every block written so far reach the disk (after writes that were not durable).
+    Status sync();
 
 private:
     DbfMemoFile(NativeFileHandle fd, QString path, DbfMemoKind kind)

@@ -227,6 +227,17 @@ Result<quint32> DbfTable::appendRecord(const QVariantList &values)
     return recno;
 }
 
+Status DbfTable::sync()
+{
+    if (!isWritable())
+        return m_writable;
+    if (m_memo) {
+        if (Status s = m_memo->sync(); !s.isOk())
+            return s;
+    }
+    return dbfio::syncData(m_fd, m_path);
+}
+
 Status DbfTable::setDeleted(quint32 recno, bool deleted)
 {
     if (Status s = checkWritableRecord(recno); !s.isOk())

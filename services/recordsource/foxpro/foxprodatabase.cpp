@@ -89,6 +89,42 @@ public:
         return table.status();
     }
 
+    // One header lock for the batch, so no other writer's record lands between its rows,
+    // and one sync at the end instead of one per record.
+    Status appendRecords(const QString &name, const QList<QVariantList> &rows) override
+    {
+        if (m_closed)
+            return Status(Status::Code::InvalidArgument, QStringLiteral("the database is closed"));
+        if (m_readOnly)
+            return Status(Status::Code::NotSupported,
+                          QStringLiteral("the database was opened read-only"));
+        const QString path = tablePath(name);
+        if (path.isEmpty())
+            return Status(Status::Code::NotFound, QStringLiteral("no table named %1").arg(name));
+        Result<std::unique_ptr<DbfTable>> opened =
+            DbfTable::open(path, DbfTable::OpenMode::ReadWrite, m_codePage);
+        if (!opened.isOk())
+            return opened.status();
+        DbfTable &table = *opened.value();
+        if (!table.isWritable())
+            return table.writable();
+        if (Status s = table.lockHeader(); !s.isOk())
+            return s;
+        table.setDurable(false);
+        QList<quint32> written;
+        Status s = appendEach(table, rows, &written);
+        if (s.isOk())
+            s = table.sync();
+        if (!s.isOk()) {
+            // Take back what the batch wrote: a deleted record is one no reader shows.
+            for (const quint32 recno : std::as_const(written))
+                (void)table.setDeleted(recno, true);
+            (void)table.sync();
+        }
+        (void)table.unlockHeader();
+        return s;
+    }
+
     Result<TableDescription> describeTable(const QString &name) const override
     {
         if (m_closed)
@@ -106,6 +142,27 @@ public:
     void Close() override { m_closed = true; }
 
 private:
+    static Status appendEach(DbfTable &table, const QList<QVariantList> &rows,
+                             QList<quint32> *written)
+    {
+        const qsizetype fields = table.fields().size();
+        for (qsizetype r = 0; r < rows.size(); ++r) {
+            if (rows[r].size() > fields)
+                return Status(Status::Code::InvalidArgument,
+                              QStringLiteral("row %1 has %2 values; the table has %3 fields")
+                                  .arg(r + 1)
+                                  .arg(rows[r].size())
+                                  .arg(fields));
+            Result<quint32> added = table.appendRecord(rows[r]);
+            if (!added.isOk())
+                return Status(
+                    added.status().code(),
+                    QStringLiteral("row %1: %2").arg(r + 1).arg(added.status().message()));
+            *written << added.value();
+        }
+        return Status::ok();
+    }
+
     // Joins and column lists are SQLite's work; the record source runs the one-table shapes.
     // The statement runs on an in-memory SQLite connection where each table it names is a
     // "dbf" virtual table. Such a record source holds its rows and is read-only.

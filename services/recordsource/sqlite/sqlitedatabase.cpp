@@ -41,6 +41,7 @@ public:
     }
     TextCompare textCompare() const override { return TextCompare::NoCase; }
     Status createTable(const QString &name, const QList<FieldInfo> &fields) override;
+    Status appendRecords(const QString &name, const QList<QVariantList> &rows) override;
     Result<TableDescription> describeTable(const QString &name) const override;
     void Close() override { m_conn.reset(); }
 
@@ -76,6 +77,57 @@ Status SqliteDatabase::createTable(const QString &name, const QList<FieldInfo> &
         columns << quotedName(f.name) + QLatin1Char(' ') + declaredTypeFor(f);
     return m_conn->exec(QStringLiteral("CREATE TABLE %1 (%2)")
                             .arg(quotedName(name), columns.join(QStringLiteral(", "))));
+}
+
+Status SqliteDatabase::appendRecords(const QString &name, const QList<QVariantList> &rows)
+{
+    if (!m_conn)
+        return closedDatabase();
+    if (m_conn->isReadOnly())
+        return Status(Status::Code::NotSupported, m_conn->readOnlyReason());
+    Result<TableDescription> table = describeTable(name);
+    if (!table.isOk())
+        return table.status();
+    const QList<FieldInfo> &fields = table->fields;
+    QStringList marks;
+    for (qsizetype i = 0; i < fields.size(); ++i)
+        marks << QStringLiteral("?");
+    Result<Statement> insert =
+        m_conn->prepare(QStringLiteral("INSERT INTO %1 VALUES (%2)")
+                            .arg(quotedName(table->name), marks.join(QLatin1Char(','))));
+    if (!insert.isOk())
+        return insert.status();
+    if (Status s = m_conn->begin(); !s.isOk())
+        return s;
+    // One transaction: a row that fails rolls back the rows before it.
+    const auto failed = [this](Status s) {
+        m_conn->rollback();
+        return s;
+    };
+    for (qsizetype r = 0; r < rows.size(); ++r) {
+        const QVariantList &row = rows[r];
+        if (row.size() > fields.size())
+            return failed(Status(Status::Code::InvalidArgument,
+                                 QStringLiteral("row %1 has %2 values; %3 has %4 fields")
+                                     .arg(r + 1)
+                                     .arg(row.size())
+                                     .arg(table->name)
+                                     .arg(fields.size())));
+        for (int i = 0; i < fields.size(); ++i) {
+            Result<QVariant> value = normalizeValue(row.value(i), fields[i]);
+            if (!value.isOk())
+                return failed(Status(value.status().code(),
+                                     QStringLiteral("row %1, field %2: %3")
+                                         .arg(r + 1)
+                                         .arg(fields[i].name, value.status().message())));
+            bindValue(insert->get(), i + 1, value.value(), fields[i]);
+        }
+        const int rc = sqlite3_step(insert->get());
+        sqlite3_reset(insert->get());
+        if (rc != SQLITE_DONE)
+            return failed(m_conn->writeError(table->name, rc));
+    }
+    return m_conn->commit();
 }
 
 Result<TableDescription> SqliteDatabase::describeTable(const QString &name) const

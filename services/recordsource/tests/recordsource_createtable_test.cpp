@@ -106,6 +106,67 @@ TEST_P(CreateTableTest, NamesTakenOrMissingAndReadOnlyDatabasesAreRefused)
     EXPECT_FALSE(readOnly.value()->tableNames().contains(QStringLiteral("U"), Qt::CaseInsensitive));
 }
 
+// Reads every record of `table` through a fresh connection, in the table's order.
+QList<QVariantList> readBack(Database &db, const QString &table)
+{
+    QList<QVariantList> rows;
+    auto rs = db.OpenRecordset(table);
+    EXPECT_TRUE(rs.isOk()) << rs.status().toString().toStdString();
+    if (!rs.isOk())
+        return rows;
+    for (RecordSource &source = *rs.value(); !source.isEOF(); (void)source.MoveNext()) {
+        QVariantList row;
+        for (int i = 0; i < source.fieldInfos().size(); ++i)
+            row << source.value(i).value();
+        rows << row;
+    }
+    return rows;
+}
+
+TEST_P(CreateTableTest, ABatchOfRecordsLandsWholeOrNotAtAll)
+{
+    const QList<FieldInfo> fields = kFields.mid(0, 5) << kFields.last();
+    ASSERT_TRUE(m_db->createTable(QStringLiteral("FACILITY"), fields).isOk());
+    const QList<QVariantList> batch{
+        { QStringLiteral("PLE0000001"), QStringLiteral("Maple Manor"), 120, 12.75,
+          QDate(2003, 1, 31), QStringLiteral("two\r\nlines") },
+        // A short row leaves the rest blank.
+        { QStringLiteral("PLE0000002"), QStringLiteral("Oak Gardens") },
+    };
+    const Status added = m_db->appendRecords(QStringLiteral("facility"), batch);
+    ASSERT_TRUE(added.isOk()) << added.toString().toStdString();
+
+    // The second row of this batch is wider than NAME: nothing of it may stay, not even
+    // the good row before it, and the records already there are untouched.
+    const Status refused =
+        m_db->appendRecords(QStringLiteral("FACILITY"),
+                            { { QStringLiteral("PLE0000003"), QStringLiteral("Pine") },
+                              { QStringLiteral("PLE0000004"), QString(41, QLatin1Char('x')) } });
+    EXPECT_EQ(refused.code(), Code::InvalidArgument);
+    EXPECT_TRUE(refused.message().startsWith(QLatin1String("row 2")))
+        << refused.message().toStdString();
+    const Status tooWide = m_db->appendRecords(
+        QStringLiteral("FACILITY"), { QVariantList(fields.size() + 1, QStringLiteral("x")) });
+    EXPECT_EQ(tooWide.code(), Code::InvalidArgument);
+    EXPECT_EQ(m_db->appendRecords(QStringLiteral("NOPE"), batch).code(), Code::NotFound);
+
+    std::unique_ptr<Database> again = open();
+    ASSERT_TRUE(again);
+    const QList<QVariantList> rows = readBack(*again, QStringLiteral("FACILITY"));
+    ASSERT_EQ(rows.size(), 2);
+    EXPECT_EQ(rows[0], batch[0]);
+    EXPECT_EQ(rows[1][0], QStringLiteral("PLE0000002"));
+    EXPECT_EQ(rows[1][1], QStringLiteral("Oak Gardens"));
+    EXPECT_TRUE(rows[1][5].isNull() || rows[1][5].toString().isEmpty())
+        << rows[1][5].toString().toStdString();
+
+    auto readOnly = GetParam()->openReadOnly(m_dir.path());
+    ASSERT_TRUE(readOnly.isOk()) << readOnly.status().toString().toStdString();
+    EXPECT_EQ(readOnly.value()->appendRecords(QStringLiteral("FACILITY"), batch).code(),
+              Code::NotSupported);
+    EXPECT_EQ(readBack(*again, QStringLiteral("FACILITY")).size(), 2);
+}
+
 INSTANTIATE_TEST_SUITE_P(AllBackEnds, CreateTableTest, ::testing::ValuesIn(allBackEnds()),
                          backEndName);
 

@@ -274,6 +274,9 @@ public:
     Status setDeleted(quint32 recno, bool deleted);
     // When true (the default) every write is followed by fdatasync before locks are released.
     void setDurable(bool durable) { m_durable = durable; }
+    // Makes the writes made so far reach the disk, memo blocks first, so a batch written
+    // without durability ends as safely as one written record by record.
+    Status sync();
 
     // ---- locks (FoxPro's byte offsets, open-file-description locks) ----
     //
