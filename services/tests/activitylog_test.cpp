@@ -2,8 +2,9 @@
 // expect exactly five CR LF lines per entry in Windows-1252.
 #include "services/activitylog.h"
 
-#include "envguard.h"
+#include "tests/support/envguard.h"
 #include "tests/support/fakeenv.h"
+#include "tests/support/testfiles.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -17,8 +18,7 @@ namespace {
 
 QByteArray logBytes(const QTemporaryDir &dir)
 {
-    QFile f(dir.filePath(QStringLiteral("PLXLogFile.TXT")));
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    return test::readBytes(dir.filePath(QStringLiteral("PLXLogFile.TXT")));
 }
 
 } // namespace

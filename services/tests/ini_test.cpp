@@ -1,6 +1,7 @@
 // Settings files through real files: what the Windows profile functions did must still
 // hold, since hosts and support staff edit these files by hand.
 #include "services/ini.h"
+#include "tests/support/testfiles.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -8,21 +9,9 @@
 #include <gtest/gtest.h>
 
 using namespace plx;
+using namespace plx::test;
 
 namespace {
-
-QByteArray readBytes(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-void writeBytes(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(bytes);
-}
 
 QString read(const QString &file, const char *section, const char *key, const QString &def = {})
 {

@@ -4,8 +4,9 @@
 // seconds: two waits of the bound.
 #include "services/ini.h"
 
-#include "services/tests/envguard.h"
+#include "tests/support/envguard.h"
 #include "tests/support/testchild.h"
+#include "tests/support/testfiles.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -21,12 +22,6 @@ using namespace plx::test;
 using namespace std::chrono_literals;
 
 namespace {
-
-QByteArray readBytes(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
 // A second process holding the lock on `settingsFile` until release() or destruction.
 class LockHolder

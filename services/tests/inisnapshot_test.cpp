@@ -3,6 +3,7 @@
 #include "services/inisnapshot.h"
 
 #include "services/ini.h"
+#include "tests/support/testfiles.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -10,15 +11,9 @@
 #include <gtest/gtest.h>
 
 using namespace plx;
+using namespace plx::test;
 
 namespace {
-
-void writeBytes(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(bytes);
-}
 
 // `head`, then zeros up to `size` bytes (a sparse file: no disk space taken).
 void writeSized(const QString &path, const QByteArray &head, qint64 size)
@@ -27,12 +22,6 @@ void writeSized(const QString &path, const QByteArray &head, qint64 size)
     ASSERT_TRUE(f.open(QIODevice::WriteOnly));
     f.write(head);
     ASSERT_TRUE(f.resize(size));
-}
-
-QByteArray readBytes(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
 // Every way of writing names and values a hand-edited file shows.

@@ -3,7 +3,7 @@
 // here sends every settings file and the log to the wrong place.
 #include "services/installdir.h"
 
-#include "envguard.h"
+#include "tests/support/envguard.h"
 #include "services/ini.h"
 #include "services/paths.h"
 #include "services/texthelpers.h"

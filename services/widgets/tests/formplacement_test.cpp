@@ -8,8 +8,9 @@
 
 #include "services/ini.h"
 #include "services/widgets/monitors.h"
-#include "services/tests/envguard.h"
+#include "tests/support/envguard.h"
 #include "services/widgets/tests/simulateddesks.h"
+#include "tests/support/testfiles.h"
 
 #include <QFile>
 #include <QGuiApplication>
@@ -27,19 +28,6 @@ namespace {
 
 // Where setFormCenter puts a 400 x 300 form on the primary monitor.
 const QPoint CentredOnPrimary((1920 - 400) / 2, (1080 - 300) / 2);
-
-QByteArray readBytes(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-void writeBytes(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(bytes);
-}
 
 class FormPlacementTest : public ::testing::Test
 {

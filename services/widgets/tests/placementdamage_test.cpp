@@ -7,8 +7,9 @@
 // 400 x 300 at (200, 100), so centred it sits at (760, 390).
 #include "services/widgets/formplacement.h"
 
-#include "services/tests/envguard.h"
+#include "tests/support/envguard.h"
 #include "services/widgets/tests/simulateddesks.h"
+#include "tests/support/testfiles.h"
 
 #include <QFile>
 #include <QMainWindow>
@@ -23,12 +24,6 @@ namespace {
 
 const QSize Designed(400, 300);
 const QPoint Centred((1920 - 400) / 2, (1080 - 300) / 2);
-
-QByteArray readBytes(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
 class PlacementDamageFixture
 {

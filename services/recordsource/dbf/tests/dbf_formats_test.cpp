@@ -60,7 +60,7 @@ TEST(DbfFormats, VisualFoxProNullFlagsMakeValuesNull)
     file += QByteArray(" memo  abc  \x07\x00\x00\x00\x00", 17); // nothing null
     file += QByteArray(" \0\0\0\0\0\0     \x00\x00\x00\x00\x0E", 17); // V, NAME, QTY null
     file += '\x1A';
-    writeFile(path, file);
+    writeBytes(path, file);
 
     auto t = DbfTable::open(path, DbfTable::OpenMode::ReadOnly);
     ASSERT_TRUE(t.isOk()) << t.status().toString().toStdString();
@@ -83,13 +83,13 @@ TEST(DbfFormats, DbaseFourMemosReadAndStayReadOnly)
     file += descriptor("TXT", 'M', 10);
     file += '\x0D';
     file += QByteArray(" abcd         1\x1A");
-    writeFile(path, file);
+    writeBytes(path, file);
     QByteArray dbt(512, '\0');
     dbt[0] = 2;
     dbt[20] = 0x00; // block size 512, little-endian at 20
     dbt[21] = 0x02;
     dbt += QByteArray("\xFF\xFF\x08\x00\x0D\x00\x00\x00hello", 13);
-    writeFile(dir.filePath(QStringLiteral("d4.dbt")), dbt);
+    writeBytes(dir.filePath(QStringLiteral("d4.dbt")), dbt);
 
     auto t = DbfTable::open(path);
     ASSERT_TRUE(t.isOk()) << t.status().toString().toStdString();

@@ -80,7 +80,7 @@ TEST(DbfProcesses, TwoProcessesAppendingLoseAndTearNothing)
         seen.insert(tag + QString::number(n));
     }
     EXPECT_EQ(seen.size(), 2000);
-    const QByteArray bytes = readFile(path);
+    const QByteArray bytes = readBytes(path);
     EXPECT_EQ(bytes.at(bytes.size() - 1), '\x1A');
 }
 

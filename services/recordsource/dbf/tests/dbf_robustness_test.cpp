@@ -26,7 +26,7 @@ struct Damaged
     explicit Damaged(int records = 5)
     {
         path = makeSmallTable(dir.path(), records);
-        bytes = readFile(path);
+        bytes = readBytes(path);
         auto t = DbfTable::open(path, DbfTable::OpenMode::ReadOnly);
         headerLength = (*t)->header().headerLength;
         recordLength = (*t)->header().recordLength;
@@ -35,9 +35,9 @@ struct Damaged
     Result<std::unique_ptr<DbfTable>>
     reopen(DbfTable::OpenMode mode = DbfTable::OpenMode::ReadWrite)
     {
-        writeFile(path, bytes);
+        writeBytes(path, bytes);
         auto t = DbfTable::open(path, mode);
-        EXPECT_EQ(readFile(path), bytes) << "opening a damaged table changed it";
+        EXPECT_EQ(readBytes(path), bytes) << "opening a damaged table changed it";
         return t;
     }
 };
@@ -68,7 +68,7 @@ TEST(DbfRobustness, TruncatedFileShowsTheWholeRecordsReadOnly)
                                                                 "holds only 2")));
     EXPECT_EQ((*t)->appendRecord({ QStringLiteral("X") }).status().code(),
               Status::Code::NotSupported);
-    EXPECT_EQ(readFile(d.path), d.bytes);
+    EXPECT_EQ(readBytes(d.path), d.bytes);
 }
 
 TEST(DbfRobustness, HeaderCountLargerThanTheFileIsCappedAtTheFile)
@@ -135,9 +135,9 @@ TEST(DbfRobustness, MemoPointerPastTheEndIsAnErrorForThatValueOnly)
     EXPECT_EQ((*t)->value(3, 0)->toString(), QStringLiteral("NAME3"));
 
     // A block whose length runs past the end of the file.
-    QByteArray fpt = readFile(d.dir.filePath(QStringLiteral("SMALL.FPT")));
+    QByteArray fpt = readBytes(d.dir.filePath(QStringLiteral("SMALL.FPT")));
     fpt[8 * 64 + 4] = char(0x7F);
-    writeFile(d.dir.filePath(QStringLiteral("SMALL.FPT")), fpt);
+    writeBytes(d.dir.filePath(QStringLiteral("SMALL.FPT")), fpt);
     auto longMemo = (*t)->value(1, 5);
     ASSERT_FALSE(longMemo.isOk());
     EXPECT_TRUE(longMemo.status().message().contains(QLatin1String("past the end of the file")));
@@ -176,7 +176,7 @@ TEST(DbfRobustness, StructuralIndexMakesTheTableReadOnlyAndSaysWhy)
 {
     Damaged d;
     d.bytes[28] = 0x01;
-    writeFile(d.dir.filePath(QStringLiteral("small.cdx")), QByteArray(1024, '\0'));
+    writeBytes(d.dir.filePath(QStringLiteral("small.cdx")), QByteArray(1024, '\0'));
     auto t = d.reopen();
     ASSERT_TRUE(t.isOk());
     EXPECT_TRUE((*t)->warnings().isEmpty());
@@ -188,5 +188,5 @@ TEST(DbfRobustness, StructuralIndexMakesTheTableReadOnlyAndSaysWhy)
     EXPECT_TRUE(s.message().contains(QLatin1String("stale")));
     EXPECT_EQ((*t)->appendRecord({}).status().message(), s.message());
     EXPECT_EQ((*t)->setDeleted(1, true).message(), s.message());
-    EXPECT_EQ(readFile(d.path), d.bytes);
+    EXPECT_EQ(readBytes(d.path), d.bytes);
 }

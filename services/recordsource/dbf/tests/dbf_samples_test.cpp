@@ -165,14 +165,14 @@ TEST(DbfSamples, WriteRefusalsSayWhy)
     for (const char *name : { "calls.dbf", "calls.FPT", "calls.CDX" })
         QFile::copy(samplePath(QString::fromLatin1(name)), dir.filePath(QString::fromLatin1(name)));
     QFile::setPermissions(copy, QFile::ReadOwner | QFile::WriteOwner);
-    const QByteArray before = readFile(copy);
+    const QByteArray before = readBytes(copy);
     auto calls = DbfTable::open(copy);
     ASSERT_TRUE(calls.isOk());
     const Status s = (*calls)->setDeleted(1, true);
     EXPECT_EQ(s.code(), Status::Code::NotSupported);
     EXPECT_TRUE(s.message().contains(QLatin1String("Visual FoxPro"))) << s.message().toStdString();
     EXPECT_EQ((*calls)->lockScheme(), DbfLockScheme::Extended);
-    EXPECT_EQ(readFile(copy), before);
+    EXPECT_EQ(readBytes(copy), before);
 
     // The structural-index flag without a .CDX file: opens read only with a warning.
     auto ru =

@@ -117,19 +117,6 @@ QStringList dumpTable(const DbfTable &table)
     return lines;
 }
 
-QByteArray readFile(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-void writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate)) << path.toStdString();
-    ASSERT_EQ(f.write(bytes), bytes.size());
-}
-
 QString makeSmallTable(const QString &dir, int records)
 {
     const QString path = dir + QStringLiteral("/SMALL.DBF");

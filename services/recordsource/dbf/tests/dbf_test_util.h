@@ -2,6 +2,7 @@
 #pragma once
 
 #include "services/recordsource/dbf/internal/dbftable.h"
+#include "tests/support/testfiles.h"
 
 #include <QByteArray>
 #include <QString>
@@ -9,6 +10,9 @@
 #include <QVariant>
 
 namespace plx::dbftestutil {
+
+using test::readBytes;
+using test::writeBytes;
 
 // The directory of the shared sample tables (never copied into the project).
 QString sampleDir();
@@ -38,9 +42,6 @@ QStringList runInterop(const QStringList &args, bool *ok);
 QString canon(const QVariant &value);
 // 'L|...' lines for the live records, then 'D|...' lines for the deleted ones.
 QStringList dumpTable(const DbfTable &table);
-
-QByteArray readFile(const QString &path);
-void writeFile(const QString &path, const QByteArray &bytes);
 
 // A small FoxPro 2.x table with a memo: NAME C(10), QTY N(5), PRICE N(8,2), BORN D,
 // OK L, NOTES M. Returns its path.

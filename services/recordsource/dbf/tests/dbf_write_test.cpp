@@ -72,7 +72,7 @@ TEST(DbfWrite, AppendedRecordsReadBackWithFoxProLayout)
     EXPECT_EQ(*r1, 1u);
     EXPECT_EQ(*r2, 2u);
 
-    const QByteArray bytes = readFile(path);
+    const QByteArray bytes = readBytes(path);
     const int hl = t->header().headerLength;
     const int rl = t->header().recordLength;
     EXPECT_EQ(hl, 32 + 6 * 32 + 1);
@@ -116,18 +116,18 @@ TEST(DbfWrite, ChangedMemosGoToNewBlocksAndUnchangedOnesKeepTheirs)
     auto blockOf = [&](quint32 recno) { return t->rawText(recno, notes).trimmed().toInt(); };
     EXPECT_EQ(blockOf(1), 8); // 64-byte blocks: the 512-byte header fills blocks 0-7
     EXPECT_EQ(blockOf(2), 9);
-    EXPECT_EQ(be32(readFile(fpt), 0), 10u);
+    EXPECT_EQ(be32(readBytes(fpt), 0), 10u);
 
     // Shorter text would fit the old block, but the old block stays live until the record
     // is rewritten: the new value goes to the next free block, the old one is left intact.
-    const QByteArray oldBlock = readFile(fpt).mid(8 * 64, 64);
+    const QByteArray oldBlock = readBytes(fpt).mid(8 * 64, 64);
     ASSERT_TRUE(t->writeRecord(1,
                                { QStringLiteral("NAME1"), 1, 1.5, QDate(2000, 1, 2), false,
                                  QStringLiteral("short") })
                     .isOk());
     EXPECT_EQ(blockOf(1), 10);
-    EXPECT_EQ(be32(readFile(fpt), 0), 11u);
-    EXPECT_EQ(readFile(fpt).mid(8 * 64, 64), oldBlock);
+    EXPECT_EQ(be32(readBytes(fpt), 0), 11u);
+    EXPECT_EQ(readBytes(fpt).mid(8 * 64, 64), oldBlock);
     EXPECT_EQ(t->value(1, notes)->toString(), QStringLiteral("short"));
     // Longer text: appended at the next free block, header advanced past it.
     const QString longText = QStringLiteral("0123456789").repeated(20);
@@ -135,13 +135,13 @@ TEST(DbfWrite, ChangedMemosGoToNewBlocksAndUnchangedOnesKeepTheirs)
         t->writeRecord(1, { QStringLiteral("NAME1"), 1, 1.5, QDate(2000, 1, 2), false, longText })
             .isOk());
     EXPECT_EQ(blockOf(1), 11);
-    EXPECT_EQ(be32(readFile(fpt), 0), 11u + (8 + 200 + 63) / 64);
+    EXPECT_EQ(be32(readBytes(fpt), 0), 11u + (8 + 200 + 63) / 64);
     // An unchanged memo keeps its block; a value written twice grows nothing.
-    const QByteArray fptBefore = readFile(fpt);
+    const QByteArray fptBefore = readBytes(fpt);
     ASSERT_TRUE(
         t->writeRecord(1, { QStringLiteral("OTHER"), 1, 1.5, QDate(2000, 1, 2), false, longText })
             .isOk());
-    EXPECT_EQ(readFile(fpt), fptBefore);
+    EXPECT_EQ(readBytes(fpt), fptBefore);
     EXPECT_EQ(t->value(1, notes)->toString(), longText);
     EXPECT_EQ(t->value(2, notes)->toString(), QStringLiteral("memo of record 2"));
     // Emptying a memo writes blanks into the pointer.
@@ -156,7 +156,7 @@ TEST(DbfWrite, ValuesTheFieldCannotHoldAreRefusedWithoutWriting)
     const QString path = makeSmallTable(dir.path(), 3);
     auto t = openRw(path);
     ASSERT_TRUE(t);
-    const QByteArray before = readFile(path);
+    const QByteArray before = readBytes(path);
     struct Case
     {
         QVariantList values;
@@ -185,7 +185,7 @@ TEST(DbfWrite, ValuesTheFieldCannotHoldAreRefusedWithoutWriting)
         EXPECT_TRUE(s.message().contains(QLatin1String(c.words))) << s.message().toStdString();
         EXPECT_FALSE(t->appendRecord(c.values).isOk());
     }
-    EXPECT_EQ(readFile(path), before);
+    EXPECT_EQ(readBytes(path), before);
 }
 
 TEST(DbfWrite, DeleteFlagIsTheOnlyByteWritten)
@@ -194,11 +194,11 @@ TEST(DbfWrite, DeleteFlagIsTheOnlyByteWritten)
     const QString path = makeSmallTable(dir.path(), 3);
     auto t = openRw(path);
     ASSERT_TRUE(t);
-    const QByteArray before = readFile(path);
+    const QByteArray before = readBytes(path);
     ASSERT_TRUE(t->setDeleted(2, true).isOk());
     EXPECT_TRUE(t->isDeleted(2));
     EXPECT_FALSE(t->isDeleted(1));
-    const QByteArray after = readFile(path);
+    const QByteArray after = readBytes(path);
     const int at = t->header().headerLength + t->header().recordLength;
     EXPECT_EQ(after.at(at), '*');
     EXPECT_EQ(after.mid(at + 1), before.mid(at + 1));
@@ -226,7 +226,7 @@ TEST(DbfWrite, DbaseThreeTablesWriteDbtMemos)
     EXPECT_EQ((*again)->value(1, 1)->toString(), QStringLiteral("Grüße"));
     EXPECT_EQ((*again)->value(2, 1)->toString(), QStringLiteral("x").repeated(600));
     EXPECT_EQ((*again)->fields()[0].name, QStringLiteral("NAME"));
-    EXPECT_EQ(readFile(dir.filePath(QStringLiteral("old.dbt"))).mid(512 + 5, 2),
+    EXPECT_EQ(readBytes(dir.filePath(QStringLiteral("old.dbt"))).mid(512 + 5, 2),
               QByteArray("\x1A\x1A"));
 }
 

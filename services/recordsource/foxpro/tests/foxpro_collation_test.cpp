@@ -5,6 +5,7 @@
 #include "services/recordsource/database.h"
 #include "services/recordsource/dbf/internal/dbftable.h"
 #include "services/recordsource/foxpro/tests/foxprotestsupport.h"
+#include "tests/support/texts.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -149,14 +150,6 @@ protected:
     QTemporaryDir m_dir;
 };
 
-QStringList list(std::initializer_list<const char *> items)
-{
-    QStringList out;
-    for (const char *item : items)
-        out << QString::fromLatin1(item);
-    return out;
-}
-
 } // namespace
 
 TEST_F(FoxProCollationTest, MachineIsTheDefaultAndTheCodePagesByteOrder)
@@ -172,7 +165,7 @@ TEST_F(FoxProCollationTest, MachineIsTheDefaultAndTheCodePagesByteOrder)
             EXPECT_EQ(db->textCompare(), TextCompare::Binary);
             EXPECT_EQ(ids(db.get(), QStringLiteral("SELECT * from P ORDER BY P.NAME")), expected);
             EXPECT_EQ(ids(db.get(), QStringLiteral("SELECT * from P WHERE NAME = 'emile'")),
-                      list({ "R07" }));
+                      test::texts({ "R07" }));
             EXPECT_EQ(ids(db.get(), QStringLiteral("SELECT * from P WHERE ID = 'r05'")),
                       QStringList());
         }
@@ -182,8 +175,8 @@ TEST_F(FoxProCollationTest, MachineIsTheDefaultAndTheCodePagesByteOrder)
 TEST_F(FoxProCollationTest, GeneralOrdersCaseInsensitivelyWithAccentsBesideTheirLetters)
 {
     const QStringList expected =
-        list({ "R04", "R05", "R16", "R09", "R08", "R02", "R06", "R20", "R19", "R03",
-               "R07", "R17", "R01", "R18", "R13", "R12", "R15", "R14", "R11", "R10" });
+        test::texts({ "R04", "R05", "R16", "R09", "R08", "R02", "R06", "R20", "R19", "R03",
+                      "R07", "R17", "R01", "R18", "R13", "R12", "R15", "R14", "R11", "R10" });
     for (int codePage : { 1252, 850 }) {
         SCOPED_TRACE(codePage);
         auto db = open(folder(codePage), kGeneral);
@@ -241,14 +234,14 @@ TEST_F(FoxProCollationTest, FindsFollowTheCollatingSequence)
         QStringList machine;
     };
     const Find finds[] = {
-        { "NAME = 'emile'", list({ "R07", "R17" }), list({ "R07" }) },
-        { "NAME = 'emile' AND 1 = 1", list({ "R07", "R17" }), list({ "R07" }) },
-        { "ID = 'r05'", list({ "R05" }), {} },
-        { "ID = CHR(114) & CHR(48) & CHR(53)", list({ "R05" }), {} },
-        { "ID = 'r05' AND 1 = 1", list({ "R05" }), {} },
-        { "NAME = 'stra\u00DFe'", list({ "R14" }), {} },
+        { "NAME = 'emile'", test::texts({ "R07", "R17" }), test::texts({ "R07" }) },
+        { "NAME = 'emile' AND 1 = 1", test::texts({ "R07", "R17" }), test::texts({ "R07" }) },
+        { "ID = 'r05'", test::texts({ "R05" }), {} },
+        { "ID = CHR(114) & CHR(48) & CHR(53)", test::texts({ "R05" }), {} },
+        { "ID = 'r05' AND 1 = 1", test::texts({ "R05" }), {} },
+        { "NAME = 'stra\u00DFe'", test::texts({ "R14" }), {} },
         // Byte order: only the letters above 'z' in Windows-1252 (É, Ø, Æ) come after it.
-        { "NAME > 'zoe'", list({ "R10" }), list({ "R01", "R12", "R19" }) },
+        { "NAME > 'zoe'", test::texts({ "R10" }), test::texts({ "R01", "R12", "R19" }) },
     };
     for (const QString &order : { QStringLiteral("P"),
                                   QStringLiteral("SELECT * from P ORDER BY "

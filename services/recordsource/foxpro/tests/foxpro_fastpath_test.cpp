@@ -6,6 +6,7 @@
 #include "services/recordsource/dbf/internal/dbftesthooks.h"
 #include "services/recordsource/foxpro/internal/rankcache.h"
 #include "services/recordsource/foxpro/tests/foxprotestsupport.h"
+#include "tests/support/texts.h"
 
 #include <QDeadlineTimer>
 #include <QFile>
@@ -17,14 +18,6 @@
 using namespace plx;
 
 namespace {
-
-QStringList texts(std::initializer_list<const char *> items)
-{
-    QStringList out;
-    for (const char *item : items)
-        out << QString::fromUtf8(item);
-    return out;
-}
 
 class FoxProFastPathTest : public ::testing::Test
 {
@@ -157,22 +150,22 @@ TEST_F(FoxProFastPathTest, FindConditionAgreesWithTheEvaluator)
 
 TEST_F(FoxProFastPathTest, KeptRanksFollowEveryChangeToTheFile)
 {
-    makeTable({ texts({ "1", "delta", "X" }), texts({ "2", "bravo", "X" }),
-                texts({ "3", "charlie", "X" }), texts({ "4", "alpha", "X" }) });
+    makeTable({ test::texts({ "1", "delta", "X" }), test::texts({ "2", "bravo", "X" }),
+                test::texts({ "3", "charlie", "X" }), test::texts({ "4", "alpha", "X" }) });
     const QString sorted = QStringLiteral("SELECT * from P ORDER BY P.NAME");
 
     // A file written a moment ago is not kept: a further write in the same clock tick would
     // leave its times as they are.
-    EXPECT_EQ(column(sorted), texts({ "4", "2", "3", "1" }));
+    EXPECT_EQ(column(sorted), test::texts({ "4", "2", "3", "1" }));
     EXPECT_EQ(foxpro::RankCache::global().bytes(), 0u);
 
     waitUntilSettled();
-    EXPECT_EQ(column(sorted), texts({ "4", "2", "3", "1" }));
+    EXPECT_EQ(column(sorted), test::texts({ "4", "2", "3", "1" }));
     EXPECT_GT(foxpro::RankCache::global().bytes(), 0u);
     // The find in the same order uses the kept ranks.
     EXPECT_EQ(column(QStringLiteral("SELECT * from P WHERE UCase([P.NAME]) LIKE '*A*' ORDER BY "
                                     "P.NAME")),
-              texts({ "4", "2", "3", "1" }));
+              test::texts({ "4", "2", "3", "1" }));
 
     // A write by this process.
     {
@@ -185,25 +178,25 @@ TEST_F(FoxProFastPathTest, KeptRanksFollowEveryChangeToTheFile)
             rs.value()->setValue(QStringLiteral("NAME"), QStringLiteral("aardvark")).isOk());
         ASSERT_TRUE(rs.value()->Update().isOk());
     }
-    EXPECT_EQ(column(sorted), texts({ "1", "4", "2", "3" }));
+    EXPECT_EQ(column(sorted), test::texts({ "1", "4", "2", "3" }));
 
     // A write by another program, long after the ranks were kept.
     waitUntilSettled();
-    EXPECT_EQ(column(sorted), texts({ "1", "4", "2", "3" }));
+    EXPECT_EQ(column(sorted), test::texts({ "1", "4", "2", "3" }));
     ASSERT_GT(foxpro::RankCache::global().bytes(), 0u);
     writeNameBehindOurBack(2, "zulu");
-    EXPECT_EQ(column(sorted), texts({ "1", "4", "3", "2" }));
+    EXPECT_EQ(column(sorted), test::texts({ "1", "4", "3", "2" }));
     EXPECT_EQ(column(QStringLiteral("SELECT * from P WHERE UCase([P.NAME]) LIKE 'Z*' ORDER BY "
                                     "P.NAME DESC, P.ID")),
-              texts({ "2" }));
+              test::texts({ "2" }));
 }
 
 // A character field ranks differently in byte order and in the General order: ranks kept from
 // a sort in one are never taken for the other, and both stay kept side by side.
 TEST_F(FoxProFastPathTest, KeptRanksBelongToTheirCollatingSequence)
 {
-    makeTable({ texts({ "1", "beta", "X" }), texts({ "2", "Alpha", "X" }),
-                texts({ "3", "alpha", "X" }), texts({ "4", "Beta", "X" }) });
+    makeTable({ test::texts({ "1", "beta", "X" }), test::texts({ "2", "Alpha", "X" }),
+                test::texts({ "3", "alpha", "X" }), test::texts({ "4", "Beta", "X" }) });
     waitUntilSettled();
     auto general =
         OpenDatabase(m_dir.path(), false, false, QStringLiteral("FoxPro 2.6;Collate=General"));
@@ -212,8 +205,8 @@ TEST_F(FoxProFastPathTest, KeptRanksBelongToTheirCollatingSequence)
     auto generalOrder = [&] {
         return foxprotest::fieldOfEachRecord(*general.value(), sorted, QStringLiteral("ID"));
     };
-    const QStringList machineIds = texts({ "2", "4", "3", "1" }); // Alpha Beta alpha beta
-    const QStringList generalIds = texts({ "2", "3", "1", "4" }); // ties in record order
+    const QStringList machineIds = test::texts({ "2", "4", "3", "1" }); // Alpha Beta alpha beta
+    const QStringList generalIds = test::texts({ "2", "3", "1", "4" }); // ties in record order
 
     EXPECT_EQ(column(sorted), machineIds);
     const size_t machineBytes = foxpro::RankCache::global().bytes();

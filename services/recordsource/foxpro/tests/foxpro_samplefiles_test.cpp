@@ -5,6 +5,7 @@
 #include "services/recordsource/dbf/internal/dbftable.h"
 #include "services/recordsource/foxpro/tests/foxprotestsupport.h"
 #include "services/recordsource/tests/writeprotection.h"
+#include "tests/support/testfiles.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -48,7 +49,7 @@ protected:
     // leaving the table file as it was.
     void expectRefused(const QString &table, const QString &file, const QString &reason) const
     {
-        const QByteArray before = fileBytes(file);
+        const QByteArray before = test::readBytes(file);
         auto db = database();
         ASSERT_TRUE(db);
         auto rs = db->OpenRecordset(table);
@@ -65,13 +66,7 @@ protected:
             EXPECT_EQ(s.code(), Code::NotSupported) << write;
             EXPECT_EQ(s.message(), reason) << write;
         }
-        EXPECT_EQ(fileBytes(file), before);
-    }
-
-    static QByteArray fileBytes(const QString &path)
-    {
-        QFile f(path);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+        EXPECT_EQ(test::readBytes(file), before);
     }
 
     const QString m_samples = QStringLiteral(PLX_TESTDATA_DIR);

@@ -3,6 +3,7 @@
 // keys everywhere.
 #include "services/recordsource/jet/internal/generalorder.h"
 #include "services/recordsource/jet/internal/values.h"
+#include "tests/support/texts.h"
 
 #include <QStringList>
 
@@ -15,14 +16,6 @@ using namespace plx::jet;
 
 namespace {
 
-QStringList texts(std::initializer_list<const char16_t *> items)
-{
-    QStringList out;
-    for (const char16_t *item : items)
-        out << QString::fromUtf16(item);
-    return out;
-}
-
 int sign(int v)
 {
     return v < 0 ? -1 : (v > 0 ? 1 : 0);
@@ -33,7 +26,7 @@ int sign(int v)
 TEST(JetGeneralOrderTest, SortsNamesAsAReaderExpects)
 {
     // Each text sorts after the one before it.
-    const QStringList ordered = texts({
+    const QStringList ordered = test::texts({
         u"",
         u" lead",
         u"10 Downing",
@@ -78,7 +71,7 @@ TEST(JetGeneralOrderTest, SortsNamesAsAReaderExpects)
 // the keys say, and sorting by either must give one order.
 TEST(JetGeneralOrderTest, ComparisonAgreesWithTheKeys)
 {
-    const QStringList samples = texts({
+    const QStringList samples = test::texts({
         u"",        u"a",       u"A",       u"ab", u"a\u0301", u"\u00E1",  u"\u00E1b",  u"ae",
         u"\u00E6",  u"\u00C6b", u"afa",     u"ss", u"\u00DF",  u"\u00DFa", u"ssa",      u"z",
         u"Z\u00FC", u"zu",      u"{",       u"~",  u"\u20AC",  u"SMITH",   u"smith",    u"Smith,",
@@ -107,7 +100,7 @@ TEST(JetGeneralOrderTest, ComparisonAgreesWithTheKeys)
 TEST(JetGeneralOrderTest, BinaryOrderIsUntouched)
 {
     const QStringList ordered =
-        texts({ u"ANDERSON", u"Adams", u"Emile", u"adams", u"\u20ACuro", u"\u00C9mile" });
+        test::texts({ u"ANDERSON", u"Adams", u"Emile", u"adams", u"\u20ACuro", u"\u00C9mile" });
     for (qsizetype i = 1; i < ordered.size(); ++i)
         EXPECT_EQ(compareText(ordered[i - 1], ordered[i], TextCompare::Binary), -1)
             << ordered[i].toStdString();

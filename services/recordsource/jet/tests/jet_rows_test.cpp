@@ -3,6 +3,7 @@
 // comparison. FoxPro sources compare in binary, in the order of the Windows-1252 bytes.
 #include "services/recordsource/jet/internal/evaluator.h"
 #include "services/recordsource/jet/internal/parser.h"
+#include "tests/support/texts.h"
 
 #include <gtest/gtest.h>
 
@@ -61,14 +62,6 @@ QStringList matching(const char *criterion, TextCompare mode)
     return found;
 }
 
-QStringList list(std::initializer_list<const char *> items)
-{
-    QStringList out;
-    for (const char *s : items)
-        out << QString::fromUtf8(s);
-    return out;
-}
-
 } // namespace
 
 TEST(JetRowsTest, CriteriaFollowTheSourceTextComparison)
@@ -80,27 +73,30 @@ TEST(JetRowsTest, CriteriaFollowTheSourceTextComparison)
         QStringList ids;
     };
     const Case cases[] = {
-        { "NAME = 'smith'", TextCompare::NoCase, list({ "PLE1", "ple2" }) },
-        { "NAME = 'smith'", TextCompare::Binary, list({ "ple2" }) },
-        { "ID = CHR(80) & CHR(76) & CHR(69) & CHR(49)", TextCompare::Binary, list({ "PLE1" }) },
-        { "Left([ID],3) = 'PLE'", TextCompare::Binary, list({ "PLE1", "PLE3", "PLE4", "PLE5" }) },
-        { "NAME Like 's*'", TextCompare::Binary, list({ "ple2" }) },
-        { "NAME Like 's*'", TextCompare::NoCase, list({ "PLE1", "ple2" }) },
-        { "UCase(NAME) Like 'SM*'", TextCompare::Binary, list({ "PLE1", "ple2" }) },
+        { "NAME = 'smith'", TextCompare::NoCase, test::texts({ "PLE1", "ple2" }) },
+        { "NAME = 'smith'", TextCompare::Binary, test::texts({ "ple2" }) },
+        { "ID = CHR(80) & CHR(76) & CHR(69) & CHR(49)", TextCompare::Binary,
+          test::texts({ "PLE1" }) },
+        { "Left([ID],3) = 'PLE'", TextCompare::Binary,
+          test::texts({ "PLE1", "PLE3", "PLE4", "PLE5" }) },
+        { "NAME Like 's*'", TextCompare::Binary, test::texts({ "ple2" }) },
+        { "NAME Like 's*'", TextCompare::NoCase, test::texts({ "PLE1", "ple2" }) },
+        { "UCase(NAME) Like 'SM*'", TextCompare::Binary, test::texts({ "PLE1", "ple2" }) },
         // Binary order is the code page's: 'S' (0x53) < 's' (0x73) < '€' (0x80) < 'é' (0xE9).
-        { "NAME > 's'", TextCompare::Binary, list({ "ple2", "PLE3", "PLE4" }) },
-        { "NAME < '\u00E9'", TextCompare::Binary, list({ "PLE1", "ple2", "PLE3" }) },
+        { "NAME > 's'", TextCompare::Binary, test::texts({ "ple2", "PLE3", "PLE4" }) },
+        { "NAME < '\u00E9'", TextCompare::Binary, test::texts({ "PLE1", "ple2", "PLE3" }) },
         // The General order files "école" under e, beside its base letter; "€" is no letter
         // and keeps its code point's place after the letters.
-        { "NAME > 'T'", TextCompare::NoCase, list({ "PLE3" }) },
-        { "NAME < 'F'", TextCompare::NoCase, list({ "PLE4" }) },
-        { "AMOUNT Is Null Or NAME Is Null", TextCompare::Binary, list({ "ple2", "PLE5" }) },
-        { "AMOUNT Between 13 And 0", TextCompare::Binary, list({ "PLE1", "PLE3", "PLE5" }) },
-        { "AMOUNT In (3, -1) And Not NAME Like '*o'", TextCompare::Binary, list({ "PLE4" }) },
+        { "NAME > 'T'", TextCompare::NoCase, test::texts({ "PLE3" }) },
+        { "NAME < 'F'", TextCompare::NoCase, test::texts({ "PLE4" }) },
+        { "AMOUNT Is Null Or NAME Is Null", TextCompare::Binary, test::texts({ "ple2", "PLE5" }) },
+        { "AMOUNT Between 13 And 0", TextCompare::Binary, test::texts({ "PLE1", "PLE3", "PLE5" }) },
+        { "AMOUNT In (3, -1) And Not NAME Like '*o'", TextCompare::Binary,
+          test::texts({ "PLE4" }) },
         { "InStr(Ucase$(IIF(IsNull(AMOUNT), \" \",AMOUNT)), '.5')>0", TextCompare::Binary,
-          list({ "PLE1" }) },
+          test::texts({ "PLE1" }) },
         { "InStr(Ucase$(IIF(IsNull(NAME), \" \",NAME)), ' ')>0", TextCompare::Binary,
-          list({ "PLE5" }) },
+          test::texts({ "PLE5" }) },
     };
     for (const Case &c : cases)
         EXPECT_EQ(matching(c.criterion, c.mode), c.ids) << c.criterion;

@@ -3,6 +3,7 @@
 // give the same records in the same order on both.
 #include "services/recordsource/database.h"
 #include "services/recordsource/dbf/internal/dbftable.h"
+#include "tests/support/texts.h"
 
 #include <QTemporaryDir>
 
@@ -111,40 +112,34 @@ protected:
     QTemporaryDir m_dir;
 };
 
-QStringList list(std::initializer_list<const char *> items)
-{
-    QStringList out;
-    for (const char *s : items)
-        out << QString::fromLatin1(s);
-    return out;
-}
-
 } // namespace
 
 TEST_F(JetFunctionsClausesTest, HostWhereTextsUseTheWiderFunctions)
 {
     expectOnBoth("SELECT * from T WHERE DatePart('yyyy', BORN) < 1990 ORDER BY ID",
-                 list({ "PLE1", "PLE2" }));
-    expectOnBoth("SELECT * from T WHERE Format(AMOUNT, '0.00') = '12.50'", list({ "PLE1" }));
-    expectOnBoth("SELECT * from T WHERE DateDiff('yyyy', BORN, #1/1/2000#) > 20", list({ "PLE1" }));
+                 test::texts({ "PLE1", "PLE2" }));
+    expectOnBoth("SELECT * from T WHERE Format(AMOUNT, '0.00') = '12.50'", test::texts({ "PLE1" }));
+    expectOnBoth("SELECT * from T WHERE DateDiff('yyyy', BORN, #1/1/2000#) > 20",
+                 test::texts({ "PLE1" }));
     expectOnBoth("SELECT * from T WHERE Switch(AMOUNT > 50, 'big', AMOUNT > 5, 'mid') = 'mid' "
                  "ORDER BY ID",
-                 list({ "PLE1", "PLE3" }));
-    expectOnBoth("SELECT * from T WHERE Nz(CITY, '') = 'Denver'", list({ "PLE2" }));
-    expectOnBoth("SELECT * from T WHERE StrComp(CITY, 'boston', 1) = 0", list({ "PLE1" }));
-    expectOnBoth("SELECT * from T WHERE Weekday(BORN) = 7 ORDER BY ID", list({ "PLE1", "PLE4" }));
+                 test::texts({ "PLE1", "PLE3" }));
+    expectOnBoth("SELECT * from T WHERE Nz(CITY, '') = 'Denver'", test::texts({ "PLE2" }));
+    expectOnBoth("SELECT * from T WHERE StrComp(CITY, 'boston', 1) = 0", test::texts({ "PLE1" }));
+    expectOnBoth("SELECT * from T WHERE Weekday(BORN) = 7 ORDER BY ID",
+                 test::texts({ "PLE1", "PLE4" }));
     expectOnBoth("SELECT * from T WHERE Round(AMOUNT) Mod 2 = 0 And CCur(AMOUNT) < 50 ORDER BY ID",
-                 list({ "PLE1" }));
+                 test::texts({ "PLE1" }));
 }
 
 TEST_F(JetFunctionsClausesTest, OrderByTextsUseTheWiderFunctions)
 {
     expectOnBoth("SELECT * from T ORDER BY Format(BORN, 'mmdd')",
-                 list({ "PLE1", "PLE4", "PLE2", "PLE3" }));
+                 test::texts({ "PLE1", "PLE4", "PLE2", "PLE3" }));
     expectOnBoth("SELECT * from T ORDER BY DatePart('d', BORN) DESC, ID",
-                 list({ "PLE1", "PLE3", "PLE2", "PLE4" }));
+                 test::texts({ "PLE1", "PLE3", "PLE2", "PLE4" }));
     expectOnBoth("SELECT * from T ORDER BY StrReverse(CITY)",
-                 list({ "PLE3", "PLE1", "PLE4", "PLE2" }));
+                 test::texts({ "PLE3", "PLE1", "PLE4", "PLE2" }));
 }
 
 // Without a compare argument StrComp, InStrRev and Replace compare as the source does, as
@@ -152,10 +147,11 @@ TEST_F(JetFunctionsClausesTest, OrderByTextsUseTheWiderFunctions)
 // collation was ASCII). An explicit compare argument gives the same on both.
 TEST_F(JetFunctionsClausesTest, TheDefaultCompareIsTheSources)
 {
-    expectOnEach("SELECT * from T WHERE StrComp(CITY, 'BOSTON') = 0", list({ "PLE1" }), {});
+    expectOnEach("SELECT * from T WHERE StrComp(CITY, 'BOSTON') = 0", test::texts({ "PLE1" }), {});
     expectOnEach("SELECT * from T WHERE InStrRev(CITY, 'O') > 0 ORDER BY ID",
-                 list({ "PLE1", "PLE4" }), {});
-    expectOnEach("SELECT * from T WHERE Replace(CITY, 'O', '') = 'Bstn'", list({ "PLE1" }), {});
-    expectOnBoth("SELECT * from T WHERE StrComp(CITY, 'BOSTON', 1) = 0", list({ "PLE1" }));
+                 test::texts({ "PLE1", "PLE4" }), {});
+    expectOnEach("SELECT * from T WHERE Replace(CITY, 'O', '') = 'Bstn'", test::texts({ "PLE1" }),
+                 {});
+    expectOnBoth("SELECT * from T WHERE StrComp(CITY, 'BOSTON', 1) = 0", test::texts({ "PLE1" }));
     expectOnBoth("SELECT * from T WHERE InStrRev(CITY, 'O', -1, 0) > 0", {});
 }

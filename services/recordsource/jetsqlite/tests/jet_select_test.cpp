@@ -2,6 +2,7 @@
 // parenthesises, keyword case, a trailing ';'), run on SQLite, and the binary order that
 // FoxPro-like sources use.
 #include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
+#include "tests/support/texts.h"
 
 #include <sqlite3.h>
 
@@ -73,14 +74,6 @@ protected:
     sqlite3 *m_db = nullptr;
 };
 
-QStringList list(std::initializer_list<const char *> items)
-{
-    QStringList out;
-    for (const char *s : items)
-        out << QString::fromUtf8(s);
-    return out;
-}
-
 } // namespace
 
 TEST_F(JetSelectTest, HostSelectFormsRunOnSqlite)
@@ -92,20 +85,20 @@ TEST_F(JetSelectTest, HostSelectFormsRunOnSqlite)
     };
     const Case cases[] = {
         { "select ID, NAME as N from T where ID <= '2' order by name;",
-          list({ "2|Alpha", "1|beta" }) },
-        { "SELECT X.NAME FROM T AS X WHERE X.ID = '5'", list({ "Zulu" }) },
+          test::texts({ "2|Alpha", "1|beta" }) },
+        { "SELECT X.NAME FROM T AS X WHERE X.ID = '5'", test::texts({ "Zulu" }) },
         { "SELECT [T].[NAME], [U].NOTE FROM T INNER JOIN U ON T.ID = U.ID ORDER BY [T].[ID]",
-          list({ "beta|one", "Alpha|two" }) },
+          test::texts({ "beta|one", "Alpha|two" }) },
         { "SELECT U.NOTE, T.ID FROM T RIGHT OUTER JOIN U ON T.ID = U.ID ORDER BY U.ID DESC",
-          list({ "nine|", "two|2", "one|1" }) },
+          test::texts({ "nine|", "two|2", "one|1" }) },
         { "SELECT U.* FROM (T INNER JOIN U ON T.ID = U.ID) LEFT JOIN T AS T2 ON T2.ID = U.ID "
           "WHERE T2.NAME Like 'B*'",
-          list({ "1|one|x" }) },
+          test::texts({ "1|one|x" }) },
         { "SELECT T.ID FROM T LEFT JOIN U ON T.ID = U.ID WHERE U.ID Is Null ORDER BY T.ID",
-          list({ "3", "4", "5" }) },
+          test::texts({ "3", "4", "5" }) },
         // [T.NAME] names U's column of that exact name before it is read as table T, field NAME.
-        { "SELECT U.ID FROM U WHERE [T.NAME] = 'Y'", list({ "2" }) },
-        { "SELECT T.ID FROM T WHERE [T.NAME] = 'ZULU'", list({ "5" }) },
+        { "SELECT U.ID FROM U WHERE [T.NAME] = 'Y'", test::texts({ "2" }) },
+        { "SELECT T.ID FROM T WHERE [T.NAME] = 'ZULU'", test::texts({ "5" }) },
     };
     for (const Case &c : cases)
         EXPECT_EQ(rows(QString::fromUtf8(c.sql)), c.rows) << c.sql;
@@ -116,22 +109,22 @@ TEST_F(JetSelectTest, OrderFollowsTheSourceTextComparison)
     // The General order: case ignored, "école" beside the other e's (before Zulu), "€" no
     // letter and after them all.
     EXPECT_EQ(rows(QStringLiteral("SELECT NAME FROM T ORDER BY NAME")),
-              list({ "Alpha", "beta",
-                     "\xC3\xA9"
-                     "cole",
-                     "Zulu",
-                     "\xE2\x82\xAC"
-                     "uro" }));
+              test::texts({ "Alpha", "beta",
+                            "\xC3\xA9"
+                            "cole",
+                            "Zulu",
+                            "\xE2\x82\xAC"
+                            "uro" }));
     // Binary: upper case before lower case, and the Windows-1252 bytes decide: € is 0x80,
     // é is 0xE9, although € has the higher code point.
     EXPECT_EQ(rows(QStringLiteral("SELECT NAME FROM T ORDER BY NAME"), TextCompare::Binary),
-              list({ "Alpha", "Zulu", "beta",
-                     "\xE2\x82\xAC"
-                     "uro",
-                     "\xC3\xA9"
-                     "cole" }));
+              test::texts({ "Alpha", "Zulu", "beta",
+                            "\xE2\x82\xAC"
+                            "uro",
+                            "\xC3\xA9"
+                            "cole" }));
     EXPECT_EQ(rows(QStringLiteral("SELECT ID FROM T WHERE NAME > 'a'"), TextCompare::Binary),
-              list({ "1", "3", "4" }));
+              test::texts({ "1", "3", "4" }));
 }
 
 TEST_F(JetSelectTest, MalformedSelectsAreSyntaxErrors)

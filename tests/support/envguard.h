@@ -1,4 +1,4 @@
-// services/tests/envguard.h: restores environment variables and service settings that a
+// tests/support/envguard.h: restores environment variables and service settings that a
 // test changes, so tests stay independent of each other and of the machine.
 #pragma once
 
