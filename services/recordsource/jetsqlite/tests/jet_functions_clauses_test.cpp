@@ -2,12 +2,12 @@
 // files: a SQLite database and a FoxPro 2.6 table holding the same records. Each query must
 // give the same records in the same order on both.
 #include "services/recordsource/database.h"
-#include "services/recordsource/dbf/internal/dbftable.h"
+#include "services/recordsource/tests/backend.h"
 #include "tests/support/texts.h"
 
+#include <QDate>
+#include <QDir>
 #include <QTemporaryDir>
-
-#include <sqlite3.h>
 
 #include <gtest/gtest.h>
 
@@ -15,20 +15,25 @@ using namespace plx;
 
 namespace {
 
-struct Person
+// Table T on every back end, written in each one's own storage conventions.
+plx::testing::TableDef people()
 {
-    const char *id;
-    const char *city;
-    QDate born;
-    double amount;
-};
-
-const Person kPeople[] = {
-    { "PLE1", "Boston", QDate(1970, 1, 31), 12.5 }, // a Saturday
-    { "PLE2", "Denver", QDate(1980, 6, 15), 100 },
-    { "PLE3", "Austin", QDate(1999, 12, 31), 7 },
-    { "PLE4", "Chicago", QDate(2001, 2, 3), 3 }, // a Saturday
-};
+    plx::testing::TableDef t{ QStringLiteral("T"),
+                              { { QStringLiteral("ID"), FieldType::Text, 10, 0 },
+                                { QStringLiteral("CITY"), FieldType::Text, 20, 0 },
+                                { QStringLiteral("BORN"), FieldType::Date, 8, 0 },
+                                { QStringLiteral("AMOUNT"), FieldType::Numeric, 10, 2 } },
+                              {} };
+    t.rows << QVariantList{ QStringLiteral("PLE1"), QStringLiteral("Boston"), QDate(1970, 1, 31),
+                            12.5 } // a Saturday
+           << QVariantList{ QStringLiteral("PLE2"), QStringLiteral("Denver"), QDate(1980, 6, 15),
+                            100 }
+           << QVariantList{ QStringLiteral("PLE3"), QStringLiteral("Austin"), QDate(1999, 12, 31),
+                            7 }
+           << QVariantList{ QStringLiteral("PLE4"), QStringLiteral("Chicago"), QDate(2001, 2, 3),
+                            3 }; // a Saturday
+    return t;
+}
 
 class JetFunctionsClausesTest : public ::testing::Test
 {
@@ -36,72 +41,37 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(m_dir.isValid());
-        // FoxPro: T.DBF in a directory opened as a database.
-        QList<DbfField> fields;
-        DbfField f;
-        f.name = QStringLiteral("ID"), f.type = 'C', f.length = 10;
-        fields << f;
-        f.name = QStringLiteral("CITY"), f.length = 20;
-        fields << f;
-        f.name = QStringLiteral("BORN"), f.type = 'D', f.length = 8;
-        fields << f;
-        f.name = QStringLiteral("AMOUNT"), f.type = 'N', f.length = 10, f.decimals = 2;
-        fields << f;
-        ASSERT_TRUE(QDir().mkpath(m_dir.filePath(QStringLiteral("fox"))));
-        auto table = DbfTable::create(m_dir.filePath(QStringLiteral("fox/T.DBF")), fields);
-        ASSERT_TRUE(table.isOk()) << table.status().toString().toStdString();
-        for (const Person &p : kPeople) {
-            ASSERT_TRUE(table.value()
-                            ->appendRecord({ QString::fromLatin1(p.id), QString::fromLatin1(p.city),
-                                             p.born, p.amount })
-                            .isOk());
+        for (const char *name : { "SQLite", "FoxPro" }) {
+            const QString folder = m_dir.filePath(QString::fromLatin1(name));
+            ASSERT_TRUE(QDir().mkpath(folder));
+            const Status made = plx::testing::backEndNamed(QString::fromLatin1(name))
+                                    ->createTables(folder, { people() });
+            ASSERT_TRUE(made.isOk()) << made.toString().toStdString();
         }
-
-        // SQLite: the same records with the back end's column types.
-        sqlite3 *db = nullptr;
-        ASSERT_EQ(
-            sqlite3_open(m_dir.filePath(QStringLiteral("t.sqlite")).toUtf8().constData(), &db),
-            SQLITE_OK);
-        QString sql =
-            QStringLiteral("CREATE TABLE T (ID TEXT, CITY TEXT, BORN DATE, AMOUNT NUMERIC);");
-        for (const Person &p : kPeople)
-            sql +=
-                QStringLiteral("INSERT INTO T VALUES ('%1', '%2', '%3', %4);")
-                    .arg(QLatin1String(p.id), QLatin1String(p.city), p.born.toString(Qt::ISODate))
-                    .arg(p.amount);
-        char *err = nullptr;
-        EXPECT_EQ(sqlite3_exec(db, sql.toUtf8().constData(), nullptr, nullptr, &err), SQLITE_OK)
-            << (err ? err : "");
-        sqlite3_free(err);
-        sqlite3_close(db);
     }
 
     // The IDs a query gives on one back end, in its order.
-    static QStringList ids(Database *db, const QString &sql)
+    QStringList ids(const char *backEnd, const QString &sql) const
     {
-        QStringList out;
-        if (!db)
-            return out;
-        auto rs = db->OpenRecordset(sql);
+        auto db = plx::testing::backEndNamed(QString::fromLatin1(backEnd))
+                      ->open(m_dir.filePath(QString::fromLatin1(backEnd)));
+        EXPECT_TRUE(db.isOk()) << db.status().toString().toStdString();
+        if (!db.isOk())
+            return {};
+        auto rs = db.value()->OpenRecordset(sql);
         EXPECT_TRUE(rs.isOk()) << sql.toStdString() << ": " << rs.status().toString().toStdString();
-        if (!rs.isOk())
-            return out;
-        for (RecordSource &r = *rs.value(); !r.isEOF(); (void)r.MoveNext())
-            out << r.value(QStringLiteral("ID")).value().toString().trimmed();
+        QStringList out;
+        for (RecordSource *r = rs.isOk() ? rs.value().get() : nullptr; r && !r->isEOF();
+             (void)r->MoveNext())
+            out << r->value(QStringLiteral("ID")).value().toString().trimmed();
         return out;
     }
 
     void expectOnEach(const char *sql, const QStringList &onSqlite, const QStringList &onFoxPro)
     {
-        auto sqlite =
-            OpenDatabase(m_dir.filePath(QStringLiteral("t.sqlite")), false, false, QString());
-        ASSERT_TRUE(sqlite.isOk()) << sqlite.status().toString().toStdString();
-        auto fox = OpenDatabase(m_dir.filePath(QStringLiteral("fox")), false, false,
-                                QStringLiteral("FoxPro 2.6"));
-        ASSERT_TRUE(fox.isOk()) << fox.status().toString().toStdString();
         const QString text = QString::fromUtf8(sql);
-        EXPECT_EQ(ids(sqlite.value().get(), text), onSqlite) << "SQLite: " << sql;
-        EXPECT_EQ(ids(fox.value().get(), text), onFoxPro) << "FoxPro: " << sql;
+        EXPECT_EQ(ids("SQLite", text), onSqlite) << "SQLite: " << sql;
+        EXPECT_EQ(ids("FoxPro", text), onFoxPro) << "FoxPro: " << sql;
     }
 
     void expectOnBoth(const char *sql, const QStringList &expected)
