@@ -319,7 +319,9 @@ bool readSqliteTable(const QString &dbPath, const QString &tableName, Table *tab
     QStringList columns;
     for (const FieldShape &f : sampleFieldShapes())
         columns << QLatin1Char('"') + f.name + QLatin1Char('"');
-    const QByteArray sql = QStringLiteral("SELECT %1 FROM \"%2\"")
+    // In ID order, so each record goes in at the table's end without a search (IDs are
+    // ASCII, where SQLite's byte order and QString's agree).
+    const QByteArray sql = QStringLiteral("SELECT %1 FROM \"%2\" ORDER BY \"ID\"")
                                .arg(columns.join(QLatin1Char(',')), tableName)
                                .toUtf8();
     sqlite3_stmt *row = nullptr;
@@ -352,7 +354,11 @@ bool readSqliteTable(const QString &dbPath, const QString &tableName, Table *tab
                               plainSqliteValue(row, i, sampleFieldShapes()[i], types[i]));
             known = decoded.insert(key, record);
         }
-        addRecord(table, *known, duplicates);
+        const QString &id = *known->constFind(QStringLiteral("ID"));
+        if (!table->isEmpty() && std::prev(table->cend()).key() >= id)
+            addRecord(table, *known, duplicates); // out of order: a non-ASCII ID, or a twin
+        else
+            table->insert(table->cend(), id, *known);
     }
     ok = ok && rc == SQLITE_DONE;
     if (!ok)
