@@ -1,6 +1,8 @@
 // mervane/mvdatabinding.cpp
 #include "mervane/mvdatabinding.h"
 
+#include "services/recordsource/querytext.h"
+
 #include "services/codepages.h"
 
 #include <QFile>
@@ -67,10 +69,9 @@ QString mvDataBinding::Connect()
     auto db = plx::OpenDatabase(dir, false, false, QStringLiteral("FoxPro 2.6;"));
     if (!db.isOk())
         return db.status().message();
-    QString sql = QStringLiteral("SELECT * from ") + table;
-    if (!m_filter.trimmed().isEmpty())
-        sql += QStringLiteral(" WHERE ") + m_filter;
-    auto rs = db.value()->OpenRecordset(sql);
+    const plx::QueryText sql(table);
+    auto rs = db.value()->OpenRecordset(m_filter.trimmed().isEmpty() ? sql.selectAll()
+                                                                     : sql.selectWhere(m_filter));
     if (!rs.isOk())
         return rs.status().message();
     setRecordSet(std::shared_ptr<plx::RecordSource>(std::move(rs).value()));

@@ -1,7 +1,7 @@
 // navigator/findsession.cpp
 #include "navigator/findsession_p.h"
 
-#include "navigator/querytext.h"
+#include "services/recordsource/querytext.h"
 #include "services/recordsource/database.h"
 #include "services/texthelpers.h"
 

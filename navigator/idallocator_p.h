@@ -11,7 +11,7 @@
 // GUI thread; problems are told through the table's Services (a box and the activity log).
 #pragma once
 
-#include "navigator/querytext.h"
+#include "services/recordsource/querytext.h"
 
 #include <QString>
 

@@ -11,7 +11,7 @@
 #include "navigator/findsession_p.h"
 #include "navigator/idallocator_p.h"
 #include "navigator/mvplxrecs.h"
-#include "navigator/querytext.h"
+#include "services/recordsource/querytext.h"
 #include "navigator/recordcommands_p.h"
 
 #include <QPointer>

@@ -4,6 +4,7 @@
 #include "apps/plxform/screenfit.h"
 #include "services/ini.h"
 #include "services/recordsource/database.h"
+#include "services/recordsource/querytext.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -134,8 +135,9 @@ QString FilterEditor::checkCondition(const QString &where) const
         return tr("No table is open.");
     if (where.contains(QLatin1Char('\n')) || where.contains(QLatin1Char('\r')))
         return tr("A condition is one line.");
-    const QString statement =
-        QStringLiteral("SELECT * from [") + m_table + QStringLiteral("] WHERE ");
+    // The condition's own text starts where the statement's prefix ends; a syntax error's
+    // position is told from there.
+    const QString statement = QueryText(m_table).selectWhere(QString());
     Result<std::unique_ptr<RecordSource>> tried = m_db->OpenRecordset(statement + where);
     return tried.isOk() ? QString() : inCondition(tried.status().message(), statement.size());
 }

@@ -12,6 +12,7 @@
 #include "services/ini.h"
 #include "services/paths.h"
 #include "services/recordsource/database.h"
+#include "services/recordsource/querytext.h"
 #include "services/texthelpers.h"
 
 #include <QAbstractButton>
@@ -116,8 +117,8 @@ Result<OpenedTable> openTableFile(const QString &file, const QString &connect)
     if (!db.isOk())
         return db.status();
     OpenedTable opened{ std::shared_ptr<Database>(std::move(db.value())), nullptr };
-    Result<std::unique_ptr<RecordSource>> rs = opened.db->OpenRecordset(
-        QStringLiteral("SELECT * from [") + getFileTitle(fromDiskPath(file)) + QLatin1Char(']'));
+    Result<std::unique_ptr<RecordSource>> rs =
+        opened.db->OpenRecordset(QueryText(getFileTitle(fromDiskPath(file))).selectAll());
     if (!rs.isOk())
         return rs.status();
     opened.rs = std::move(rs.value());
@@ -362,8 +363,7 @@ bool HostForm::openSqliteTable(FormDescription &form, mvPLXRecs &nav, std::share
         return false;
     }
     db = std::move(opened.value());
-    Result<std::unique_ptr<RecordSource>> rs =
-        db->OpenRecordset(QStringLiteral("SELECT * from [") + form.table + QLatin1Char(']'));
+    Result<std::unique_ptr<RecordSource>> rs = db->OpenRecordset(QueryText(form.table).selectAll());
     if (!rs.isOk()) {
         *error = tr("The table %1 of %2 could not be opened: %3")
                      .arg(form.table, form.database, rs.status().message());

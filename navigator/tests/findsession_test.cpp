@@ -1,7 +1,7 @@
 // navigator/tests/findsession_test.cpp: the find box's session: the search list, what a key
 // makes of the box's text, and finds with their widening on a real table of each back end.
 #include "navigator/findsession_p.h"
-#include "navigator/querytext.h"
+#include "services/recordsource/querytext.h"
 #include "navigator/tests/navigatorfixture.h"
 
 #include "services/recordsource/recordsource.h"

@@ -1,5 +1,5 @@
-// navigator/querytext.cpp
-#include "navigator/querytext.h"
+// services/recordsource/querytext.cpp
+#include "services/recordsource/querytext.h"
 
 #include "services/texthelpers.h"
 

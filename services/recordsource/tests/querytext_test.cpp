@@ -1,6 +1,6 @@
-// navigator/tests/querytext_test.cpp: the exact statements and criteria the navigator sends,
-// for plain names and for names that need brackets.
-#include "navigator/querytext.h"
+// services/recordsource/tests/querytext_test.cpp: the exact statements and criteria the
+// controls send, for plain names and for names that need brackets.
+#include "services/recordsource/querytext.h"
 
 #include <gtest/gtest.h>
 

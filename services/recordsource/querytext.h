@@ -1,10 +1,11 @@
-// navigator/querytext.h: the Jet SQL texts a navigator sends for one table.
+// services/recordsource/querytext.h: the Jet SQL texts the controls send for one table.
 //
-// Every statement and criterion the navigator hands a Database or a RecordSource is written
-// here, so names are bracketed in one way everywhere: a table or field name that is not a
-// plain identifier, or that is a reserved word, stands in brackets ("[my people]",
-// "[ORDER]", "[91]"); a name already in brackets is left as it is. IDs in criteria are
-// always chains of CHR codes (strToASC), never quoted literals, so no ID can break one.
+// Every statement and criterion the navigator, the rows and plxform hand a Database or a
+// RecordSource is written here, so names are bracketed in one way everywhere: a table or
+// field name that is not a plain identifier, or that is a reserved word, stands in brackets
+// ("[my people]", "[ORDER]", "[91]"); a name already in brackets is left as it is. IDs in
+// criteria are always chains of CHR codes (strToASC), never quoted literals, so no ID can
+// break one.
 //
 // Hosts that open record sources of their own on the same table may use it too:
 //
