@@ -4,7 +4,6 @@
 // nesting is refused at its position, and a statement or find still running after 10 seconds
 // stops with its message. Time is made to pass by a stepping clock, never waited for.
 #include "services/recordsource/database.h"
-#include "services/recordsource/dbf/internal/dbftable.h"
 #include "services/recordsource/foxpro/tests/foxprotestsupport.h"
 #include "services/recordsource/jet/internal/deadline.h"
 #include "services/recordsource/jet/internal/evaluationcounters.h"
@@ -54,25 +53,18 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(m_dir.isValid());
-        QList<DbfField> fields;
-        for (auto [name, type, length] :
-             { std::tuple{ "ID", 'C', 6 }, { "NAME", 'C', 12 }, { "AMOUNT", 'N', 8 } }) {
-            DbfField f;
-            f.name = QString::fromLatin1(name);
-            f.type = type;
-            f.length = length;
-            fields << f;
-        }
-        auto table = DbfTable::create(m_dir.filePath(QStringLiteral("B.DBF")), fields);
-        ASSERT_TRUE(table.isOk()) << table.status().toString().toStdString();
+        foxprotest::TableDef b{ QStringLiteral("B"),
+                                foxprotest::textFields({ { "ID", 6 }, { "NAME", 12 } }),
+                                {} };
+        b.fields << FieldInfo{ QStringLiteral("AMOUNT"), FieldType::Numeric, 8, 0 };
         const QString names[] = { QStringLiteral("yyy"),        QStringLiteral("Adams"),
                                   QStringLiteral("\u00C9mile"), QStringLiteral("emile"),
                                   QStringLiteral("Zo\u00EB"),   QStringLiteral("f\u00E9e") };
         for (int i = 0; i < kRecords; ++i) {
             m_names << names[i % std::size(names)];
-            const QVariantList values{ QStringLiteral("R%1").arg(i), m_names.back(), i };
-            ASSERT_TRUE(table.value()->appendRecord(values).isOk());
+            b.rows << QVariantList{ QStringLiteral("R%1").arg(i), m_names.back(), i };
         }
+        ASSERT_NO_FATAL_FAILURE(foxprotest::writeTable(m_dir.path(), b));
         m_binary = foxprotest::openDirectory(m_dir.path());
         auto general =
             OpenDatabase(m_dir.path(), false, false, QStringLiteral("FoxPro 2.6;Collate=General"));

@@ -5,13 +5,13 @@
 #include "services/recordsource/database.h"
 #include "services/recordsource/dbf/internal/dbftable.h"
 #include "services/recordsource/foxpro/tests/foxprotestsupport.h"
+#include "services/recordsource/tests/sqlitebackend.h"
 #include "tests/support/texts.h"
 
 #include <QDir>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <cstring>
@@ -68,51 +68,32 @@ protected:
     void makeTable(int codePage)
     {
         ASSERT_TRUE(QDir(m_dir.path()).mkpath(QString::number(codePage)));
-        DbfField id;
-        id.name = QStringLiteral("ID");
-        id.type = 'C';
-        id.length = 4;
-        DbfField name = id;
-        name.name = QStringLiteral("NAME");
-        name.length = 20;
-        auto table = DbfTable::create(tablePath(codePage), { id, name }, 0x03, codePage);
-        ASSERT_TRUE(table.isOk()) << table.status().toString().toStdString();
+        foxprotest::TableDef p{ QStringLiteral("P"),
+                                foxprotest::textFields({ { "ID", 4 }, { "NAME", 20 } }),
+                                {} };
         for (const auto &row : kNames)
-            ASSERT_TRUE(
-                table.value()->appendRecord({ QString::fromUtf16(row[0]), nameOf(row) }).isOk());
+            p.rows << QVariantList{ QString::fromUtf16(row[0]), nameOf(row) };
+        ASSERT_NO_FATAL_FAILURE(foxprotest::writeTable(folder(codePage), p, codePage));
     }
 
-    // The same values in a SQLite database, as the FoxPro table reads them, written through
-    // SQLite's own interface.
+    // The same values in a SQLite database, as the FoxPro table reads them (its Null as "").
     void makeSqliteTable()
     {
-        auto table = DbfTable::open(tablePath(1252), DbfTable::OpenMode::ReadOnly);
-        ASSERT_TRUE(table.isOk());
-        sqlite3 *db = nullptr;
-        ASSERT_EQ(sqlite3_open(sqlitePath().toUtf8().constData(), &db), SQLITE_OK);
-        ASSERT_EQ(sqlite3_exec(db, "CREATE TABLE P (ID CHAR(4), NAME CHAR(20))", nullptr, nullptr,
-                               nullptr),
-                  SQLITE_OK);
-        sqlite3_stmt *insert = nullptr;
-        ASSERT_EQ(sqlite3_prepare_v2(db, "INSERT INTO P VALUES (?1, ?2)", -1, &insert, nullptr),
-                  SQLITE_OK);
-        for (quint32 recno = 1; recno <= table.value()->recordCount(); ++recno) {
-            for (int field = 0; field < 2; ++field) {
-                const QByteArray text =
-                    table.value()->value(recno, field).value().toString().toUtf8();
-                sqlite3_bind_text(insert, field + 1, text.constData(), int(text.size()),
-                                  SQLITE_TRANSIENT);
-            }
-            EXPECT_EQ(sqlite3_step(insert), SQLITE_DONE);
-            sqlite3_reset(insert);
-        }
-        sqlite3_finalize(insert);
-        sqlite3_close(db);
+        foxprotest::TableDef p{ QStringLiteral("P"),
+                                foxprotest::textFields({ { "ID", 4 }, { "NAME", 20 } }),
+                                {} };
+        for (const auto &row : kNames)
+            p.rows << QVariantList{ QString::fromUtf16(row[0]),
+                                    QString::fromUtf16(row[1] ? row[1] : u"") };
+        ASSERT_TRUE(QDir(m_dir.path()).mkpath(QStringLiteral("sqlite")));
+        const Status written =
+            plx::testing::makeSqliteBackEnd()->createTables(sqliteFolder(), { p });
+        ASSERT_TRUE(written.isOk()) << written.toString().toStdString();
     }
 
     QString folder(int codePage) const { return m_dir.filePath(QString::number(codePage)); }
     QString tablePath(int codePage) const { return folder(codePage) + QStringLiteral("/P.DBF"); }
-    QString sqlitePath() const { return m_dir.filePath(QStringLiteral("p.db")); }
+    QString sqliteFolder() const { return m_dir.filePath(QStringLiteral("sqlite")); }
 
     static std::unique_ptr<Database> open(const QString &name, const QString &connect)
     {
@@ -191,8 +172,9 @@ TEST_F(FoxProCollationTest, GeneralOrdersCaseInsensitivelyWithAccentsBesideTheir
 // argument, Between, the find query, and a join (which runs through SQLite's virtual tables).
 TEST_F(FoxProCollationTest, GeneralAgreesWithTheSqliteEngine)
 {
-    auto sqlite = open(sqlitePath(), QString());
-    ASSERT_TRUE(sqlite);
+    auto opened = plx::testing::makeSqliteBackEnd()->open(sqliteFolder());
+    ASSERT_TRUE(opened.isOk()) << opened.status().toString().toStdString();
+    const std::unique_ptr<Database> sqlite = std::move(opened).value();
     ASSERT_EQ(sqlite->textCompare(), TextCompare::NoCase);
     const char *const statements[] = {
         "SELECT * from P ORDER BY P.NAME, P.ID",

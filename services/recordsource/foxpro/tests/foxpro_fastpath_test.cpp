@@ -31,22 +31,13 @@ protected:
     // Creates P.DBF (ID C(4), NAME C(12), CITY C(8), code page 1252) with these rows.
     void makeTable(const QList<QStringList> &rows)
     {
-        QList<DbfField> fields;
-        for (auto [name, length] : { std::pair{ "ID", 4 }, { "NAME", 12 }, { "CITY", 8 } }) {
-            DbfField f;
-            f.name = QString::fromLatin1(name);
-            f.type = 'C';
-            f.length = length;
-            fields << f;
-        }
-        auto table = DbfTable::create(path(), fields);
-        ASSERT_TRUE(table.isOk()) << table.status().toString().toStdString();
-        for (const QStringList &row : rows) {
-            QVariantList values;
-            for (const QString &v : row)
-                values << v;
-            ASSERT_TRUE(table.value()->appendRecord(values).isOk());
-        }
+        foxprotest::TableDef p{ QStringLiteral("P"),
+                                foxprotest::textFields(
+                                    { { "ID", 4 }, { "NAME", 12 }, { "CITY", 8 } }),
+                                {} };
+        for (const QStringList &row : rows)
+            p.rows << QVariantList(row.begin(), row.end());
+        ASSERT_NO_FATAL_FAILURE(foxprotest::writeTable(m_dir.path(), p));
     }
 
     QString path() const { return m_dir.filePath(QStringLiteral("P.DBF")); }

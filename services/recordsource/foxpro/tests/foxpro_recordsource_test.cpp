@@ -21,24 +21,16 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(m_dir.isValid());
-        QList<DbfField> fields;
-        DbfField id;
-        id.name = QStringLiteral("ID");
-        id.type = 'C';
-        id.length = 10;
-        DbfField name = id;
-        name.name = QStringLiteral("NAME");
-        name.length = 20;
-        fields << id << name;
-        auto table = DbfTable::create(m_dir.filePath(QStringLiteral("FRUIT.DBF")), fields);
-        ASSERT_TRUE(table.isOk()) << table.status().toString().toStdString();
-        const char *names[] = { "apple", "Banana", "cherry", "Apricot", "banana" };
-        for (int i = 0; i < 5; ++i) {
-            ASSERT_TRUE(table.value()
-                            ->appendRecord(
-                                { QStringLiteral("F%1").arg(i + 1), QString::fromLatin1(names[i]) })
-                            .isOk());
-        }
+        QList<QVariantList> rows;
+        for (const char *name : { "apple", "Banana", "cherry", "Apricot", "banana" })
+            rows << QVariantList{ QStringLiteral("F%1").arg(rows.size() + 1),
+                                  QString::fromLatin1(name) };
+        ASSERT_NO_FATAL_FAILURE(foxprotest::writeTable(
+            m_dir.path(),
+            { QStringLiteral("FRUIT"), foxprotest::textFields({ { "ID", 10 }, { "NAME", 20 } }),
+              rows }));
+        auto table = DbfTable::open(m_dir.filePath(QStringLiteral("FRUIT.DBF")));
+        ASSERT_TRUE(table.isOk());
         ASSERT_TRUE(table.value()->setDeleted(5, true).isOk()); // the lower-case "banana"
     }
 
@@ -96,23 +88,14 @@ TEST_F(FoxProRecordSourceTest, DeletedRecordsAreHiddenAndDeleteMarksTheFile)
 // byte order, and are read-only.
 TEST_F(FoxProRecordSourceTest, JoinsRunThroughTheVirtualTableModule)
 {
-    QList<DbfField> fields;
-    DbfField id;
-    id.name = QStringLiteral("ID");
-    id.type = 'C';
-    id.length = 10;
-    DbfField colour = id;
-    colour.name = QStringLiteral("COLOUR");
-    fields << id << colour;
-    auto table = DbfTable::create(m_dir.filePath(QStringLiteral("COLOURS.DBF")), fields);
-    ASSERT_TRUE(table.isOk());
-    ASSERT_TRUE(
-        table.value()->appendRecord({ QStringLiteral("F1"), QStringLiteral("red") }).isOk());
-    ASSERT_TRUE(
-        table.value()->appendRecord({ QStringLiteral("F2"), QStringLiteral("Yellow") }).isOk());
-    ASSERT_TRUE(
-        table.value()->appendRecord({ QStringLiteral("F5"), QStringLiteral("brown") }).isOk());
-    table.value().reset();
+    const auto row = [](const char *id, const char *colour) {
+        return QVariantList{ QString::fromLatin1(id), QString::fromLatin1(colour) };
+    };
+    ASSERT_NO_FATAL_FAILURE(
+        foxprotest::writeTable(m_dir.path(),
+                               { QStringLiteral("COLOURS"),
+                                 foxprotest::textFields({ { "ID", 10 }, { "COLOUR", 10 } }),
+                                 { row("F1", "red"), row("F2", "Yellow"), row("F5", "brown") } }));
 
     auto db = database();
     auto rs = db->OpenRecordset(QStringLiteral(
@@ -139,16 +122,12 @@ TEST_F(FoxProRecordSourceTest, JoinsRunThroughTheVirtualTableModule)
 TEST(FoxProCodePageTest, ConnectStringGivesTheCodePageOfUnmarkedTables)
 {
     QTemporaryDir dir;
-    DbfField name;
-    name.name = QStringLiteral("NAME");
-    name.type = 'C';
-    name.length = 10;
+    ASSERT_NO_FATAL_FAILURE(foxprotest::writeTable(dir.path(),
+                                                   { QStringLiteral("PEOPLE"),
+                                                     foxprotest::textFields({ { "NAME", 10 } }),
+                                                     { { QStringLiteral("José") } } },
+                                                   850));
     const QString path = dir.filePath(QStringLiteral("PEOPLE.DBF"));
-    {
-        auto table = DbfTable::create(path, { name }, 0x03, 850);
-        ASSERT_TRUE(table.isOk()) << table.status().toString().toStdString();
-        ASSERT_TRUE(table.value()->appendRecord({ QStringLiteral("José") }).isOk());
-    }
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::ReadWrite));
     file.seek(29);

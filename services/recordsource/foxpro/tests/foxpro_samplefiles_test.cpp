@@ -34,11 +34,12 @@ protected:
     }
 
     // Copies a sample into the test folder under `as` (its own name by default), writable.
-    QString copy(const char *sample, const QString &as = {}) const
+    QString copy(const QByteArray &sample, const QString &as = {}) const
     {
         const QString name = QString::fromLatin1(sample);
-        const QString target = m_dir.filePath(as.isEmpty() ? name : as);
-        EXPECT_TRUE(QFile::copy(m_samples + QLatin1Char('/') + name, target)) << sample;
+        QString target = m_dir.filePath(as.isEmpty() ? name : as);
+        QFile::remove(target); // a fresh copy when a test takes the same sample again
+        EXPECT_TRUE(QFile::copy(m_samples + QLatin1Char('/') + name, target)) << sample.constData();
         QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner);
         return target;
     }
@@ -189,35 +190,31 @@ TEST_F(FoxProSampleFilesTest, AStructuralIndexNamesItsFile)
                                  "(DBASE_F5.CDX)"));
 }
 
-TEST_F(FoxProSampleFilesTest, AWriteProtectedTableFileSaysSo)
+// The table file, its memo file and the folder each refuse writes in turn; the reason names
+// the one that does.
+TEST_F(FoxProSampleFilesTest, AWriteProtectedFileOrFolderSaysSo)
 {
-    const QString file = copy("pr90.dbf");
-    copy("pr90.fpt");
-    plx::testing::WriteProtection protection(file);
-    if (!protection.failure().isEmpty())
-        GTEST_SKIP() << protection.failure().toStdString();
-    expectRefused(QStringLiteral("pr90"), file, QStringLiteral("the file is write-protected"));
-}
-
-TEST_F(FoxProSampleFilesTest, AWriteProtectedMemoFileSaysSo)
-{
-    const QString file = copy("pr90.dbf");
-    plx::testing::WriteProtection protection(copy("pr90.fpt"));
-    if (!protection.failure().isEmpty())
-        GTEST_SKIP() << protection.failure().toStdString();
-    expectRefused(QStringLiteral("pr90"), file,
-                  QStringLiteral("the memo file is write-protected (pr90.fpt)"));
-}
-
-TEST_F(FoxProSampleFilesTest, AWriteProtectedFolderSaysSo)
-{
-    const QString file = copy("dbase_f5.dbf");
-    copy("dbase_f5.fpt");
-    plx::testing::WriteProtection protection(m_dir.path());
-    if (!protection.failure().isEmpty())
-        GTEST_SKIP() << protection.failure().toStdString();
-    expectRefused(QStringLiteral("dbase_f5"), file,
-                  QStringLiteral("the folder is write-protected"));
+    const struct
+    {
+        const char *table;
+        const char *protectedFile; // "" for the folder
+        const char *reason;
+    } cases[] = {
+        { "pr90", "pr90.dbf", "the file is write-protected" },
+        { "pr90", "pr90.fpt", "the memo file is write-protected (pr90.fpt)" },
+        { "dbase_f5", "", "the folder is write-protected" },
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.reason);
+        const QString table = QString::fromLatin1(c.table);
+        const QString file = copy(c.table + QByteArray(".dbf"));
+        copy(c.table + QByteArray(".fpt"));
+        plx::testing::WriteProtection protection(
+            *c.protectedFile ? m_dir.filePath(QString::fromLatin1(c.protectedFile)) : m_dir.path());
+        if (!protection.failure().isEmpty())
+            GTEST_SKIP() << protection.failure().toStdString();
+        expectRefused(table, file, QString::fromLatin1(c.reason));
+    }
 }
 
 } // namespace
