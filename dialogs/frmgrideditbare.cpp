@@ -49,6 +49,7 @@ FrmGridEditBare::FrmGridEditBare(Setup setup, QWidget *parent)
     if (start < 0 && !m_setup.startCriterion.isEmpty())
         start = m_cursor.locate(m_setup.startCriterion).value_or(-1);
     startOn(start);
+    m_grid->setFocus(Qt::OtherFocusReason);
 }
 
 FrmGridEditBare::~FrmGridEditBare() = default;
@@ -62,8 +63,6 @@ void FrmGridEditBare::buildChildren()
 {
     m_grid = new QTableView(this);
     m_grid->setObjectName(QStringLiteral("tdbGrid"));
-    m_model = new RecordSourceTableModel(&m_cursor, m_grid);
-    m_grid->setModel(m_model);
     m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_grid->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_grid->setWordWrap(false);
@@ -75,6 +74,10 @@ void FrmGridEditBare::buildChildren()
     rows->setSectionResizeMode(QHeaderView::Fixed);
     rows->setDefaultSectionSize(m_grid->fontMetrics().height() + 8);
     rows->hide();
+    // Set up the rows before the model comes, so the header lays out its million sections
+    // once.
+    m_model = new RecordSourceTableModel(&m_cursor, m_grid);
+    m_grid->setModel(m_model);
     QHeaderView *columns = m_grid->horizontalHeader();
     columns->setSectionsMovable(true);
     columns->setHighlightSections(true);
@@ -121,6 +124,14 @@ void FrmGridEditBare::startOn(qint32 row)
     m_grid->selectionModel()->setCurrentIndex(m_model->index(start, column),
                                               QItemSelectionModel::NoUpdate);
     m_grid->scrollTo(m_model->index(start, column), QAbstractItemView::PositionAtCenter);
+}
+
+void FrmGridEditBare::showEvent(QShowEvent *event)
+{
+    QDialog::showEvent(event);
+    // Only now does the grid know how many rows it shows: centre the current one again.
+    if (m_grid->currentIndex().isValid())
+        m_grid->scrollTo(m_grid->currentIndex(), QAbstractItemView::PositionAtCenter);
 }
 
 void FrmGridEditBare::keyPressEvent(QKeyEvent *event)

@@ -26,6 +26,7 @@
 #include "dialogs/recordcursor.h"
 
 #include <QDialog>
+#include <QHash>
 
 #include <memory>
 
@@ -78,6 +79,7 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void showEvent(QShowEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -102,6 +104,9 @@ private:
     QTableView *m_grid = nullptr;
     QPushButton *m_find = nullptr;
     ColumnFind m_columnFind;
+    // The widths the layout gave, by column: written back as they were read unless the
+    // user resized the column, so twips do not drift through pixel rounding.
+    QHash<int, int> m_layoutTwips;
     qint32 m_chosenRow = -1;
     bool m_chooseNothing = false;
     bool m_closed = false;

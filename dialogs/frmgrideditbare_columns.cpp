@@ -64,6 +64,8 @@ void FrmGridEditBare::applyLayout(const GridLayout &layout)
                                entry.widthTwips > 0
                                    ? qMax(8, twipsToPixelsX(m_grid, entry.widthTwips))
                                    : fittedWidth(column));
+        if (entry.widthTwips > 0)
+            m_layoutTwips.insert(column, entry.widthTwips);
     }
     // A grid with no column is no use: without a layout that names a field, every field
     // shows, in the table's order.
@@ -100,9 +102,13 @@ GridLayout FrmGridEditBare::currentLayout() const
         const int column = header->logicalIndex(v);
         if (header->isSectionHidden(column))
             continue;
+        const int pixels = m_grid->columnWidth(column);
+        const int given = m_layoutTwips.value(column, 0);
+        const int twips = given > 0 && twipsToPixelsX(m_grid, given) == pixels
+            ? given
+            : pixelsToTwipsX(m_grid, pixels);
         columns.append({ m_cursor.fields().at(column).name,
-                         m_model->headerData(column, Qt::Horizontal).toString(),
-                         pixelsToTwipsX(m_grid, m_grid->columnWidth(column)) });
+                         m_model->headerData(column, Qt::Horizontal).toString(), twips });
     }
     return GridLayout(std::move(columns));
 }

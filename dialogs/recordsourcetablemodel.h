@@ -25,7 +25,7 @@ class RecordSourceTableModel : public QAbstractTableModel
 public:
     // Records read from the source at a time, and batches kept.
     static constexpr qint32 kBatchRows = 64;
-    static constexpr int kKeptBatches = 48;
+    static constexpr int kKeptBatches = 8;
 
     // `cursor` must outlive the model.
     explicit RecordSourceTableModel(RecordCursor *cursor, QObject *parent = nullptr);

@@ -143,13 +143,13 @@ TEST_P(GridTest, LayoutIsAppliedAndSurvivesTheNextOpening)
 {
     writeINI(
         QStringLiteral("CONFIG"), kKey, settings,
-        QStringLiteral("NAME,Facility,2400|GONE,Old,900|ID,,abc|NAME,Twice,100|BORN,Born,1440|"));
+        QStringLiteral("NAME,Facility,2400|GONE,Old,900|ID,,abc|NAME,Twice,100|BORN,Born,1450|"));
     auto form = makeForm();
     form->show();
     EXPECT_EQ(visibleTitles(*form), split("Facility|ID|Born"));
     QTableView *grid = form->grid();
     EXPECT_EQ(grid->columnWidth(1), twipsToPixelsX(grid, 2400));
-    EXPECT_EQ(grid->columnWidth(4), twipsToPixelsX(grid, 1440));
+    EXPECT_EQ(grid->columnWidth(4), twipsToPixelsX(grid, 1450));
     EXPECT_GT(grid->columnWidth(0), 20); // no width given: one that fits the field
     EXPECT_TRUE(grid->isColumnHidden(2) && grid->isColumnHidden(3) && grid->isColumnHidden(5));
 
@@ -164,6 +164,9 @@ TEST_P(GridTest, LayoutIsAppliedAndSurvivesTheNextOpening)
     form->close();
     EXPECT_EQ(GridLayout::parse(layoutStored()).columns(), changed.columns());
     EXPECT_EQ(GridLayout::parse(layoutStored()).columns().value(1).title, QStringLiteral("ID"));
+    // A width the user left alone is written as it was read, not rounded through pixels.
+    EXPECT_EQ(GridLayout::parse(layoutStored()).columns().value(0),
+              (GridColumnEntry{ QStringLiteral("BORN"), QStringLiteral("Born"), 1450 }));
 
     auto again = makeForm();
     EXPECT_EQ(visibleTitles(*again), split("Born|ID|AMOUNT"));
