@@ -1,13 +1,13 @@
-// fields/mvname_p.h: the text stack makes mvText rows and raises their double clicks as
-// its own DblClick(Index).
+// fields/textstack_p.h: a text stack makes mvText rows and, unless the concrete stack does
+// more, raises their double clicks as its own DblClick(Index).
 #pragma once
 
-#include "fields/mvname.h"
 #include "fields/rowstack_p.h"
+#include "fields/textstack.h"
 
-class mvNamePrivate : public RowStackPrivate
+class TextStackPrivate : public RowStackPrivate
 {
-    Q_DECLARE_PUBLIC(mvName)
+    Q_DECLARE_PUBLIC(TextStack)
 
 public:
     mvRow *createRow(qint16 index) override;
