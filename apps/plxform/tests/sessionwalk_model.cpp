@@ -143,11 +143,54 @@ bool WalkModel::inFilter(const Record &record) const
     return facts(record.value(QStringLiteral("ID")), record).member;
 }
 
+namespace {
+
+// SQLite's text order, two levels as a reader files names: first the letters without case
+// or accents, then, only where a letter carries one, each letter's accents in turn (a
+// letter's accents end with a mark below every accent; a separator below every letter
+// starts the level, so a text whose letters run out first sorts first).
+QString generalKey(const QString &value)
+{
+    // Letters a reader files under other letters; the letter itself is then the accent of
+    // the first, so "ø" sorts with "o" and stays apart from "ö".
+    static const QHash<QChar, QString> filedAs = {
+        { QChar(0x00E6), QStringLiteral("ae") }, { QChar(0x0153), QStringLiteral("oe") },
+        { QChar(0x00DF), QStringLiteral("ss") }, { QChar(0x00F8), QStringLiteral("o") },
+        { QChar(0x0111), QStringLiteral("d") },  { QChar(0x00F0), QStringLiteral("d") },
+        { QChar(0x0142), QStringLiteral("l") },  { QChar(0x00FE), QStringLiteral("th") },
+        { QChar(0x0131), QStringLiteral("i") },  { QChar(0x0127), QStringLiteral("h") },
+    };
+    QString letters;
+    QStringList accents; // one entry per letter
+    for (const QChar c : value.normalized(QString::NormalizationForm_D)) {
+        const QChar folded = c.toCaseFolded();
+        if (c.isMark() && !letters.isEmpty()) {
+            accents.last() += folded;
+        } else if (filedAs.contains(folded)) {
+            const QString as = filedAs.value(folded);
+            letters += as;
+            accents << QString(folded);
+            for (qsizetype i = 1; i < as.size(); ++i)
+                accents << QString();
+        } else {
+            letters += folded;
+            accents << QString();
+        }
+    }
+    if (std::all_of(accents.cbegin(), accents.cend(), [](const QString &a) { return a.isEmpty(); }))
+        return letters;
+    while (!accents.isEmpty() && accents.last().isEmpty())
+        accents.removeLast();
+    return letters + QChar(0) + accents.join(QChar(1));
+}
+
+} // namespace
+
 QStringList WalkModel::computeSortKey(const Record &record) const
 {
     // Each back end's text order: a FoxPro table compares its code page's bytes; SQLite
-    // compares letters without case and accents first, then the accents, a letter
-    // without one first. Null comes first, then blank (the same thing in a FoxPro table).
+    // compares letters without case and accents first, then the accents (generalKey).
+    // Null comes first, then blank (the same thing in a FoxPro table).
     const bool bytes = m_options.backend == Backend::FoxPro;
     QStringList key;
     for (const QString &field : sortFields(m_sort)) {
@@ -164,22 +207,7 @@ QStringList WalkModel::computeSortKey(const Record &record) const
             key << codes;
             continue;
         }
-        const QString spelled = value.normalized(QString::NormalizationForm_D).toCaseFolded();
-        QString letters;
-        for (const QChar c : spelled) {
-            if (c.category() == QChar::Mark_NonSpacing)
-                continue;
-            // Letters a reader files under other letters, as the generated IDs hold them.
-            static const QHash<QChar, QString> filedAs = {
-                { QChar(0x00E6), QStringLiteral("ae") }, { QChar(0x0153), QStringLiteral("oe") },
-                { QChar(0x00DF), QStringLiteral("ss") }, { QChar(0x00F8), QStringLiteral("o") },
-                { QChar(0x0111), QStringLiteral("d") },  { QChar(0x00F0), QStringLiteral("d") },
-                { QChar(0x0142), QStringLiteral("l") },  { QChar(0x00FE), QStringLiteral("th") },
-                { QChar(0x0131), QStringLiteral("i") },  { QChar(0x0127), QStringLiteral("h") },
-            };
-            letters += filedAs.value(c, QString(c));
-        }
-        key << letters + QChar(1) + spelled;
+        key << QChar(1) + generalKey(value); // after Null's empty key
     }
     return key;
 }
