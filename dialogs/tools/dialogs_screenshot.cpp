@@ -1,0 +1,62 @@
+// dialogs/tools/dialogs_screenshot.cpp: draws the dialogs a host opens from its fields (the
+// value-list editor) as they look in use, and saves each as a PNG (the pictures in
+// docs/images).
+//
+//     xvfb-run -s "-screen 0 1280x1024x24 -dpi 96" build/dialogs/dialogs_screenshot docs/images
+#include "dialogs/frmvivalues.h"
+
+#include "services/ini.h"
+
+#include <QApplication>
+#include <QListWidget>
+#include <QStyleFactory>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <cstdio>
+
+namespace {
+
+bool save(QWidget &window, const QString &file)
+{
+    window.show();
+    (void)QTest::qWaitForWindowExposed(&window);
+    QTest::qWait(50);
+    const bool ok = window.grab().save(file);
+    std::fprintf(ok ? stdout : stderr, "%s %s\n", ok ? "wrote" : "could not write",
+                 qPrintable(file));
+    return ok;
+}
+
+bool valueListEditor(const QString &dir, const QString &out)
+{
+    const QString listFile = dir + QStringLiteral("/lists.ini");
+    (void)plx::writeINI(QStringLiteral("ValueItems"), QStringLiteral("Programs"), listFile,
+                        QStringLiteral("PT {Physical therapy}|OT {Occupational therapy}|"
+                                       "SP {Speech}|RT {Respiratory therapy}|DAY {Day program}|"
+                                       "RES {Residential}|CM {Case management}"));
+    plx::frmVIValues editor;
+    editor.setSVINIFile(listFile);
+    editor.setSVINISec(QStringLiteral("ValueItems"));
+    editor.setSVINIVar(QStringLiteral("Programs"));
+    editor.setSValue(QStringLiteral("PT,SP"));
+    editor.setMaxLen(20);
+    editor.InitForm();
+    editor.setWindowTitle(QStringLiteral("Value Item List: Programs"));
+    editor.findChild<QListWidget *>(QStringLiteral("List1"))->setCurrentRow(3);
+    return save(editor, out + QStringLiteral("/value-list-editor.png"));
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    const QString out = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral(".");
+    QTemporaryDir dir;
+    // The editor keeps its placement in the defaults file: one of its own, not the user's.
+    qputenv("PLX_HARROWBY_DIR", dir.path().toLocal8Bit());
+    bool ok = valueListEditor(dir.path(), out);
+    return ok ? 0 : 1;
+}
