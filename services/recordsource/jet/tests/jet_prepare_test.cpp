@@ -8,34 +8,15 @@
 #include "services/recordsource/jet/internal/evaluator.h"
 #include "services/recordsource/jet/internal/generalorder.h"
 #include "services/recordsource/jet/internal/parser.h"
+#include "services/recordsource/jet/tests/jettestrows.h"
 
 #include <gtest/gtest.h>
 
 using namespace plx;
 using namespace plx::jet;
+using namespace plx::jet::testing;
 
 namespace {
-
-const QStringList kColumns = { QStringLiteral("ID"), QStringLiteral("NAME"),
-                               QStringLiteral("AMOUNT"), QStringLiteral("BORN") };
-
-class ListRow : public Row
-{
-public:
-    explicit ListRow(QVariantList values) : m_values(std::move(values)) { }
-    QVariant value(int column) const override { return m_values.value(column); }
-
-private:
-    QVariantList m_values;
-};
-
-Result<int> resolve(const Node &column)
-{
-    const qsizetype c = kColumns.indexOf(column.name.toUpper());
-    if (c < 0)
-        return Status(Status::Code::UnknownField, QStringLiteral("unknown field ") + column.name);
-    return int(c);
-}
 
 // Rows of every kind a field can hold: text in both cases and with accents, numbers, text
 // that reads as a number, Null, dates.
@@ -50,14 +31,6 @@ QList<QVariantList> sampleRows()
         { QStringLiteral("5"), QStringLiteral("5"), 5, QDate(1990, 1, 2) },
         { QStringLiteral("D4"), QStringLiteral("yyy"), true, QDate(1999, 9, 9) },
     };
-}
-
-NodePtr parsed(const QString &text)
-{
-    Result<NodePtr> tree = parseExpression(text);
-    EXPECT_TRUE(tree.isOk()) << text.left(80).toStdString() << ": "
-                             << tree.status().toString().toStdString();
-    return tree.isOk() ? tree.value() : nullptr;
 }
 
 // Each row's value, or its error's message, as one line of text.

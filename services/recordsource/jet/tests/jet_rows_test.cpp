@@ -3,38 +3,16 @@
 // comparison. FoxPro sources compare in binary, in the order of the Windows-1252 bytes.
 #include "services/recordsource/jet/internal/evaluator.h"
 #include "services/recordsource/jet/internal/parser.h"
+#include "services/recordsource/jet/tests/jettestrows.h"
 #include "tests/support/texts.h"
 
 #include <gtest/gtest.h>
 
 using namespace plx;
 using namespace plx::jet;
+using namespace plx::jet::testing;
 
 namespace {
-
-const QStringList kColumns = { QStringLiteral("ID"), QStringLiteral("NAME"),
-                               QStringLiteral("AMOUNT") };
-
-class ListRow : public Row
-{
-public:
-    explicit ListRow(QVariantList values) : m_values(std::move(values)) { }
-    QVariant value(int column) const override { return m_values.value(column); }
-
-private:
-    QVariantList m_values;
-};
-
-Result<int> resolve(const Node &column)
-{
-    for (int c = 0; c < kColumns.size(); ++c) {
-        if (kColumns[c].compare(column.name, Qt::CaseInsensitive) == 0)
-            return c;
-    }
-    return Status(
-        Status::Code::UnknownField,
-        QStringLiteral("unknown field '%1' at position %2").arg(column.name).arg(column.pos));
-}
 
 // The rows (by ID) for which the criterion is True.
 QStringList matching(const char *criterion, TextCompare mode)
@@ -46,15 +24,14 @@ QStringList matching(const char *criterion, TextCompare mode)
         { QStringLiteral("PLE4"), QStringLiteral("\u00E9cole"), -1 },
         { QStringLiteral("PLE5"), QVariant(), 0 },
     };
-    Result<NodePtr> e = parseExpression(QString::fromUtf8(criterion));
-    EXPECT_TRUE(e.isOk()) << criterion;
-    if (!e.isOk())
+    NodePtr e = parsed(QString::fromUtf8(criterion));
+    if (!e)
         return {};
-    EXPECT_TRUE(jet::bind(e.value(), resolve).isOk()) << criterion;
+    EXPECT_TRUE(jet::bind(e, resolve).isOk()) << criterion;
     QStringList found;
     for (const QVariantList &values : rows) {
         ListRow row(values);
-        Result<QVariant> v = evaluate(*e.value(), &row, mode);
+        Result<QVariant> v = evaluate(*e, &row, mode);
         EXPECT_TRUE(v.isOk()) << criterion << ": " << v.status().toString().toStdString();
         if (v.isOk() && isTrue(v.value()))
             found << values[0].toString();

@@ -1,10 +1,8 @@
 // The SELECT forms hosts write (column lists, aliases, T.*, the join nestings Jet
 // parenthesises, keyword case, a trailing ';'), run on SQLite, and the binary order that
 // FoxPro-like sources use.
-#include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
+#include "services/recordsource/jetsqlite/tests/jetsqlitedb.h"
 #include "tests/support/texts.h"
-
-#include <sqlite3.h>
 
 #include <gtest/gtest.h>
 
@@ -18,60 +16,25 @@ class JetSelectTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        ASSERT_EQ(sqlite3_open(":memory:", &m_db), SQLITE_OK);
-        ASSERT_TRUE(registerJetFunctions(m_db).isOk());
-        const char *setup =
+        m_db.exec(QStringLiteral(
             "CREATE TABLE T (ID TEXT, NAME TEXT);"
-            "INSERT INTO T VALUES ('1', 'beta'), ('2', 'Alpha'), ('3', '\xE2\x82\xAC"
-            "uro'),"
-            " ('4', '\xC3\xA9"
-            "cole'), ('5', 'Zulu');"
+            "INSERT INTO T VALUES ('1', 'beta'), ('2', 'Alpha'), ('3', '\u20ACuro'),"
+            " ('4', '\u00E9cole'), ('5', 'Zulu');"
             "CREATE TABLE U (ID TEXT, NOTE TEXT, \"T.NAME\" TEXT);"
-            "INSERT INTO U VALUES ('1', 'one', 'x'), ('2', 'two', 'y'), ('9', 'nine', 'z');";
-        ASSERT_EQ(sqlite3_exec(m_db, setup, nullptr, nullptr, nullptr), SQLITE_OK)
-            << sqlite3_errmsg(m_db);
-    }
-    void TearDown() override { sqlite3_close(m_db); }
-
-    TableLookup lookup() const
-    {
-        return [](const QString &name) -> std::optional<TableColumns> {
-            if (name.compare(QLatin1String("T"), Qt::CaseInsensitive) == 0)
-                return TableColumns{ QStringLiteral("T"),
-                                     { QStringLiteral("ID"), QStringLiteral("NAME") } };
-            if (name.compare(QLatin1String("U"), Qt::CaseInsensitive) == 0)
-                return TableColumns{ QStringLiteral("U"),
-                                     { QStringLiteral("ID"), QStringLiteral("NOTE"),
-                                       QStringLiteral("T.NAME") } };
-            return std::nullopt;
-        };
+            "INSERT INTO U VALUES ('1', 'one', 'x'), ('2', 'two', 'y'), ('9', 'nine', 'z');"));
     }
 
     // Every row of a translated statement, its columns joined by '|'.
     QStringList rows(const QString &jetSql, TextCompare mode = TextCompare::NoCase)
     {
-        Result<TranslatedSelect> t = translateSelect(jetSql, lookup(), mode);
+        Result<TranslatedSelect> t = translateSelect(jetSql, m_db.lookup(), mode);
         EXPECT_TRUE(t.isOk()) << jetSql.toStdString() << ": "
                               << t.status().toString().toStdString();
-        if (!t.isOk())
-            return {};
-        QStringList out;
-        sqlite3_stmt *st = nullptr;
-        const QByteArray utf8 = t->sql.toUtf8();
-        EXPECT_EQ(sqlite3_prepare_v2(m_db, utf8.constData(), -1, &st, nullptr), SQLITE_OK)
-            << sqlite3_errmsg(m_db) << " in " << utf8.constData();
-        while (sqlite3_step(st) == SQLITE_ROW) {
-            QStringList cols;
-            for (int c = 0; c < sqlite3_column_count(st); ++c)
-                cols << QString::fromUtf8(
-                    reinterpret_cast<const char *>(sqlite3_column_text(st, c)));
-            out << cols.join(QLatin1Char('|'));
-        }
-        sqlite3_finalize(st);
-        return out;
+        return t.isOk() ? m_db.rows(t->sql) : QStringList();
     }
+    TableLookup lookup() const { return m_db.lookup(); }
 
-    sqlite3 *m_db = nullptr;
+    jet::testing::JetSqliteDb m_db;
 };
 
 } // namespace

@@ -4,7 +4,8 @@
 #include "services/recordsource/jet/internal/evaluator.h"
 #include "services/recordsource/jet/internal/lexer.h"
 #include "services/recordsource/jet/internal/parser.h"
-#include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
+#include "services/recordsource/jet/tests/jettestrows.h"
+#include "services/recordsource/jetsqlite/tests/jetsqlitedb.h"
 #include "services/recordsource/jet/internal/values.h"
 
 #include <sqlite3.h>
@@ -14,24 +15,6 @@
 namespace plx::jet::testing {
 
 namespace {
-
-struct Db
-{
-    sqlite3 *db = nullptr;
-    Db()
-    {
-        sqlite3_open(":memory:", &db);
-        EXPECT_TRUE(registerJetFunctions(db).isOk());
-    }
-    ~Db() { sqlite3_close(db); }
-    void exec(const QString &sql)
-    {
-        char *err = nullptr;
-        const int rc = sqlite3_exec(db, sql.toUtf8().constData(), nullptr, nullptr, &err);
-        EXPECT_EQ(rc, SQLITE_OK) << (err ? err : "") << " in " << sql.toStdString();
-        sqlite3_free(err);
-    }
-};
 
 struct Rewritten
 {
@@ -74,50 +57,6 @@ Rewritten moveLiteralsToColumns(const QString &expression)
     return out;
 }
 
-TableLookup lookupOf(sqlite3 *db)
-{
-    return [db](const QString &name) -> std::optional<TableColumns> {
-        TableColumns cols;
-        cols.table = name;
-        sqlite3_stmt *st = nullptr;
-        const QByteArray q = "PRAGMA table_info(" + name.toUtf8() + ")";
-        sqlite3_prepare_v2(db, q.constData(), -1, &st, nullptr);
-        while (sqlite3_step(st) == SQLITE_ROW)
-            cols.columns << QString::fromUtf8(
-                reinterpret_cast<const char *>(sqlite3_column_text(st, 1)));
-        sqlite3_finalize(st);
-        if (cols.columns.isEmpty())
-            return std::nullopt;
-        return cols;
-    };
-}
-
-// The first column of the first row, or the error SQLite reports.
-Result<QVariant> firstValue(sqlite3 *db, const QString &sql)
-{
-    sqlite3_stmt *st = nullptr;
-    if (sqlite3_prepare_v2(db, sql.toUtf8().constData(), -1, &st, nullptr) != SQLITE_OK)
-        return Status(Status::Code::Engine, QString::fromUtf8(sqlite3_errmsg(db)));
-    QVariant v;
-    const int rc = sqlite3_step(st);
-    if (rc == SQLITE_ROW) {
-        switch (sqlite3_column_type(st, 0)) {
-        case SQLITE_INTEGER: v = QVariant(qlonglong(sqlite3_column_int64(st, 0))); break;
-        case SQLITE_FLOAT: v = QVariant(sqlite3_column_double(st, 0)); break;
-        case SQLITE_TEXT:
-            v = QVariant(
-                QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(st, 0))));
-            break;
-        default: break;
-        }
-    }
-    const QString err = QString::fromUtf8(sqlite3_errmsg(db));
-    sqlite3_finalize(st);
-    if (rc != SQLITE_ROW)
-        return Status(Status::Code::Engine, err);
-    return v;
-}
-
 // SQLite keeps dates as ISO text and Booleans as -1/0; read the value back as the type the
 // expected text shows, then print it as the shell does.
 QString printedFromSqlite(const QVariant &v, const QString &expected)
@@ -151,7 +90,7 @@ void expectBothWays(std::initializer_list<Case> cases)
                 << "evaluator: " << c.expression;
         }
 
-        Db db;
+        const JetSqliteDb db;
         const Rewritten r = moveLiteralsToColumns(expression);
         QStringList cols, marks;
         for (int i = 0; i < r.values.size(); ++i) {
@@ -162,7 +101,7 @@ void expectBothWays(std::initializer_list<Case> cases)
             cols << QStringLiteral("A0"), marks << QStringLiteral("NULL");
         db.exec(QStringLiteral("CREATE TABLE V (%1)").arg(cols.join(QStringLiteral(", "))));
         sqlite3_stmt *ins = nullptr;
-        sqlite3_prepare_v2(db.db,
+        sqlite3_prepare_v2(db.handle(),
                            QStringLiteral("INSERT INTO V VALUES (%1)")
                                .arg(marks.join(QStringLiteral(", ")))
                                .toUtf8()
@@ -183,12 +122,12 @@ void expectBothWays(std::initializer_list<Case> cases)
         sqlite3_finalize(ins);
 
         Result<TranslatedSelect> t = translateSelect(
-            QStringLiteral("SELECT ") + r.text + QStringLiteral(" FROM V"), lookupOf(db.db));
+            QStringLiteral("SELECT ") + r.text + QStringLiteral(" FROM V"), db.lookup());
         EXPECT_TRUE(t.isOk()) << "SQLite: " << r.text.toStdString() << ": "
                               << t.status().toString().toStdString();
         if (!t.isOk())
             continue;
-        Result<QVariant> sv = firstValue(db.db, t->sql);
+        Result<QVariant> sv = db.firstValue(t->sql);
         EXPECT_TRUE(sv.isOk()) << "SQLite: " << c.expression << " as " << t->sql.toStdString()
                                << ": " << sv.status().toString().toStdString();
         if (sv.isOk()) {
@@ -204,15 +143,6 @@ void expectErrorBothWays(std::initializer_list<ErrorCase> cases)
                                 QStringLiteral("D") };
     const QVariantList values = { QStringLiteral("Boston"), 12.5, QVariant(),
                                   QDateTime(QDate(2003, 1, 31), QTime(0, 0)) };
-    class ListRow : public Row
-    {
-    public:
-        explicit ListRow(QVariantList v) : m_v(std::move(v)) { }
-        QVariant value(int column) const override { return m_v.value(column); }
-
-    private:
-        QVariantList m_v;
-    };
     for (const ErrorCase &c : cases) {
         const QString expression = QString::fromUtf8(c.expression);
         const QString mentions = QString::fromUtf8(c.mentions);
@@ -237,20 +167,20 @@ void expectErrorBothWays(std::initializer_list<ErrorCase> cases)
         EXPECT_TRUE(evalStatus.message().contains(mentions))
             << "evaluator: " << c.expression << " gave " << evalStatus.message().toStdString();
 
-        Db db;
+        const JetSqliteDb db;
         db.exec(QStringLiteral("CREATE TABLE R (S, N, Z, D);"
                                "INSERT INTO R VALUES ('Boston', 12.5, NULL, '2003-01-31')"));
         // As a criterion, so that positions count from the expression's own start.
         Result<TranslatedSelect> all =
-            translateSelect(QStringLiteral("SELECT * FROM R"), lookupOf(db.db));
+            translateSelect(QStringLiteral("SELECT * FROM R"), db.lookup());
         EXPECT_TRUE(all.isOk());
         if (!all.isOk())
             continue;
-        Result<QString> where = translateCriterion(expression, all.value(), lookupOf(db.db));
+        Result<QString> where = translateCriterion(expression, all.value(), db.lookup());
         Status sqliteStatus = where.status();
         if (where.isOk()) {
             Result<QVariant> v =
-                firstValue(db.db, QStringLiteral("SELECT (%1) FROM \"R\"").arg(where.value()));
+                db.firstValue(QStringLiteral("SELECT (%1) FROM \"R\"").arg(where.value()));
             sqliteStatus = v.isOk() ? Status::ok() : v.status();
         }
         EXPECT_FALSE(sqliteStatus.isOk()) << "SQLite: " << c.expression;
