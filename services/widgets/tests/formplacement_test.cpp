@@ -209,105 +209,56 @@ TEST_F(FormPlacementTest, AShownWindowKeepsItsPlaceAcrossSessions)
     EXPECT_EQ(readBytes(formsIni()), saved);
 }
 
-// --- Keeping a restored form reachable: the primary monitor alone ---
-
-TEST_F(FormPlacementTest, PrimaryOnlyPullsBackOffTheLeftOrTopByATenthOfTheScreen)
+// A restored form keeps a tenth of itself on the primary monitor ("MultipleMonitors" 0) or
+// on the whole desktop (otherwise, and by default); where it would not, it is centred on the
+// primary monitor.
+TEST_F(FormPlacementTest, ARestoredFormStaysReachable)
 {
-    setMultipleMonitors("0");
-    // A negative stored left puts the form at a tenth of the screen width (2880 twips).
-    savedPosition("-15", "750");
-    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(192, 50));
-    savedPosition("1500", "-1");
-    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(100, 108)) << "a tenth of the height: 1620";
-    // Exactly on the edge is on the screen.
-    savedPosition("0", "0");
-    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(0, 0));
-    savedPosition("-1", "-1");
-    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(192, 108));
-}
-
-TEST_F(FormPlacementTest, PrimaryOnlyCentresWhenLessThanATenthWouldShow)
-{
-    setMultipleMonitors("0");
-    // Right edge: 28200 + 600 = 28800 still shows a tenth; one twip more does not.
-    savedPosition("28200", "750");
-    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(1880, 50));
-    savedPosition("28201", "750");
-    EXPECT_EQ(restoreOn(oneMonitor()), CentredOnPrimary);
-    // Bottom edge: 15750 + 450 = 16200.
-    savedPosition("1500", "15750");
-    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(100, 1050));
-    savedPosition("1500", "15751");
-    EXPECT_EQ(restoreOn(oneMonitor()), CentredOnPrimary);
-}
-
-TEST_F(FormPlacementTest, PrimaryOnlyTreatsTheEdgesDifferently)
-{
-    setMultipleMonitors("0");
-    // One pixel off the left edge: pulled back, although nine tenths would show.
-    savedPosition("-15", "0");
-    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(192, 0));
-    // Half the form off the right edge: left alone, the title bar is still there.
-    savedPosition("25800", "0");
-    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(1720, 0));
-    // Half off the bottom: left alone too.
-    savedPosition("0", "13950");
-    EXPECT_EQ(restoreOn(oneMonitor()), QPoint(0, 930));
-}
-
-TEST_F(FormPlacementTest, PrimaryOnlyIgnoresTheOtherMonitors)
-{
-    setMultipleMonitors("0");
-    savedPosition("30000", "1500"); // on the second monitor
-    EXPECT_EQ(restoreOn(secondOnTheRight()), CentredOnPrimary);
-    savedPosition("-15000", "1500"); // on a monitor left of the primary
-    EXPECT_EQ(restoreOn(secondOnTheLeft()), QPoint(192, 100));
-}
-
-// --- Keeping a restored form reachable: the whole multi-monitor desktop ---
-
-TEST_F(FormPlacementTest, MultiMonitorKeepsFormsOnAnyMonitor)
-{
-    // No "MultipleMonitors" at all: the default is true.
-    savedPosition("30000", "1500");
-    EXPECT_EQ(restoreOn(secondOnTheRight()), QPoint(2000, 100));
-    savedPosition("-15000", "1500");
-    EXPECT_EQ(restoreOn(secondOnTheLeft()), QPoint(-1000, 100));
-    savedPosition("1500", "-15000");
-    EXPECT_EQ(restoreOn(secondAbove()), QPoint(100, -1000));
-}
-
-TEST_F(FormPlacementTest, MultiMonitorCentresAFormLeftOnAnUnpluggedMonitor)
-{
-    setMultipleMonitors("TRUE");
-    savedPosition("30000", "1500"); // saved on the second monitor, right of the primary
-    EXPECT_EQ(restoreOn(oneMonitor()), CentredOnPrimary);
-}
-
-TEST_F(FormPlacementTest, MultiMonitorEdgesAreTheDesktopsEdges)
-{
-    setMultipleMonitors("-1");
-    // Right: the desktop ends at 3200 pixels, 48000 twips.
-    savedPosition("47400", "0");
-    EXPECT_EQ(restoreOn(secondOnTheRight()), QPoint(3160, 0));
-    savedPosition("47401", "0");
-    EXPECT_EQ(restoreOn(secondOnTheRight()), CentredOnPrimary) << "centred on the primary";
-    // Bottom: the monitor above adds nothing below; 15750 + 450 = 16200 still fits.
-    savedPosition("0", "15750");
-    EXPECT_EQ(restoreOn(secondAbove()), QPoint(0, 1050));
-    savedPosition("0", "15751");
-    EXPECT_EQ(restoreOn(secondAbove()), CentredOnPrimary);
-    // Left: the desktop starts at -19200 twips; beyond it the form comes back a tenth of
-    // the desktop's width (4800 twips) from the origin, not from the desktop's edge.
-    savedPosition("-19200", "0");
-    EXPECT_EQ(restoreOn(secondOnTheLeft()), QPoint(-1280, 0));
-    savedPosition("-19201", "0");
-    EXPECT_EQ(restoreOn(secondOnTheLeft()), QPoint(320, 0));
-    // Top: the desktop starts at -18000; a tenth of its 34200-twip height is 3420.
-    savedPosition("0", "-18000");
-    EXPECT_EQ(restoreOn(secondAbove()), QPoint(0, -1200));
-    savedPosition("0", "-18001");
-    EXPECT_EQ(restoreOn(secondAbove()), QPoint(0, 228));
+    const QPoint centred = CentredOnPrimary;
+    const struct
+    {
+        const char *multipleMonitors; // nullptr: the defaults file does not say
+        const char *x;
+        const char *y;
+        QList<MonitorInfo> desk;
+        QPoint expected;
+        const char *why;
+    } cases[] = {
+        { "0", "-15", "750", oneMonitor(), { 192, 50 }, "off the left: a tenth (2880) in" },
+        { "0", "1500", "-1", oneMonitor(), { 100, 108 }, "off the top: a tenth (1620) down" },
+        { "0", "0", "0", oneMonitor(), { 0, 0 }, "exactly on the edge is on the screen" },
+        { "0", "-1", "-1", oneMonitor(), { 192, 108 }, "off both" },
+        { "0", "28200", "750", oneMonitor(), { 1880, 50 }, "28200 + 600 = 28800 still shows" },
+        { "0", "28201", "750", oneMonitor(), centred, "one twip more does not" },
+        { "0", "1500", "15750", oneMonitor(), { 100, 1050 }, "15750 + 450 = 16200 still shows" },
+        { "0", "1500", "15751", oneMonitor(), centred, "one twip more does not" },
+        { "0", "-15", "0", oneMonitor(), { 192, 0 }, "a pixel off the left: pulled back" },
+        { "0", "25800", "0", oneMonitor(), { 1720, 0 }, "half off the right: left alone" },
+        { "0", "0", "13950", oneMonitor(), { 0, 930 }, "half off the bottom: left alone" },
+        { "0", "30000", "1500", secondOnTheRight(), centred, "the second monitor is ignored" },
+        { "0", "-15000", "1500", secondOnTheLeft(), { 192, 100 }, "so is one left of it" },
+        { nullptr, "30000", "1500", secondOnTheRight(), { 2000, 100 }, "on the right one" },
+        { nullptr, "-15000", "1500", secondOnTheLeft(), { -1000, 100 }, "on the left one" },
+        { nullptr, "1500", "-15000", secondAbove(), { 100, -1000 }, "on the one above" },
+        { "TRUE", "30000", "1500", oneMonitor(), centred, "its monitor was unplugged" },
+        { "-1", "47400", "0", secondOnTheRight(), { 3160, 0 }, "the desktop ends at 48000" },
+        { "-1", "47401", "0", secondOnTheRight(), centred, "one twip more does not show" },
+        { "-1", "0", "15750", secondAbove(), { 0, 1050 }, "the monitor above adds no bottom" },
+        { "-1", "0", "15751", secondAbove(), centred, "one twip more does not show" },
+        { "-1", "-19200", "0", secondOnTheLeft(), { -1280, 0 }, "the desktop starts at -19200" },
+        { "-1", "-19201", "0", secondOnTheLeft(), { 320, 0 }, "a desktop's tenth (4800) in" },
+        { "-1", "0", "-18000", secondAbove(), { 0, -1200 }, "the desktop starts at -18000" },
+        { "-1", "0", "-18001", secondAbove(), { 0, 228 }, "a tenth of its 34200 down" },
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(std::string(c.x) + ", " + c.y + ": " + c.why);
+        if (c.multipleMonitors)
+            setMultipleMonitors(c.multipleMonitors);
+        else
+            QFile::remove(defaultsIni());
+        savedPosition(c.x, c.y);
+        EXPECT_EQ(restoreOn(c.desk), c.expected);
+    }
 }
 
 TEST_F(FormPlacementTest, MultipleMonitorsIsReadFromTheDefaultsFileOnly)
