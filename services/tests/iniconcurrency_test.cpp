@@ -5,6 +5,7 @@
 #include "services/ini.h"
 
 #include "tests/support/testchild.h"
+#include "tests/support/testfiles.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -12,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <vector>
 
 using namespace plx;
 using plx::test::TestChild;
@@ -37,73 +39,70 @@ void finish(const std::unique_ptr<TestChild> &child)
 
 } // namespace
 
-TEST(IniConcurrencyTest, TwoProcessesWritingDifferentKeysLoseNeither)
+// Two processes change one settings file at once: two writers of different keys in one
+// section (named in different case), and a writer beside the filter editor deleting other
+// sections (filters). Every key written must be there, no deleted section written back, and
+// what neither touched kept.
+TEST(IniConcurrencyTest, TwoProcessesChangingOneFileLoseNothing)
 {
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    const QString file = dir.filePath(QStringLiteral("shared.ini"));
-    QFile seed(file);
-    ASSERT_TRUE(seed.open(QIODevice::WriteOnly));
-    seed.write("; kept\r\n[Shared]\r\nStart=1\r\n");
-    seed.close();
-
-    auto a = startChild({ QStringLiteral("ini"), file, QStringLiteral("Shared"),
-                          QStringLiteral("A"), QString::number(keysPerWriter) },
-                        dir.path());
-    auto b = startChild({ QStringLiteral("ini"), file, QStringLiteral("shared"),
-                          QStringLiteral("B"), QString::number(keysPerWriter) },
-                        dir.path());
-    finish(a);
-    finish(b);
-
-    for (int i = 1; i <= keysPerWriter; ++i) {
-        const QString n = QString::number(i);
-        for (const QString &prefix : { QStringLiteral("A"), QStringLiteral("B") }) {
-            QString v;
-            readINI(QStringLiteral("Shared"), prefix + n, file, v, QStringLiteral("<lost>"));
-            EXPECT_EQ(v, QStringLiteral("v") + n) << (prefix + n).toStdString();
-        }
-    }
-    QFile result(file);
-    ASSERT_TRUE(result.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(result.readAll().startsWith("; kept\r\n[Shared]\r\nStart=1\r\n"));
-    EXPECT_EQ(getINISections(file), (QStringList{ QString(), QStringLiteral("Shared") }));
-}
-
-// The filter editor deletes a filter (a section) while another program saves a setting in
-// the same file: the delete must neither drop the setting nor have its section written back.
-TEST(IniConcurrencyTest, DeletingSectionsWhileAnotherProcessWritesLosesNothing)
-{
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    const QString file = dir.filePath(QStringLiteral("HBFiltersPLX.INI"));
-    QFile seed(file);
-    ASSERT_TRUE(seed.open(QIODevice::WriteOnly));
+    QByteArray goneSections;
     for (int i = 1; i <= deletedSections; ++i)
-        seed.write("[Gone" + QByteArray::number(i) + "]\r\nWhere=ID = " + QByteArray::number(i)
-                   + "\r\n\r\n");
-    seed.write("[Kept]\r\nStart=1\r\n");
-    seed.close();
+        goneSections += "[Gone" + QByteArray::number(i) + "]\r\nWhere=ID = " + QByteArray::number(i)
+            + "\r\n\r\n";
+    const QString keys = QString::number(keysPerWriter);
+    const auto ini = [&keys](const char *section, const char *prefix) {
+        return QStringList{ QStringLiteral("ini"), QString(), QString::fromLatin1(section),
+                            QString::fromLatin1(prefix), keys };
+    };
+    const struct
+    {
+        const char *file;
+        QByteArray seed;
+        QList<QStringList> children; // the second argument becomes the file
+        QByteArray keptStart;
+        QStringList sections;
+    } cases[] = {
+        { "shared.ini",
+          "; kept\r\n[Shared]\r\nStart=1\r\n",
+          { ini("Shared", "A"), ini("shared", "B") },
+          "; kept\r\n[Shared]\r\nStart=1\r\n",
+          { QString(), QStringLiteral("Shared") } },
+        { "HBFiltersPLX.INI",
+          goneSections + "[Kept]\r\nStart=1\r\n",
+          { ini("Kept", "K"),
+            { QStringLiteral("deletesections"), QString(), QStringLiteral("Gone"),
+              QString::number(deletedSections) } },
+          "",
+          { QString(), QStringLiteral("Kept") } },
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.file);
+        QTemporaryDir dir;
+        ASSERT_TRUE(dir.isValid());
+        const QString file = dir.filePath(QString::fromLatin1(c.file));
+        test::writeBytes(file, c.seed);
+        std::vector<std::unique_ptr<TestChild>> children;
+        for (QStringList args : c.children) {
+            args[1] = file;
+            children.push_back(startChild(args, dir.path()));
+        }
+        for (const auto &child : children)
+            finish(child);
 
-    auto writer = startChild({ QStringLiteral("ini"), file, QStringLiteral("Kept"),
-                               QStringLiteral("K"), QString::number(keysPerWriter) },
-                             dir.path());
-    auto deleter = startChild({ QStringLiteral("deletesections"), file, QStringLiteral("Gone"),
-                                QString::number(deletedSections) },
-                              dir.path());
-    finish(writer);
-    finish(deleter);
-
-    QStringList lost;
-    for (int i = 1; i <= keysPerWriter; ++i) {
-        const QString n = QString::number(i);
-        QString v;
-        readINI(QStringLiteral("Kept"), QStringLiteral("K") + n, file, v, QStringLiteral("<lost>"));
-        if (v != QStringLiteral("v") + n)
-            lost << QStringLiteral("K") + n;
+        QStringList lost;
+        for (const QStringList &args : c.children) {
+            for (int i = 1; args.first() == QLatin1String("ini") && i <= keysPerWriter; ++i) {
+                const QString key = args.at(3) + QString::number(i);
+                QString v;
+                readINI(args.at(2), key, file, v, QStringLiteral("<lost>"));
+                if (v != QStringLiteral("v") + QString::number(i))
+                    lost << key;
+            }
+        }
+        EXPECT_EQ(lost.join(QLatin1Char(' ')).toStdString(), "");
+        EXPECT_TRUE(test::readBytes(file).startsWith(c.keptStart));
+        EXPECT_EQ(getINISections(file), c.sections);
     }
-    EXPECT_EQ(lost.join(QLatin1Char(' ')).toStdString(), "");
-    EXPECT_EQ(getINISections(file).join(QLatin1Char(' ')).toStdString(), " Kept");
 }
 
 TEST(ActivityLogConcurrencyTest, TwoProcessesLoggingAtOnceWriteWholeEntries)
