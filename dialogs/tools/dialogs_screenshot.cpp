@@ -4,6 +4,7 @@
 //
 //     xvfb-run -s "-screen 0 1280x1024x24 -dpi 96" build/dialogs/dialogs_screenshot docs/images
 #include "dialogs/frmvivalues.h"
+#include "dialogs/listselect.h"
 
 #include "services/ini.h"
 
@@ -47,6 +48,19 @@ bool valueListEditor(const QString &dir, const QString &out)
     return save(editor, out + QStringLiteral("/value-list-editor.png"));
 }
 
+bool listSelect(const QString &out)
+{
+    plx::ListSelectDialog pick;
+    pick.setWindowTitle(QStringLiteral("Columns of the Browse Grid"));
+    pick.setItems({ QStringLiteral("ID"), QStringLiteral("NAME"), QStringLiteral("CITY"),
+                    QStringLiteral("STATE"), QStringLiteral("ZIP"), QStringLiteral("PHONE"),
+                    QStringLiteral("PROGRAMS"), QStringLiteral("BORN"), QStringLiteral("AMOUNT"),
+                    QStringLiteral("NOTES") },
+                  { QStringLiteral("NAME"), QStringLiteral("CITY"), QStringLiteral("PHONE") });
+    pick.findChild<QListWidget *>(QStringLiteral("lstChosen"))->setCurrentRow(1);
+    return save(pick, out + QStringLiteral("/list-select.png"));
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -58,5 +72,6 @@ int main(int argc, char **argv)
     // The editor keeps its placement in the defaults file: one of its own, not the user's.
     qputenv("PLX_HARROWBY_DIR", dir.path().toLocal8Bit());
     bool ok = valueListEditor(dir.path(), out);
+    ok = listSelect(out) && ok;
     return ok ? 0 : 1;
 }
