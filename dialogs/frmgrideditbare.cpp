@@ -85,7 +85,10 @@ void FrmGridEditBare::buildChildren()
     connect(columns, &QHeaderView::customContextMenuRequested, this,
             &FrmGridEditBare::showHeaderMenu);
     connect(m_grid->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-            [this](const QModelIndex &current) { m_cursor.setPosition(current.row()); });
+            [this](const QModelIndex &current) {
+                m_cursor.setPosition(current.row());
+                m_model->setCurrentRow(current.row());
+            });
     connect(m_grid, &QTableView::doubleClicked, this, [this](const QModelIndex &index) {
         if (index.isValid())
             accept();

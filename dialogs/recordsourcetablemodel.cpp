@@ -3,6 +3,8 @@
 
 #include "mervane/valueformat.h"
 
+#include <QFont>
+
 #include <algorithm>
 
 namespace plx {
@@ -55,6 +57,13 @@ QVariant RecordSourceTableModel::data(const QModelIndex &index, int role) const
         const bool number = isNumber(m_cursor->fields().at(index.column()).type);
         return QVariant::fromValue((number ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
     }
+    if (role == Qt::FontRole) {
+        if (index.row() != m_currentRow)
+            return {};
+        QFont bold;
+        bold.setBold(true);
+        return bold;
+    }
     if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
         return {};
     const Batch *batch = batchFor(index.row());
@@ -93,6 +102,17 @@ void RecordSourceTableModel::dropOldestBatch() const
         if (it->lastUse < oldest->lastUse)
             oldest = it;
     m_batches.erase(oldest);
+}
+
+void RecordSourceTableModel::setCurrentRow(int row)
+{
+    const int before = m_currentRow;
+    m_currentRow = row;
+    const int lastColumn = columnCount() - 1;
+    if (before >= 0 && before < rowCount())
+        Q_EMIT dataChanged(index(before, 0), index(before, lastColumn), { Qt::FontRole });
+    if (row >= 0 && row < rowCount())
+        Q_EMIT dataChanged(index(row, 0), index(row, lastColumn), { Qt::FontRole });
 }
 
 QVariant RecordSourceTableModel::headerData(int section, Qt::Orientation orientation,

@@ -39,6 +39,10 @@ public:
     bool setHeaderData(int section, Qt::Orientation orientation, const QVariant &value,
                        int role = Qt::EditRole) override;
 
+    // The row of the view's current record, shown in bold so that it stands out even in a
+    // selected column (-1: none).
+    void setCurrentRow(int row);
+
     // The text a cell of this field shows for `value`.
     static QString cellText(const QVariant &value, const FieldInfo &field);
     // Records read from the source so far (batches re-read after being dropped count again).
@@ -57,6 +61,7 @@ private:
 
     RecordCursor *m_cursor;
     QStringList m_titles;
+    int m_currentRow = -1;
     // Reading is what data() does lazily; the batches are a cache of the source.
     mutable QHash<qint32, Batch> m_batches;
     mutable quint64 m_useClock = 0;

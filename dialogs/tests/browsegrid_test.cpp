@@ -12,6 +12,7 @@
 
 #include <QDate>
 #include <QDir>
+#include <QFont>
 #include <QHeaderView>
 #include <QPushButton>
 #include <QTableView>
@@ -243,6 +244,9 @@ TEST_P(GridTest, FindGoesOnWithTheSameTextAndRestoresThePosition)
                               MsgStyle::Information, MsgAnswer::OK);
     find->click();
     EXPECT_EQ(form->grid()->currentIndex().row(), 5);
+    // The found row stands out inside the selected column; the row left does not.
+    EXPECT_TRUE(form->model()->index(5, 3).data(Qt::FontRole).value<QFont>().bold());
+    EXPECT_FALSE(form->model()->index(4, 3).data(Qt::FontRole).isValid());
     // A quote makes a criterion the engine refuses: not found, nothing moves.
     env.prompter.expectInputBox(QStringLiteral("Find"), prompt, QStringLiteral("o'b"));
     env.prompter.expectMsgBox(QStringLiteral("Not Found"),
