@@ -6,6 +6,8 @@
 
 #include <QElapsedTimer>
 
+#include <optional>
+
 namespace plx::testing {
 namespace {
 
@@ -91,31 +93,32 @@ TEST_P(ReadOnlySourceTest, AWritableSourceHasNoReasonAndIsWritten)
     EXPECT_TRUE(rs.value()->Update().isOk());
 }
 
-TEST_P(ReadOnlySourceTest, ADatabaseOpenedReadOnlySaysSo)
+// Each reason a source cannot be written, one at a time: the database opened read-only, the
+// folder and the table file write-protected.
+TEST_P(ReadOnlySourceTest, EachReasonForReadOnlyIsSaid)
 {
-    auto db = openDatabase(true);
-    ASSERT_TRUE(db);
-    expectBrowsableButRefused(*db, QStringLiteral("the database was opened read-only"));
-}
-
-TEST_P(ReadOnlySourceTest, AWriteProtectedFolderSaysSo)
-{
-    WriteProtection folder(m_dir.path());
-    if (!folder.failure().isEmpty())
-        GTEST_SKIP() << folder.failure().toStdString();
-    auto db = openDatabase();
-    ASSERT_TRUE(db);
-    expectBrowsableButRefused(*db, QStringLiteral("the folder is write-protected"));
-}
-
-TEST_P(ReadOnlySourceTest, AWriteProtectedFileSaysSo)
-{
-    WriteProtection file(m_file);
-    if (!file.failure().isEmpty())
-        GTEST_SKIP() << file.failure().toStdString();
-    auto db = openDatabase();
-    ASSERT_TRUE(db);
-    expectBrowsableButRefused(*db, QStringLiteral("the file is write-protected"));
+    const struct
+    {
+        const char *reason;
+        bool readOnly; // else `protectedPath` refuses writes
+        QString protectedPath;
+    } cases[] = {
+        { "the database was opened read-only", true, QString() },
+        { "the folder is write-protected", false, m_dir.path() },
+        { "the file is write-protected", false, m_file },
+    };
+    for (const auto &[reason, readOnly, protectedPath] : cases) {
+        SCOPED_TRACE(reason);
+        std::optional<WriteProtection> protection;
+        if (!readOnly) {
+            protection.emplace(protectedPath);
+            if (!protection->failure().isEmpty())
+                GTEST_SKIP() << protection->failure().toStdString();
+        }
+        auto db = openDatabase(readOnly);
+        ASSERT_TRUE(db);
+        expectBrowsableButRefused(*db, QString::fromLatin1(reason));
+    }
 }
 
 // A mistyped path must not become a new, empty database.

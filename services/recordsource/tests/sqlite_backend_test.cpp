@@ -1,8 +1,9 @@
 // services/recordsource/tests/sqlite_backend_test.cpp: what only the SQLite back end
 // promises: how declared types map to fields and how values are stored, held (join)
-// sources, read-only databases, and sources that outlive their Database.
+// sources, and sources that outlive their Database (read-only databases: the contract suite).
 #include "services/recordsource/database.h"
 #include "services/recordsource/jet/internal/evaluationcounters.h"
+#include "services/recordsource/tests/sqlitefilefixture.h"
 
 #include <QDate>
 #include <QDateTime>
@@ -10,56 +11,26 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 namespace plx {
 namespace {
 
 using Code = Status::Code;
 
-class SqliteBackEndTest : public ::testing::Test
+class SqliteBackEndTest : public testing::SqliteFileFixture
 {
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(m_dir.isValid());
-        m_file = m_dir.filePath(QStringLiteral("db.sqlite"));
-        exec("CREATE TABLE K (CODE VARCHAR(12), LABEL TEXT, BODY LONGTEXT, N INT, "
-             "PRICE DECIMAL(8,3), RATIO REAL, FLAG BIT, SEEN DATETIME, DAY DATE, RAW BLOB);"
-             "INSERT INTO K VALUES ('A1', 'alpha', 'long', 7, 1.5, 0.25, -1, "
-             "'2024-02-29 13:14:15', '2024-03-01', x'0102');"
-             "INSERT INTO K VALUES ('B2', NULL, NULL, NULL, NULL, NULL, 0, NULL, NULL, NULL);"
-             "CREATE TABLE U (CODE CHAR(12), OWNER CHAR(20));"
-             "INSERT INTO U VALUES ('A1', 'ann'), ('B2', 'bob'), ('A1', 'al');");
-    }
-    void exec(const char *sql)
-    {
-        sqlite3 *db = nullptr;
-        ASSERT_EQ(sqlite3_open(m_file.toUtf8().constData(), &db), SQLITE_OK);
-        char *error = nullptr;
-        EXPECT_EQ(sqlite3_exec(db, sql, nullptr, nullptr, &error), SQLITE_OK)
-            << (error ? error : "");
-        sqlite3_free(error);
-        sqlite3_close(db);
-    }
-    QString rawText(const char *sql)
-    {
-        sqlite3 *db = nullptr;
-        sqlite3_open(m_file.toUtf8().constData(), &db);
-        sqlite3_stmt *st = nullptr;
-        sqlite3_prepare_v2(db, sql, -1, &st, nullptr);
-        QString text;
-        if (sqlite3_step(st) == SQLITE_ROW)
-            text = QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(st, 0)));
-        sqlite3_finalize(st);
-        sqlite3_close(db);
-        return text;
-    }
-    std::unique_ptr<Database> openDb(bool readOnly = false)
-    {
-        Result<std::unique_ptr<Database>> db = OpenDatabase(m_file, false, readOnly, QString());
-        EXPECT_TRUE(db.isOk()) << db.status().toString().toStdString();
-        return db.isOk() ? std::move(db).value() : nullptr;
+        SqliteFileFixture::SetUp();
+        exec(QStringLiteral(
+            "CREATE TABLE K (CODE VARCHAR(12), LABEL TEXT, BODY LONGTEXT, N INT, "
+            "PRICE DECIMAL(8,3), RATIO REAL, FLAG BIT, SEEN DATETIME, DAY DATE, RAW BLOB);"
+            "INSERT INTO K VALUES ('A1', 'alpha', 'long', 7, 1.5, 0.25, -1, "
+            "'2024-02-29 13:14:15', '2024-03-01', x'0102');"
+            "INSERT INTO K VALUES ('B2', NULL, NULL, NULL, NULL, NULL, 0, NULL, NULL, NULL);"
+            "CREATE TABLE U (CODE CHAR(12), OWNER CHAR(20));"
+            "INSERT INTO U VALUES ('A1', 'ann'), ('B2', 'bob'), ('A1', 'al');"));
     }
     std::unique_ptr<RecordSource> openRs(Database &db, const QString &sql)
     {
@@ -67,9 +38,6 @@ protected:
         EXPECT_TRUE(rs.isOk()) << rs.status().toString().toStdString();
         return rs.isOk() ? std::move(rs).value() : nullptr;
     }
-
-    QTemporaryDir m_dir;
-    QString m_file;
 };
 
 TEST_F(SqliteBackEndTest, DeclaredTypesBecomeFieldTypesAndTypedValues)
@@ -139,7 +107,7 @@ TEST_F(SqliteBackEndTest, UpdateOfARecordDeletedByAnotherProgramFails)
     ASSERT_TRUE(rs);
     ASSERT_TRUE(rs->Edit().isOk());
     ASSERT_TRUE(rs->setValue(QStringLiteral("N"), 8).isOk());
-    exec("DELETE FROM K WHERE CODE = 'A1'");
+    exec(QStringLiteral("DELETE FROM K WHERE CODE = 'A1'"));
     EXPECT_EQ(rs->Update().code(), Code::NotFound);
     EXPECT_EQ(rs->editMode(), EditMode::None);
     EXPECT_EQ(rawText("SELECT count(*) FROM K"), QStringLiteral("1"));
@@ -178,17 +146,6 @@ TEST_F(SqliteBackEndTest, EachOpenParsesItsTextOnce)
     }
     EXPECT_EQ(db->OpenRecordset(QStringLiteral("SELECT * FROM NOPE WHERE N > 1")).status().code(),
               Code::NotFound);
-}
-
-TEST_F(SqliteBackEndTest, ReadOnlyDatabaseRefusesEveryWrite)
-{
-    auto db = openDb(true);
-    auto rs = openRs(*db, QStringLiteral("K"));
-    ASSERT_TRUE(rs);
-    EXPECT_EQ(rs->Edit().code(), Code::NotSupported);
-    EXPECT_EQ(rs->AddNew().code(), Code::NotSupported);
-    EXPECT_EQ(rs->Delete().code(), Code::NotSupported);
-    EXPECT_EQ(rawText("SELECT count(*) FROM K"), QStringLiteral("2"));
 }
 
 TEST_F(SqliteBackEndTest, SourceOutlivesItsDatabaseAndFailsAfterClose)

@@ -2,59 +2,26 @@
 // them: their journal mode stays theirs, a WAL file in a write-protected folder still opens
 // for browsing, and a value the table's rules refuse is reported by its column.
 #include "services/recordsource/database.h"
+#include "services/recordsource/tests/sqlitefilefixture.h"
 #include "services/recordsource/tests/writeprotection.h"
+#include "tests/support/testfiles.h"
 
 #include <QDate>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 namespace plx {
 namespace {
 
 using Code = Status::Code;
 
-class SqliteFileTest : public ::testing::Test
+class SqliteFileTest : public testing::SqliteFileFixture
 {
 protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(m_dir.isValid());
-        m_file = m_dir.filePath(QStringLiteral("shop.sqlite"));
-    }
-
-    // Runs `sql` on the file through a connection of its own, as another program would.
-    void exec(const QString &sql) const
-    {
-        sqlite3 *db = nullptr;
-        ASSERT_EQ(sqlite3_open(m_file.toUtf8().constData(), &db), SQLITE_OK);
-        char *error = nullptr;
-        EXPECT_EQ(sqlite3_exec(db, sql.toUtf8().constData(), nullptr, nullptr, &error), SQLITE_OK)
-            << (error ? error : "");
-        sqlite3_free(error);
-        sqlite3_close(db);
-    }
-
     // The journal mode as the file records it: header bytes 18 and 19 are 1 for a rollback
     // journal, 2 for WAL.
-    QByteArray versionBytes() const
-    {
-        QFile file(m_file);
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        return file.read(20).mid(18, 2);
-    }
-
-    std::unique_ptr<Database> openDb() const
-    {
-        auto db = OpenDatabase(m_file, false, false, QString());
-        EXPECT_TRUE(db.isOk()) << db.status().toString().toStdString();
-        return db.isOk() ? std::move(db).value() : nullptr;
-    }
-
-    QTemporaryDir m_dir;
-    QString m_file;
+    QByteArray versionBytes() const { return test::readBytes(m_file).mid(18, 2); }
 };
 
 // Another program chose the journal mode; browsing and writing through us must not change it.
@@ -79,16 +46,7 @@ TEST_F(SqliteFileTest, OpeningAndWritingKeepTheFilesJournalMode)
             db->Idle();
         }
         EXPECT_EQ(versionBytes(), before);
-        sqlite3 *raw = nullptr;
-        ASSERT_EQ(sqlite3_open_v2(m_file.toUtf8().constData(), &raw, SQLITE_OPEN_READONLY, nullptr),
-                  SQLITE_OK);
-        sqlite3_stmt *st = nullptr;
-        sqlite3_prepare_v2(raw, "PRAGMA journal_mode", -1, &st, nullptr);
-        ASSERT_EQ(sqlite3_step(st), SQLITE_ROW);
-        EXPECT_EQ(QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(st, 0))),
-                  QLatin1String(mode).toString().toLower());
-        sqlite3_finalize(st);
-        sqlite3_close(raw);
+        EXPECT_EQ(rawText("PRAGMA journal_mode"), QLatin1String(mode).toString().toLower());
     }
 }
 
