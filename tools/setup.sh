@@ -7,11 +7,13 @@ packages=(
     cmake ninja-build g++ pkg-config
     qt6-base-dev qt6-base-dev-tools libgl-dev
     libsqlite3-dev sqlite3
+    postgresql libpq-dev         # the PostgreSQL engine and the throwaway servers of its tests
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev clang-format clang-tidy
     python3-dbf python3-dbfread
     g++-mingw-w64-x86-64-posix   # compiles the Windows branches (tools/check-windows.sh)
     xvfb xauth                   # a real X display for the pictures in docs/images
+    poppler-utils                # pdftotext reads back what the text editor printed
 )
 
 missing=()

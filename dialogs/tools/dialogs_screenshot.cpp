@@ -5,6 +5,7 @@
 //     xvfb-run -s "-screen 0 1280x1024x24 -dpi 96" build/dialogs/dialogs_screenshot docs/images
 #include "dialogs/frmvivalues.h"
 #include "dialogs/listselect.h"
+#include "dialogs/texteditor.h"
 
 #include "services/ini.h"
 
@@ -61,6 +62,19 @@ bool listSelect(const QString &out)
     return save(pick, out + QStringLiteral("/list-select.png"));
 }
 
+bool textEditor(const QString &out)
+{
+    plx::TextEditorDialog editor;
+    editor.setWindowTitle(QStringLiteral("Notes"));
+    editor.setText(QStringLiteral(
+        "Prefers calls after 4 pm; the office is closed on Fridays.\n\n"
+        "Invoices by mail to the Düsseldorf address, never by e-mail. The client asked in "
+        "March to have the therapy plan reviewed every quarter, and to be told a week ahead "
+        "of any change of therapist.\n\nParking: the yard behind the building."));
+    editor.setMaxLength(1000);
+    return save(editor, out + QStringLiteral("/text-editor.png"));
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -73,5 +87,6 @@ int main(int argc, char **argv)
     qputenv("PLX_HARROWBY_DIR", dir.path().toLocal8Bit());
     bool ok = valueListEditor(dir.path(), out);
     ok = listSelect(out) && ok;
+    ok = textEditor(out) && ok;
     return ok ? 0 : 1;
 }
