@@ -2,14 +2,19 @@
 #include "services/recordsource/tests/backend.h"
 
 #include "services/recordsource/tests/dbfbackend.h"
+#include "services/recordsource/tests/postgresbackend.h"
 #include "services/recordsource/tests/sqlitebackend.h"
 
 namespace plx::testing {
 
 const std::vector<std::shared_ptr<BackEnd>> &allBackEnds()
 {
-    static const std::vector<std::shared_ptr<BackEnd>> list{ makeSqliteBackEnd(),
-                                                             makeDbfBackEnd() };
+    static const std::vector<std::shared_ptr<BackEnd>> list = [] {
+        std::vector<std::shared_ptr<BackEnd>> backEnds{ makeSqliteBackEnd(), makeDbfBackEnd() };
+        if (postgresJoinsTheSuite())
+            backEnds.push_back(makePostgresBackEnd());
+        return backEnds;
+    }();
     return list;
 }
 
