@@ -117,6 +117,31 @@ void writeFilters(const QString &directory)
                  QString::fromLatin1(f.where));
 }
 
+// The browse grids' first columns: what a user of a facility register looks across first,
+// sized for the values (widths in twips). Kept in plxform's user settings, which live in
+// the work directory beside the sample; a layout the user already has stays.
+void writeFirstGridLayouts(const QString &settingsFile)
+{
+    const QString common =
+        QStringLiteral("NAME,Facility,3600|CITY,City,2100|STATE,State,700|PHONE,Phone,1900|");
+    const struct
+    {
+        QString key, value;
+    } layouts[] = {
+        { QStringLiteral("BrowseGridCol Facilities"),
+          common
+              + QStringLiteral(
+                  "BEDS,Beds,800|RATE,Rate,1100|OPENED,Opened,1300|ACTIVE,Active,900|ID,ID,1600") },
+        { QStringLiteral("BrowseSearchCol Facilities"), common + QStringLiteral("ID,ID,1600") },
+    };
+    for (const auto &layout : layouts) {
+        QString existing;
+        readINI(QStringLiteral("CONFIG"), layout.key, settingsFile, existing, QString());
+        if (existing.isEmpty())
+            writeINI(QStringLiteral("CONFIG"), layout.key, settingsFile, layout.value);
+    }
+}
+
 void writeFormFile(const QString &path, const QString &table)
 {
     auto set = [&path](const char *section, const char *key, const QString &value) {
@@ -197,6 +222,7 @@ Result<SamplePaths> ensureSample(const QString &directory)
     if (!QDir().rename(partial, root))
         return Status(Status::Code::IoError,
                       QStringLiteral("cannot rename %1 to %2").arg(partial, root));
+    writeFirstGridLayouts(directory + QStringLiteral("/PLXFORM.INI"));
     return paths;
 }
 

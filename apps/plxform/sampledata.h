@@ -19,7 +19,9 @@ struct SamplePaths
 constexpr int kSampleRecords = 3000;
 
 // Writes the sample into `directory` unless it is already there; the tables are written
-// under temporary names and renamed, so an interrupted run never leaves half a sample.
+// under temporary names and renamed, so an interrupted run never leaves half a sample. A new
+// sample also gives the browse grids of its form a first column layout in PLXFORM.INI of
+// `directory` (plxform's user settings), unless the user has one.
 Result<SamplePaths> ensureSample(const QString &directory);
 
 } // namespace plx::form
