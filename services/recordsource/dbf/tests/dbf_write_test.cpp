@@ -150,7 +150,8 @@ TEST(DbfWrite, ChangedMemosGoToNewBlocksAndUnchangedOnesKeepTheirs)
     EXPECT_TRUE(t->rawText(2, notes).isEmpty());
 }
 
-TEST(DbfWrite, ValuesTheFieldCannotHoldAreRefusedWithoutWriting)
+// A refused value writes nothing; a delete writes its flag byte and nothing else.
+TEST(DbfWrite, RefusedValuesWriteNothingAndADeleteOnlyItsFlag)
 {
     QTemporaryDir dir;
     const QString path = makeSmallTable(dir.path(), 3);
@@ -186,15 +187,7 @@ TEST(DbfWrite, ValuesTheFieldCannotHoldAreRefusedWithoutWriting)
         EXPECT_FALSE(t->appendRecord(c.values).isOk());
     }
     EXPECT_EQ(readBytes(path), before);
-}
 
-TEST(DbfWrite, DeleteFlagIsTheOnlyByteWritten)
-{
-    QTemporaryDir dir;
-    const QString path = makeSmallTable(dir.path(), 3);
-    auto t = openRw(path);
-    ASSERT_TRUE(t);
-    const QByteArray before = readBytes(path);
     ASSERT_TRUE(t->setDeleted(2, true).isOk());
     EXPECT_TRUE(t->isDeleted(2));
     EXPECT_FALSE(t->isDeleted(1));
