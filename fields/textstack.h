@@ -49,6 +49,14 @@ public:
     // Row n as its own control (nullptr outside 0..nUbound).
     mvText *textRow(qint16 n) const;
 
+    // Opens the text editor (plx::TextEditorDialog) on row n's value, for a memo or any
+    // text too long for a row: titled with the row's caption, which also heads its
+    // printout; limited to the smaller of the row's MaxLength and the field's defined size
+    // (a memo has none); read-only while the row is locked or the stack disabled. Unless
+    // cancelled, the edited text is shown in the row, to be written like a typed value.
+    // Shift+F2 in a memo row does the same. Out of range: nothing.
+    Q_INVOKABLE void EditText(qint16 n);
+
 Q_SIGNALS:
     // Row `Index` was double-clicked.
     void DblClick(qint16 Index);
@@ -56,6 +64,8 @@ Q_SIGNALS:
 protected:
     // Takes `dd`, the state of the concrete stack.
     TextStack(std::unique_ptr<TextStackPrivate> dd, QWidget *parent);
+
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     Q_DECLARE_PRIVATE(TextStack)

@@ -4,6 +4,7 @@
 #include "fields/mvvitext.h"
 
 #include "dialogs/frmvivalues.h"
+#include "fields/tests/modalwatch.h"
 #include "services/ini.h"
 #include "tests/support/envguard.h"
 #include "tests/support/rowfixtures.h"
@@ -14,40 +15,13 @@
 #include <QListWidget>
 #include <QSignalSpy>
 #include <QTest>
-#include <QTimer>
-
-#include <functional>
 
 using namespace plx;
 using namespace plx::rowtest;
 
 namespace {
 
-// Runs `user` on the value-list editor as soon as it shows, then closes it with close()
-// when `user` left it open. Lives for one test.
-class EditorWatch
-{
-public:
-    explicit EditorWatch(std::function<void(frmVIValues *)> user) : m_user(std::move(user))
-    {
-        m_timer.setInterval(5);
-        QObject::connect(&m_timer, &QTimer::timeout, [this] {
-            auto *editor = qobject_cast<frmVIValues *>(QApplication::activeModalWidget());
-            if (!editor)
-                return;
-            ++shown;
-            m_user(editor);
-            if (editor->isVisible())
-                editor->close();
-        });
-        m_timer.start();
-    }
-    int shown = 0;
-
-private:
-    std::function<void(frmVIValues *)> m_user;
-    QTimer m_timer;
-};
+using EditorWatch = ModalWatch<frmVIValues>;
 
 class ValueItemStackTest : public TableFixture<>
 {
