@@ -2,7 +2,7 @@
 // written says why, on every back end, and refuses each write at once with that reason,
 // while browsing goes on; a path that is not there is NotFound and stays not there.
 #include "services/recordsource/tests/contractfixture.h"
-#include "services/recordsource/tests/writeprotection.h"
+#include "tests/support/writeprotection.h"
 
 #include <QElapsedTimer>
 
@@ -127,7 +127,7 @@ TEST_P(ReadOnlySourceTest, EachReasonForReadOnlyIsSaid)
         SCOPED_TRACE(reason);
         if (!readOnly && m_file.isEmpty())
             continue; // tables on a server: no folder or file to protect
-        std::optional<WriteProtection> protection;
+        std::optional<test::WriteProtection> protection;
         if (!readOnly) {
             protection.emplace(protectedPath);
             if (!protection->failure().isEmpty())

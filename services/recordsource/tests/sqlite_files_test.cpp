@@ -3,8 +3,8 @@
 // for browsing, and a value the table's rules refuse is reported by its column.
 #include "services/recordsource/database.h"
 #include "services/recordsource/tests/sqlitefilefixture.h"
-#include "services/recordsource/tests/writeprotection.h"
 #include "tests/support/testfiles.h"
+#include "tests/support/writeprotection.h"
 
 #include <QDate>
 #include <QTemporaryDir>
@@ -57,7 +57,7 @@ TEST_F(SqliteFileTest, AWalFileInAWriteProtectedFolderOpensForBrowsing)
     exec(QStringLiteral("PRAGMA journal_mode=WAL; CREATE TABLE T (ID TEXT);"
                         "INSERT INTO T VALUES ('A'), ('B'), ('C');"));
     ASSERT_FALSE(QFile::exists(m_file + QStringLiteral("-shm")));
-    testing::WriteProtection folder(m_dir.path());
+    test::WriteProtection folder(m_dir.path());
     if (!folder.failure().isEmpty())
         GTEST_SKIP() << folder.failure().toStdString();
     auto db = openDb();

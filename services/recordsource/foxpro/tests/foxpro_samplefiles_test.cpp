@@ -4,8 +4,8 @@
 #include "services/recordsource/database.h"
 #include "services/recordsource/dbf/internal/dbftable.h"
 #include "services/recordsource/foxpro/tests/foxprotestsupport.h"
-#include "services/recordsource/tests/writeprotection.h"
 #include "tests/support/testfiles.h"
+#include "tests/support/writeprotection.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -209,7 +209,7 @@ TEST_F(FoxProSampleFilesTest, AWriteProtectedFileOrFolderSaysSo)
         const QString table = QString::fromLatin1(c.table);
         const QString file = copy(c.table + QByteArray(".dbf"));
         copy(c.table + QByteArray(".fpt"));
-        plx::testing::WriteProtection protection(
+        plx::test::WriteProtection protection(
             *c.protectedFile ? m_dir.filePath(QString::fromLatin1(c.protectedFile)) : m_dir.path());
         if (!protection.failure().isEmpty())
             GTEST_SKIP() << protection.failure().toStdString();

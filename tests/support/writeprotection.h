@@ -1,5 +1,5 @@
-// services/recordsource/tests/writeprotection.h: makes a file or folder refuse writes for
-// the length of a test, also for root.
+// tests/support/writeprotection.h: makes a file or folder refuse writes for the length of a
+// test, also for root.
 //
 // Tests often run as root in containers, where clearing the write bits stops nobody. Then
 // the file system's immutable attribute is set as well (Linux; it needs the capability
@@ -7,7 +7,7 @@
 // trying to write, and a test that cannot get it skips, saying why, instead of passing
 // without having tested anything:
 //
-//     plx::testing::WriteProtection lock(dir.filePath("T.DBF"));
+//     plx::test::WriteProtection lock(dir.filePath("T.DBF"));
 //     if (!lock.failure().isEmpty())
 //         GTEST_SKIP() << lock.failure().toStdString();
 //
@@ -25,7 +25,7 @@
 #include <unistd.h>
 #endif
 
-namespace plx::testing {
+namespace plx::test {
 
 class WriteProtection
 {
@@ -103,4 +103,4 @@ private:
     QString m_failure;
 };
 
-} // namespace plx::testing
+} // namespace plx::test
