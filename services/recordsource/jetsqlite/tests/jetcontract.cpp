@@ -78,6 +78,11 @@ QString printedFromSqlite(const QVariant &v, const QString &expected)
 
 void expectBothWays(std::initializer_list<Case> cases)
 {
+    expectBothWays(std::vector<Case>(cases));
+}
+
+void expectBothWays(const std::vector<Case> &cases)
+{
     for (const Case &c : cases) {
         const QString expression = QString::fromUtf8(c.expression);
         const QString expected = QString::fromUtf8(c.expected);

@@ -9,7 +9,12 @@
 
 #include "services/recordsource/status.h"
 
+#include <gtest/gtest.h>
+
 #include <initializer_list>
+#include <ostream>
+#include <string>
+#include <vector>
 
 namespace plx::jet::testing {
 
@@ -21,6 +26,24 @@ struct Case
 };
 
 void expectBothWays(std::initializer_list<Case> cases);
+void expectBothWays(const std::vector<Case> &cases);
+
+// Cases that one documented rule gives, named as a test is.
+struct CaseGroup
+{
+    const char *name;
+    std::vector<Case> cases;
+};
+
+inline void PrintTo(const CaseGroup &group, std::ostream *os)
+{
+    *os << group.name;
+}
+
+inline std::string groupName(const ::testing::TestParamInfo<CaseGroup> &info)
+{
+    return info.param.name;
+}
 
 struct ErrorCase
 {
