@@ -140,40 +140,36 @@ TEST_P(RecordSourceContractTest, FindWithoutMatchSetsNoMatchAndTheCallerRestores
     EXPECT_FALSE(rs->NoMatch());
 }
 
-// The navigator's sort query with an empty join and WHERE text (double blanks).
-TEST_P(RecordSourceContractTest, NavigatorSortQueryOrdersByNameThenCity)
+// The navigator's own query texts: the sort query with an empty join and WHERE text (double
+// blanks), the find query keeping upper-cased prefix matches, and the last-ID query putting
+// the highest PLE ID first.
+TEST_P(RecordSourceContractTest, NavigatorQueryTextsGiveTheirRecordsInOrder)
 {
-    const QString sql = QStringLiteral("SELECT * from T") + QLatin1Char(' ') + QString()
-        + QLatin1Char(' ') + QString() + QStringLiteral(" ORDER BY T.NAME, T.CITY");
-    auto rs = open(sql);
-    ASSERT_TRUE(rs);
-    EXPECT_EQ(idsToEnd(*rs), expectedByNameCity([](const QVariantList &) { return true; }));
-}
-
-TEST_P(RecordSourceContractTest, NavigatorFindQueryKeepsUpperCasedPrefixMatches)
-{
-    auto rs = open(
-        QStringLiteral("SELECT * from T WHERE UCase([T.NAME]) LIKE 'SM*' ORDER BY T.NAME, T.CITY"));
-    ASSERT_TRUE(rs);
-    const QStringList expected = expectedByNameCity([](const QVariantList &row) {
-        return row.at(1).toString().toUpper().startsWith(QLatin1String("SM"));
-    });
-    EXPECT_EQ(idsToEnd(*rs), expected);
-    ASSERT_TRUE(rs->MoveLast().isOk());
-    EXPECT_EQ(rs->RecordCount(), expected.size());
-}
-
-TEST_P(RecordSourceContractTest, LastIdQueryPutsTheHighestPleIdFirst)
-{
-    auto rs = open(QStringLiteral("Select * from T WHERE  Left([ID],3) = 'PLE' Order By ID DESC"));
-    ASSERT_TRUE(rs);
     QStringList ple;
     for (const QVariantList &row : peopleTable().rows) {
         if (row.at(0).toString().startsWith(QLatin1String("PLE")))
             ple << row.at(0).toString();
     }
     std::sort(ple.begin(), ple.end(), std::greater<QString>());
-    EXPECT_EQ(idsToEnd(*rs), ple);
+    const std::pair<QString, QStringList> queries[] = {
+        { QStringLiteral("SELECT * from T") + QLatin1Char(' ') + QString() + QLatin1Char(' ')
+              + QString() + QStringLiteral(" ORDER BY T.NAME, T.CITY"),
+          expectedByNameCity([](const QVariantList &) { return true; }) },
+        { QStringLiteral(
+              "SELECT * from T WHERE UCase([T.NAME]) LIKE 'SM*' ORDER BY T.NAME, T.CITY"),
+          expectedByNameCity([](const QVariantList &row) {
+              return row.at(1).toString().toUpper().startsWith(QLatin1String("SM"));
+          }) },
+        { QStringLiteral("Select * from T WHERE  Left([ID],3) = 'PLE' Order By ID DESC"), ple },
+    };
+    for (const auto &[sql, expected] : queries) {
+        SCOPED_TRACE(sql.toStdString());
+        auto rs = open(sql);
+        ASSERT_TRUE(rs);
+        EXPECT_EQ(idsToEnd(*rs), expected);
+        ASSERT_TRUE(rs->MoveLast().isOk());
+        EXPECT_EQ(rs->RecordCount(), expected.size());
+    }
 }
 
 TEST_P(RecordSourceContractTest, FieldsCarryNameValueSizeAndNull)
