@@ -10,6 +10,7 @@
 #include "navigator/navigatortext_p.h"
 #include "services/activitylog.h"
 #include "services/recordsource/database.h"
+#include "services/recordsource/keptorder.h"
 #include "services/texthelpers.h"
 
 #include <QAction>
@@ -300,14 +301,27 @@ bool mvPLXRecsPrivate::commandSave()
     }
     if (wasNew)
         commands.newRecordSaved();
-    // The records are read again, so that the saved record and any new record kept
-    // earlier stand in their places in the order, and the saved record stays current.
     if (rs)
-        requery(id, false);
+        placeSavedRecord(heldID, id);
     // The rows show what the table kept, in the record that is current now.
     for (BoundControl *control : fields)
         control->UpdateDBF();
     return true;
+}
+
+// The saved record takes its place in the order and stays current. On a million records
+// reading them all again costs a hundred times the write, so that is done only when the
+// record source cannot place it: it does not keep its order, the record has left its
+// filter, or a record NEW or COPY added earlier still stands out of order at the end.
+void mvPLXRecsPrivate::placeSavedRecord(const QString &heldID, const QString &id)
+{
+    auto *kept = dynamic_cast<KeptOrder *>(rs.get());
+    if (kept && !commands.othersUnplaced(heldID) && kept->placeCurrentInOrder()) {
+        commands.recordPlaced(heldID);
+        setScrollBar();
+        return;
+    }
+    requery(id, false);
 }
 
 void mvPLXRecsPrivate::releaseHeldRecord()

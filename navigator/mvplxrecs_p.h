@@ -142,6 +142,7 @@ public:
     bool parentAllowsSave() const;
     void saveFieldRows(const QList<BoundControl *> &fields) const;
     bool writeEditedRecord(const QString &heldID);
+    void placeSavedRecord(const QString &heldID, const QString &id);
     bool commandCancel(const QString &id);
     bool commandDelete(const QString &id);
     void moveToNeighbour(qint32 position);

@@ -47,6 +47,8 @@ void mvPLXRecs::setRs(std::shared_ptr<RecordSource> rs)
 void mvPLXRecsPrivate::setRs(std::shared_ptr<RecordSource> source)
 {
     rs = std::move(source);
+    // Records freshly read stand in their order, whatever NEW and COPY appended before.
+    commands.orderRestored();
     if (!rs) {
         setButtonEnabled(QStringLiteral("EDIT"), false);
         setButtonEnabled(QStringLiteral("COPY"), false);

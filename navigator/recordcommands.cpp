@@ -3,6 +3,8 @@
 
 #include "services/texthelpers.h"
 
+#include <algorithm>
+
 namespace plx {
 
 RecordCommands::Command RecordCommands::commandFor(const QString &caption)
@@ -88,6 +90,20 @@ void RecordCommands::recordDeleted(const QString &id)
 {
     if (isNewRecord(id))
         m_newRecord.reset();
+    recordPlaced(id);
+}
+
+bool RecordCommands::othersUnplaced(const QString &id) const
+{
+    const QString wanted = rtrimSpaces(id);
+    return std::any_of(m_unplaced.cbegin(), m_unplaced.cend(),
+                       [&](const QString &other) { return rtrimSpaces(other) != wanted; });
+}
+
+void RecordCommands::recordPlaced(const QString &id)
+{
+    const QString wanted = rtrimSpaces(id);
+    m_unplaced.removeIf([&](const QString &other) { return rtrimSpaces(other) == wanted; });
 }
 
 std::optional<qint32> RecordCommands::returnPositionWithin(qint32 count) const

@@ -11,6 +11,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -46,8 +47,19 @@ public:
     Mode mode() const;
     // NEW or COPY was pressed with the user at `position` (returnPositionFor).
     void rememberReturnPosition(qint32 position) { m_returnPosition = position; }
-    // NEW or COPY appended record `id`.
-    void recordCreated(const QString &id) { m_newRecord = id; }
+    // NEW or COPY appended record `id`: it stands at the end of the records, out of their
+    // order, until it is placed or the records are read again.
+    void recordCreated(const QString &id)
+    {
+        m_newRecord = id;
+        m_unplaced.append(id);
+    }
+    // Whether a record NEW or COPY appended, other than `id`, still stands out of order.
+    bool othersUnplaced(const QString &id) const;
+    // Record `id` took its place in the order.
+    void recordPlaced(const QString &id);
+    // The records were read again: every one stands in its place.
+    void orderRestored() { m_unplaced.clear(); }
     // EDIT took record `id` into edit (its lock is held).
     void editStarted(const QString &id) { m_held = id; }
     // The ID the held record had when its edit began; "" when none is held.
@@ -73,6 +85,7 @@ public:
 private:
     std::optional<QString> m_newRecord;
     std::optional<QString> m_held;
+    QStringList m_unplaced;
     qint32 m_returnPosition = -1;
     bool m_running = false;
 };

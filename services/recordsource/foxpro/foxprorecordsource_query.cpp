@@ -290,6 +290,8 @@ Status FoxProRecordSource::build(const jet::SelectStatement &stmt)
         return keys.status();
     m_keys = std::move(keys).value();
     m_recnoOrder = stmt.orderBy.empty();
+    m_where = stmt.where;
+    m_order = stmt.orderBy;
 
     const Result<DbfChangeStamp> after = keep ? table.changeStamp() : stamp;
     const bool unchanged = after.isOk() && after->sameContents(stamp.value());

@@ -23,6 +23,21 @@ void KeySet::removeAt(qint64 index)
         m_chunks.pop_back();
 }
 
+void KeySet::move(qint64 from, qint64 to)
+{
+    if (from < 0 || from >= m_size || to < 0 || to >= m_size || from == to)
+        return;
+    const qint64 key = at(from);
+    if (from < to) {
+        for (qint64 i = from; i < to; ++i)
+            slot(i) = at(i + 1);
+    } else {
+        for (qint64 i = from; i > to; --i)
+            slot(i) = at(i - 1);
+    }
+    slot(to) = key;
+}
+
 void KeySet::clear()
 {
     m_chunks.clear();

@@ -3,6 +3,7 @@
 // files, because a back end that only changed its own cache would pass a one-connection
 // test.
 #include "services/texthelpers.h"
+#include "services/recordsource/keptorder.h"
 #include "services/recordsource/tests/contractfixture.h"
 
 #include <QDate>
@@ -165,6 +166,66 @@ TEST_P(RecordSourceContractTest, EditOfARecordDeletedByAnotherConnectionFails)
     ASSERT_TRUE(other->Delete().isOk());
     EXPECT_FALSE(mine->Edit().isOk());
     EXPECT_EQ(mine->editMode(), EditMode::None);
+}
+
+// A record written back by Update stands where a new query would put it, ties and all, so
+// the navigator need not read a million records again after every SAVE.
+TEST_P(RecordSourceContractTest, ASavedRecordTakesThePlaceAFreshQueryGivesIt)
+{
+    const QStringList sorts{ SortSql, QStringLiteral("SELECT * from T ORDER BY T.AMOUNT DESC"),
+                             QStringLiteral("SELECT * from T ORDER BY T.BORN, T.NAME DESC") };
+    int added = 0;
+    for (const QString &sql : sorts) {
+        SCOPED_TRACE(sql.toStdString());
+        auto rs = open(sql);
+        ASSERT_TRUE(rs);
+        auto *kept = dynamic_cast<KeptOrder *>(rs.get());
+        if (!kept)
+            GTEST_SKIP() << "this back end reads its records again after a write";
+        // A new record, appended at the end, with a name, amount and date that tie with
+        // records already there.
+        const QString id = QStringLiteral("PLE00000%1").arg(70 + added++);
+        ASSERT_TRUE(rs->AddNew().isOk());
+        ASSERT_TRUE(rs->setValue(QStringLiteral("ID"), id).isOk());
+        ASSERT_TRUE(rs->setValue(QStringLiteral("NAME"), QStringLiteral("smith, john a")).isOk());
+        ASSERT_TRUE(rs->setValue(QStringLiteral("AMOUNT"), 7.0).isOk());
+        ASSERT_TRUE(rs->setValue(QStringLiteral("BORN"), QDate(1971, 3, 4)).isOk());
+        ASSERT_TRUE(rs->Update().isOk());
+        ASSERT_TRUE(rs->MoveLast().isOk());
+        ASSERT_TRUE(kept->placeCurrentInOrder());
+        EXPECT_EQ(textOf(*rs, QStringLiteral("ID")), id);
+
+        // An edited record moves from the front to the back of the order.
+        ASSERT_TRUE(rs->MoveFirst().isOk());
+        const QString first = textOf(*rs, QStringLiteral("ID"));
+        ASSERT_TRUE(rs->Edit().isOk());
+        ASSERT_TRUE(rs->setValue(QStringLiteral("NAME"), QStringLiteral("ZZ TOP")).isOk());
+        ASSERT_TRUE(rs->setValue(QStringLiteral("AMOUNT"), -50.0).isOk());
+        ASSERT_TRUE(rs->setValue(QStringLiteral("BORN"), QDate(2030, 1, 1)).isOk());
+        ASSERT_TRUE(rs->Update().isOk());
+        ASSERT_TRUE(kept->placeCurrentInOrder());
+        EXPECT_EQ(textOf(*rs, QStringLiteral("ID")), first);
+
+        auto fresh = open(sql);
+        ASSERT_TRUE(fresh);
+        const QStringList expected = idsToEnd(*fresh);
+        ASSERT_TRUE(rs->MoveFirst().isOk());
+        EXPECT_EQ(idsToEnd(*rs), expected);
+    }
+}
+
+TEST_P(RecordSourceContractTest, ARecordThatLeftTheFilterIsNotPlaced)
+{
+    auto rs = open(QStringLiteral("SELECT * from T WHERE T.CITY = 'Denver' ORDER BY T.NAME"));
+    ASSERT_TRUE(rs);
+    auto *kept = dynamic_cast<KeptOrder *>(rs.get());
+    if (!kept)
+        GTEST_SKIP() << "this back end reads its records again after a write";
+    ASSERT_TRUE(rs->Edit().isOk());
+    ASSERT_TRUE(rs->setValue(QStringLiteral("CITY"), QStringLiteral("Lincoln")).isOk());
+    ASSERT_TRUE(rs->Update().isOk());
+    EXPECT_FALSE(kept->placeCurrentInOrder());
+    EXPECT_EQ(textOf(*rs, QStringLiteral("ID")), QStringLiteral("PLE0000004"));
 }
 
 } // namespace

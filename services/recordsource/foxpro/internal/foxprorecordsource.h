@@ -26,6 +26,7 @@
 #include "services/recordsource/dbf/internal/dbftable.h"
 #include "services/recordsource/internal/positionedrecordsource.h"
 #include "services/recordsource/jet/internal/ast.h"
+#include "services/recordsource/keptorder.h"
 #include "services/recordsource/textcompare.h"
 
 #include <functional>
@@ -40,7 +41,7 @@ using TablePaths = std::function<QString(const QString &table)>;
 
 struct ScanRanking;
 
-class FoxProRecordSource final : public PositionedRecordSource
+class FoxProRecordSource final : public PositionedRecordSource, public KeptOrder
 {
 public:
     // A SELECT * on one table with WHERE and ORDER BY, as the database parsed it from `text`
@@ -68,6 +69,10 @@ public:
     Status Delete() override;
 
     void Close() override;
+
+    // By the statement's ORDER BY, each key compared as the sort ranks it, ties in record
+    // order; the WHERE is tested on the record alone.
+    bool placeCurrentInOrder() override;
 
     // Bytes held for the keyset (for the memory benchmark).
     size_t keysetBytes() const { return m_keys.capacity() * sizeof(quint32); }
@@ -109,12 +114,18 @@ private:
     Status sort(const std::vector<jet::OrderItem> &order,
                 std::vector<std::optional<KeyRanks>> byteKeys);
 
+    // The order of records `a` and `b` by the ORDER BY keys alone: below, at or above 0.
+    Result<int> compareByOrder(quint32 a, quint32 b) const;
+    Result<bool> satisfiesWhere(quint32 recno) const;
+
     std::unique_ptr<DbfTable> m_table;
     TextCompare m_collate = TextCompare::Binary;
     QString m_tableName;
     QString m_alias;
     std::vector<quint32> m_keys; // record numbers in the source's order
     bool m_recnoOrder = true; // no ORDER BY: m_keys ascend
+    jet::NodePtr m_where; // bound; null without WHERE
+    std::vector<jet::OrderItem> m_order; // bound
 
     QString m_readOnlyReason; // decided at open; empty when writable
 

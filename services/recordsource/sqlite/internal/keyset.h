@@ -27,6 +27,8 @@ public:
     void append(qint64 key);
     // Removes the key at `index`; the keys behind it move up one place.
     void removeAt(qint64 index);
+    // Moves the key at `from` to `to`; the keys between them move one place towards `from`.
+    void move(qint64 from, qint64 to);
     void clear();
     // The first index at or after `from` whose key satisfies `match`; -1 when none does.
     qint64 indexWhere(qint64 from, const std::function<bool(qint64)> &match) const;
