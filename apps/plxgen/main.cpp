@@ -2,11 +2,13 @@
 //
 //   plxgen --sqlite FILE [--rows N]   writes table T with N records (default 1,000,000)
 //   plxgen --foxpro DIR [--rows N]    writes DIR/T.DBF and T.FPT (FoxPro 2.6, ~3 % deleted)
+//   plxgen --postgres CONNINFO [--rows N]  writes table T in that PostgreSQL database
 //
 // The records are the same on every run (fixed seed). Writers for other engines are
 // further rows of the writer table below.
 #include "services/recordsource/tablegen/benchtable.h"
 #include "services/recordsource/tablegen/foxprowriter.h"
+#include "services/recordsource/tablegen/postgreswriter.h"
 #include "services/recordsource/tablegen/sqlitewriter.h"
 
 #include <QCoreApplication>
@@ -33,6 +35,10 @@ const QList<Writer> &writers()
         { "--foxpro", "DIR",
           [](const QString &dir, qint64 rows) {
               return plx::bench::writeFoxProBenchTable(dir, QStringLiteral("T"), rows);
+          } },
+        { "--postgres", "CONNINFO",
+          [](const QString &conninfo, qint64 rows) {
+              return plx::bench::writePostgresBenchTable(conninfo, QStringLiteral("T"), rows);
           } },
     };
     return table;

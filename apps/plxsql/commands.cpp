@@ -16,6 +16,10 @@ const QList<BackEnd> &backEnds()
           [](const QString &dir) {
               return OpenDatabase(dir, false, false, QStringLiteral("FoxPro 2.6"));
           } },
+        { "--postgres", "CONNINFO", "a PostgreSQL database (libpq connection string or URI)",
+          [](const QString &conninfo) {
+              return OpenDatabase(conninfo, false, false, QStringLiteral("PostgreSQL"));
+          } },
     };
     return table;
 }

@@ -143,10 +143,11 @@ Result<PgResult> Connection::exec(const QString &sql, const QList<PgParam> &para
     if (st == PGRES_COMMAND_OK || st == PGRES_TUPLES_OK || st == PGRES_COPY_IN)
         return result;
     if (!result.get() || PQstatus(m_conn) == CONNECTION_BAD) {
-        // A server that went away: one reconnect, so that a restarted server serves the
-        // next statement; this one failed and says so.
+        // A server that went away: this statement failed and says so; one reconnect, so
+        // that a restarted server serves the next one.
+        const Status lost = connectionError(QStringLiteral("cannot run %1").arg(sql.left(200)));
         PQreset(m_conn);
-        return connectionError(QStringLiteral("cannot run %1").arg(sql.left(200)));
+        return lost;
     }
     const QByteArray state(PQresultErrorField(result.get(), PG_DIAG_SQLSTATE));
     const QString why = QString::fromUtf8(PQresultErrorMessage(result.get())).trimmed();

@@ -135,7 +135,15 @@ Result<SqlPiece> PgTranslator::call(const Node &node)
                                    sought.text),
                          SqlKind::Number };
     }
-    if (count >= 1 && count <= 3)
+    static const QStringList text{ QStringLiteral("UCASE"), QStringLiteral("LCASE"),
+                                   QStringLiteral("TRIM"),  QStringLiteral("LTRIM"),
+                                   QStringLiteral("RTRIM"), QStringLiteral("LEN"),
+                                   QStringLiteral("LEFT"),  QStringLiteral("RIGHT"),
+                                   QStringLiteral("MID") };
+    QString base = node.name;
+    if (base.endsWith(QLatin1Char('$')))
+        base.chop(1);
+    if (count >= 1 && text.contains(base))
         return textCall(node, a);
     return notSupported(node, QStringLiteral("the function %1").arg(node.name));
 }

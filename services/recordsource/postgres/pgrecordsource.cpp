@@ -10,6 +10,7 @@
 
 #include <libpq-fe.h>
 
+#include <algorithm>
 #include <unordered_set>
 
 namespace plx::postgres {
@@ -217,6 +218,13 @@ Result<qint64> PgRecordSource::locate(const QString &criterion, qint64 start) co
         return hits.status();
     if (hits->empty())
         return qint64(-1);
+    const auto from = m_keys.begin() + qMax<qint64>(0, qMin(start, size()));
+    if (hits->size() == 1) {
+        // An ID criterion: one key, found by a plain scan of the keyset (a million keys in
+        // well under a millisecond), no hash to build.
+        const auto at = std::find(from, m_keys.end(), hits->front());
+        return at == m_keys.end() ? qint64(-1) : qint64(at - m_keys.begin());
+    }
     const std::unordered_set<qint64> found(hits->begin(), hits->end());
     for (qint64 i = qMax<qint64>(0, start); i < size(); ++i) {
         if (found.count(m_keys[size_t(i)]) != 0)

@@ -13,14 +13,6 @@ namespace plx::testing {
 
 namespace {
 
-QString databaseFor(const QString &dir)
-{
-    const QByteArray path = QDir::cleanPath(dir).toUtf8();
-    return QStringLiteral("plx_")
-        + QString::fromLatin1(
-               QCryptographicHash::hash(path, QCryptographicHash::Sha1).toHex().left(24));
-}
-
 Status unavailable()
 {
     return Status(Status::Code::NotSupported, PgServer::instance().unavailable());
@@ -36,7 +28,7 @@ public:
         const PgServer &server = PgServer::instance();
         if (!server.unavailable().isEmpty())
             return unavailable();
-        const QString failure = server.createDatabase(databaseFor(dir));
+        const QString failure = server.createDatabase(postgresDatabaseFor(dir));
         if (!failure.isEmpty())
             return Status(Status::Code::Engine, failure);
         Result<std::unique_ptr<Database>> db = open(dir);
@@ -56,7 +48,7 @@ public:
     {
         if (!PgServer::instance().unavailable().isEmpty())
             return unavailable();
-        return OpenDatabase(PgServer::instance().conninfo(databaseFor(dir)), false, false,
+        return OpenDatabase(PgServer::instance().conninfo(postgresDatabaseFor(dir)), false, false,
                             QStringLiteral("PostgreSQL"));
     }
 
@@ -64,7 +56,7 @@ public:
     {
         if (!PgServer::instance().unavailable().isEmpty())
             return unavailable();
-        return OpenDatabase(PgServer::instance().conninfo(databaseFor(dir)), false, true,
+        return OpenDatabase(PgServer::instance().conninfo(postgresDatabaseFor(dir)), false, true,
                             QStringLiteral("PostgreSQL"));
     }
 
@@ -72,6 +64,14 @@ public:
 };
 
 } // namespace
+
+QString postgresDatabaseFor(const QString &dir)
+{
+    const QByteArray path = QDir::cleanPath(dir).toUtf8();
+    return QStringLiteral("plx_")
+        + QString::fromLatin1(
+               QCryptographicHash::hash(path, QCryptographicHash::Sha1).toHex().left(24));
+}
 
 std::shared_ptr<BackEnd> makePostgresBackEnd()
 {
