@@ -17,6 +17,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 using namespace plx;
 using namespace plx::test;
 
@@ -68,12 +70,20 @@ struct Damage
 {
     const char *name;
     QList<QPair<const char *, QByteArray>> values;
-    const char *logged; // what the log entry says of the (first) refused value
+    std::string logged; // what the log entry says of the refused values
 };
 
 void PrintTo(const Damage &d, std::ostream *out)
 {
     *out << d.name;
+}
+
+// One damaged key, logged as "frmVIValues-KEY=VALUE (why)".
+Damage oneKey(const char *name, const char *key, const char *value, const char *why)
+{
+    return { name,
+             { { key, QByteArray(value) } },
+             std::string("frmVIValues-") + key + '=' + value + " (" + why + ')' };
 }
 
 class PlacementDamageTest : public PlacementDamageFixture, public ::testing::TestWithParam<Damage>
@@ -97,7 +107,7 @@ TEST_P(PlacementDamageTest, TheFormOpensCentredAtItsDesignedSizeAndOneEntryIsLog
     EXPECT_TRUE(
         entry.contains(" restoreFormPlacement\r\n" + QFile::encodeName(formsIni()) + ": refused "))
         << entry.toStdString();
-    EXPECT_TRUE(entry.contains(QByteArray(damage.logged))) << entry.toStdString();
+    EXPECT_TRUE(entry.contains(QByteArray::fromStdString(damage.logged))) << entry.toStdString();
     EXPECT_TRUE(entry.contains("; the form opens centred at its default size\r\n"));
 }
 
@@ -108,32 +118,20 @@ INSTANTIATE_TEST_SUITE_P(
                 { { "W", "2147483647" }, { "H", "2147483647" } },
                 "frmVIValues-H=2147483647 (larger than the desktop), "
                 "frmVIValues-W=2147483647 (larger than the desktop)" },
-        Damage{ "AstronomicSize",
-                { { "W", "1e308" } },
-                "frmVIValues-W=1e308 (larger than the desktop)" },
-        Damage{ "MillionTwipsHigh",
-                { { "H", "1000000" } },
-                "frmVIValues-H=1000000 (larger than the desktop)" },
-        Damage{ "JustWiderThanTheDesktop",
-                { { "W", "28815" } },
-                "frmVIValues-W=28815 (larger than the desktop)" },
-        Damage{ "NegativeWidth", { { "W", "-9000" } }, "frmVIValues-W=-9000 (negative)" },
-        Damage{ "OnePixelHigh", { { "H", "15" } }, "frmVIValues-H=15 (smaller than 32 pixels)" },
-        Damage{ "SizeNotANumber", { { "H", "abc" } }, "frmVIValues-H=abc (not a number)" },
-        Damage{ "SizeInfinite", { { "W", "inf" } }, "frmVIValues-W=inf (not a number)" },
-        Damage{ "SizeNaN", { { "H", "nan" } }, "frmVIValues-H=nan (not a number)" },
-        Damage{ "SizeOverflows", { { "W", "1e999" } }, "frmVIValues-W=1e999 (not a number)" },
-        Damage{ "HugeLeft",
-                { { "X", "2147483647" } },
-                "frmVIValues-X=2147483647 (too far from every monitor)" },
-        Damage{ "FarAboveTop",
-                { { "Y", "-1e308" } },
-                "frmVIValues-Y=-1e308 (too far from every monitor)" },
-        Damage{ "MillionTwipsLeft",
-                { { "X", "-1000000" } },
-                "frmVIValues-X=-1000000 (too far from every monitor)" },
-        Damage{ "PositionNotANumber", { { "X", "left" } }, "frmVIValues-X=left (not a number)" },
-        Damage{ "PositionInfinite", { { "Y", "-inf" } }, "frmVIValues-Y=-inf (not a number)" },
+        oneKey("AstronomicSize", "W", "1e308", "larger than the desktop"),
+        oneKey("MillionTwipsHigh", "H", "1000000", "larger than the desktop"),
+        oneKey("JustWiderThanTheDesktop", "W", "28815", "larger than the desktop"),
+        oneKey("NegativeWidth", "W", "-9000", "negative"),
+        oneKey("OnePixelHigh", "H", "15", "smaller than 32 pixels"),
+        oneKey("SizeNotANumber", "H", "abc", "not a number"),
+        oneKey("SizeInfinite", "W", "inf", "not a number"),
+        oneKey("SizeNaN", "H", "nan", "not a number"),
+        oneKey("SizeOverflows", "W", "1e999", "not a number"),
+        oneKey("HugeLeft", "X", "2147483647", "too far from every monitor"),
+        oneKey("FarAboveTop", "Y", "-1e308", "too far from every monitor"),
+        oneKey("MillionTwipsLeft", "X", "-1000000", "too far from every monitor"),
+        oneKey("PositionNotANumber", "X", "left", "not a number"),
+        oneKey("PositionInfinite", "Y", "-inf", "not a number"),
         Damage{ "EverythingDamaged",
                 { { "X", "nan" }, { "Y", "1e308" }, { "W", "0x7fffffff" }, { "H", "-1" } },
                 "frmVIValues-H=-1 (negative), frmVIValues-W=0x7fffffff (smaller than 32 pixels), "
