@@ -3,9 +3,12 @@
 
 #include "services/ini.h"
 #include "services/inisnapshot.h"
+#include "services/paths.h"
 #include "services/texthelpers.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSet>
 
 namespace plx::form {
@@ -24,6 +27,9 @@ const QSet<QString> kRowKeys{ QStringLiteral("CAPTION"),   QStringLiteral("FIELD
 const QSet<QString> kCheckKeys{ QStringLiteral("CAPTION"), QStringLiteral("FIELD") };
 const QSet<QString> kPairKeys{ QStringLiteral("CAPTION"), QStringLiteral("FIELD"),
                                QStringLiteral("DETAILS") };
+const QSet<QString> kValueRowKeys{ QStringLiteral("CAPTION"), QStringLiteral("FIELD"),
+                                   QStringLiteral("LISTFILE"), QStringLiteral("LISTSECTION"),
+                                   QStringLiteral("LISTKEY") };
 
 // The description, parsed once: every value is a look-up, not a read of the whole file.
 // Values are whole (no 1,998-character cut); one beyond kMaxSettingsValueChars is refused
@@ -145,6 +151,7 @@ bool checkKnownKeys(const Sections &sections, QStringList *warnings)
             : upper.startsWith(QLatin1String("ROW"))                ? &kRowKeys
             : upper.startsWith(QLatin1String("CHECK"))              ? &kCheckKeys
             : upper.startsWith(QLatin1String("PAIR"))               ? &kPairKeys
+            : upper.startsWith(QLatin1String("VALUES"))             ? &kValueRowKeys
                                                                     : nullptr;
         hasForm = hasForm || upper == QLatin1String("FORM");
         if (!known) {
@@ -306,6 +313,31 @@ void readCheck(const DescriptionReader &in, const QString &section, FormDescript
         form.checks.append(check);
 }
 
+// A list file named relative to the description lives beside it, wherever the two are
+// moved together.
+void readValueRow(const DescriptionReader &in, const QString &section, const QString &path,
+                  FormDescription &form)
+{
+    QStringList *warnings = in.warnings();
+    ValueRowDescription row{ in.value(section, "Caption"), in.value(section, "Field"),
+                             in.value(section, "ListFile").trimmed(),
+                             in.value(section, "ListSection").trimmed(),
+                             in.value(section, "ListKey").trimmed() };
+    if (row.field.isEmpty()) {
+        warnings->append(
+            QStringLiteral("[%1] names no Field; the value-item row is left out").arg(section));
+        return;
+    }
+    if (row.listFile.isEmpty() || row.listSection.isEmpty() || row.listKey.isEmpty())
+        warnings->append(
+            QStringLiteral(
+                "[%1] needs ListFile, ListSection and ListKey; its value list is not kept")
+                .arg(section));
+    else if (QFileInfo(toDiskPath(row.listFile)).isRelative())
+        row.listFile = QFileInfo(path).dir().absoluteFilePath(toDiskPath(row.listFile));
+    form.valueRows.append(row);
+}
+
 } // namespace
 
 Result<FormDescription> loadFormDescription(const QString &path, QStringList *warnings)
@@ -340,6 +372,8 @@ Result<FormDescription> loadFormDescription(const QString &path, QStringList *wa
             readPair(in, section.name, form);
         else if (upper.startsWith(QLatin1String("CHECK")))
             readCheck(in, section.name, form);
+        else if (upper.startsWith(QLatin1String("VALUES")))
+            readValueRow(in, section.name, path, form);
     }
     return form;
 }
@@ -391,6 +425,15 @@ Status saveFormDescription(const FormDescription &form, const QString &path)
         const QString section = QStringLiteral("CHECK%1").arg(i + 1);
         set(section, "Caption", form.checks[i].caption);
         set(section, "Field", form.checks[i].field);
+    }
+    for (qsizetype i = 0; i < form.valueRows.size(); ++i) {
+        const ValueRowDescription &v = form.valueRows[i];
+        const QString section = QStringLiteral("VALUES%1").arg(i + 1);
+        set(section, "Caption", v.caption);
+        set(section, "Field", v.field);
+        set(section, "ListFile", v.listFile);
+        set(section, "ListSection", v.listSection);
+        set(section, "ListKey", v.listKey);
     }
     return ok ? Status::ok()
               : Status(Status::Code::IoError, QStringLiteral("cannot write %1").arg(path));
@@ -525,6 +568,9 @@ QStringList checkFieldNames(const FormDescription &form, const QList<FieldInfo> 
     for (qsizetype i = 0; i < form.checks.size(); ++i)
         check(form.checks[i].field,
               QStringLiteral("Check box %1 (%2)").arg(i + 1).arg(form.checks[i].caption));
+    for (qsizetype i = 0; i < form.valueRows.size(); ++i)
+        check(form.valueRows[i].field,
+              QStringLiteral("Value row %1 (%2)").arg(i + 1).arg(form.valueRows[i].caption));
     return problems;
 }
 

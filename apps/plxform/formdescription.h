@@ -24,6 +24,10 @@
 //   [CHECK1] ... [CHECKn]            check boxes: Caption, Field
 //   [PAIR1] ... [PAIRn]              a flag with the text fields that belong to it:
 //                                    Caption, Field, Details=Caption:FIELD, Caption:FIELD
+//   [VALUES1] ... [VALUESn]          value-item rows (mvVIText), below the text rows:
+//                                    Caption, Field, and where the row's list of allowed
+//                                    values is kept: ListFile (a settings file; a relative
+//                                    path is beside the description), ListSection, ListKey
 #pragma once
 
 #include "apps/plxform/indextags.h"
@@ -55,6 +59,14 @@ struct PairDescription
     QList<QPair<QString, QString>> details; // caption, field of each detail row
 };
 
+// A text row whose values are picked from a list the user keeps (a double click opens the
+// list): the list is the settings value at listFile / listSection / listKey.
+struct ValueRowDescription
+{
+    QString caption, field;
+    QString listFile, listSection, listKey;
+};
+
 struct FormDescription
 {
     QString file; // FoxPro table file
@@ -73,6 +85,7 @@ struct FormDescription
     QList<RowDescription> rows;
     QList<CheckDescription> checks;
     QList<PairDescription> pairs;
+    QList<ValueRowDescription> valueRows;
 
     bool isFoxPro() const { return !file.isEmpty(); }
 };

@@ -112,6 +112,49 @@ TEST(FormDescription, MistakesAreReportedNotFatal)
                   "Row 2 (City) names the field \"CTY\", which the table does not have") });
 }
 
+// A value-item row's list named relative to the description is the list beside it, wherever
+// the two are moved; a row that cannot keep its list still shows, and says why.
+TEST(FormDescription, ValueItemRowsFindTheirListBesideTheDescription)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("form.ini"));
+    writeText(path,
+              "[FORM]\nFile=/x/T.DBF\n"
+              "[VALUES1]\nCaption=Programs\nField=PROGRAMS\nListFile=LISTS.INI\n"
+              "ListSection=FACILITY\nListKey=Programs\n"
+              "[VALUES2]\nCaption=Payers\nField=PAYERS\nListFile=/lists/P.INI\nListSection=P\n"
+              "[VALUES3]\nCaption=Nothing\nListKey=x\nColour=red\n");
+    QStringList warnings;
+    Result<FormDescription> read = loadFormDescription(path, &warnings);
+    ASSERT_TRUE(read.isOk());
+    EXPECT_EQ(
+        warnings,
+        (QStringList{
+            QStringLiteral("Unknown key \"Colour\" in [VALUES3] ignored"),
+            QStringLiteral(
+                "[VALUES2] needs ListFile, ListSection and ListKey; its value list is not kept"),
+            QStringLiteral("[VALUES3] names no Field; the value-item row is left out") }));
+    const QList<ValueRowDescription> &rows = read.value().valueRows;
+    ASSERT_EQ(rows.size(), 2);
+    EXPECT_EQ(rows[0].listFile, dir.filePath(QStringLiteral("LISTS.INI")));
+    EXPECT_EQ(rows[0].listSection, QStringLiteral("FACILITY"));
+    EXPECT_EQ(rows[0].listKey, QStringLiteral("Programs"));
+    EXPECT_EQ(rows[1].listFile, QStringLiteral("/lists/P.INI"));
+
+    const QString again = dir.filePath(QStringLiteral("again.ini"));
+    ASSERT_TRUE(saveFormDescription(read.value(), again).isOk());
+    Result<FormDescription> back = loadFormDescription(again, &warnings);
+    ASSERT_TRUE(back.isOk());
+    ASSERT_EQ(back.value().valueRows.size(), 2);
+    EXPECT_EQ(back.value().valueRows[0].caption, QStringLiteral("Programs"));
+    EXPECT_EQ(back.value().valueRows[0].listFile, rows[0].listFile);
+    EXPECT_EQ(back.value().valueRows[1].listKey, QString());
+    EXPECT_EQ(
+        checkFieldNames(back.value(), { { QStringLiteral("PROGRAMS"), FieldType::Text, 30, 0 } }),
+        QStringList{ QStringLiteral(
+            "Value row 2 (Payers) names the field \"PAYERS\", which the table does not have") });
+}
+
 TEST(FormDescription, FilesThatAreNoDescriptionAreRefusedWithAReason)
 {
     QTemporaryDir dir;
