@@ -164,23 +164,6 @@ TEST_F(SqliteBackEndTest, SourceOutlivesItsDatabaseAndFailsAfterClose)
     EXPECT_TRUE(rs->isBOF() && rs->isEOF());
 }
 
-TEST(SqliteOpenDatabaseTest, ConnectStringChoosesTheEngine)
-{
-    QTemporaryDir dir;
-    // "FoxPro 2.6" (options after ';' allowed) opens the directory as FoxPro tables.
-    Result<std::unique_ptr<Database>> fox =
-        OpenDatabase(dir.path(), false, false, QStringLiteral("FoxPro 2.6;"));
-    ASSERT_TRUE(fox.isOk()) << fox.status().toString().toStdString();
-    EXPECT_EQ(fox.value()->textCompare(), TextCompare::Binary);
-    EXPECT_EQ(OpenDatabase(dir.filePath(QStringLiteral("no-such-dir")), false, false,
-                           QStringLiteral("FoxPro 2.6"))
-                  .status()
-                  .code(),
-              Code::NotFound);
-    EXPECT_EQ(OpenDatabase(dir.path(), false, false, QStringLiteral("Paradox 4.x")).status().code(),
-              Code::NotSupported);
-}
-
 // A mistyped path must not silently become a new, empty database: only the Create option
 // makes one, and never for a read-only open.
 TEST(SqliteOpenDatabaseTest, AMissingFileIsNotFoundUnlessCreateIsAskedFor)

@@ -7,14 +7,16 @@
 #include "tests/support/testfiles.h"
 #include "tests/support/writeprotection.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-using namespace plx;
+#include <optional>
 
+namespace plx {
 namespace {
 
 using Code = Status::Code;
@@ -46,9 +48,9 @@ protected:
 
     std::unique_ptr<Database> database() const { return foxprotest::openDirectory(m_dir.path()); }
 
-    // Opens `table`: its reason must be `reason`, and each write must fail at once with it,
-    // leaving the table file as it was.
-    void expectRefused(const QString &table, const QString &file, const QString &reason) const
+    // Opens `table`: its reason must be `reason`. A table with a reason refuses each write at
+    // once with it, leaving the file as it was; one without takes an edit.
+    void expectReason(const QString &table, const QString &file, const QString &reason) const
     {
         const QByteArray before = test::readBytes(file);
         auto db = database();
@@ -57,6 +59,11 @@ protected:
         ASSERT_TRUE(rs.isOk()) << rs.status().toString().toStdString();
         RecordSource &r = *rs.value();
         EXPECT_EQ(r.readOnlyReason(), reason);
+        if (reason.isEmpty()) {
+            EXPECT_TRUE(r.Edit().isOk());
+            EXPECT_TRUE(r.CancelUpdate().isOk());
+            return;
+        }
         ASSERT_TRUE(r.MoveLast().isOk());
         EXPECT_GT(r.RecordCount(), 0);
         for (int write = 0; write < 3; ++write) {
@@ -143,78 +150,58 @@ TEST_F(FoxProSampleFilesTest, AFieldNamedByAKeywordIsReadInBrackets)
     EXPECT_EQ(got, positive);
 }
 
-TEST_F(FoxProSampleFilesTest, TablesThatCanBeWrittenSayNothing)
+// Each sample as another program left it, and each way it can stop being writable here. A
+// structural index must be kept up to date by whoever writes the table (FoxPro and the
+// programs beside it trust it), so a table announcing one is only read. Protecting the table
+// file or the folder is the contract suite's case; the memo file is FoxPro's own.
+TEST_F(FoxProSampleFilesTest, EachReasonATableIsOnlyReadIsSaid)
 {
-    copy("dbase_f5.dbf");
-    copy("dbase_f5.fpt");
-    copy("pr90.dbf");
-    copy("pr90.fpt");
-    auto db = database();
-    ASSERT_TRUE(db);
-    for (const char *table : { "dbase_f5", "pr90" }) {
-        auto rs = db->OpenRecordset(QString::fromLatin1(table));
-        ASSERT_TRUE(rs.isOk()) << table;
-        EXPECT_EQ(rs.value()->readOnlyReason(), QString()) << table;
-        EXPECT_TRUE(rs.value()->Edit().isOk()) << table;
-        EXPECT_TRUE(rs.value()->CancelUpdate().isOk()) << table;
-    }
-}
-
-TEST_F(FoxProSampleFilesTest, AVisualFoxProTableSaysItIsOnlyRead)
-{
-    const QString file = copy("calls.dbf");
-    copy("calls.FPT");
-    copy("calls.CDX");
-    expectRefused(QStringLiteral("calls"), file,
-                  QStringLiteral("the table is in Visual FoxPro's format, which this program "
-                                 "only reads"));
-}
-
-// FoxPro and the programs beside it trust the structural index; writing the table without
-// keeping it up to date would make their searches miss records.
-TEST_F(FoxProSampleFilesTest, AStructuralIndexNamesItsFile)
-{
-    const QString file = copy("dbase_f5.dbf");
-    copy("dbase_f5.fpt");
-    {
-        QFile dbf(file);
-        ASSERT_TRUE(dbf.open(QIODevice::ReadWrite));
-        ASSERT_TRUE(dbf.seek(28));
-        ASSERT_EQ(dbf.write(QByteArray(1, '\x01')), 1); // the header announces a .CDX
-    }
-    expectRefused(QStringLiteral("dbase_f5"), file,
-                  QStringLiteral("the table's index file is missing (dbase_f5.CDX)"));
-    copy("calls.CDX", QStringLiteral("DBASE_F5.CDX"));
-    expectRefused(QStringLiteral("dbase_f5"), file,
-                  QStringLiteral("the table has an index this program cannot keep up to date "
-                                 "(DBASE_F5.CDX)"));
-}
-
-// The table file, its memo file and the folder each refuse writes in turn; the reason names
-// the one that does.
-TEST_F(FoxProSampleFilesTest, AWriteProtectedFileOrFolderSaysSo)
-{
+    const auto announceIndex = [](const QString &dbf) {
+        QFile file(dbf);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.seek(28));
+        ASSERT_EQ(file.write(QByteArray(1, '\x01')), 1); // the header announces a .CDX
+    };
     const struct
     {
         const char *table;
-        const char *protectedFile; // "" for the folder
+        const char *companions; // files copied beside the .dbf, '|' between them
+        bool announcesIndex;
+        const char *indexFile; // a .CDX copied in under this name, or nullptr
+        const char *protectedFile; // nullptr: none
         const char *reason;
     } cases[] = {
-        { "pr90", "pr90.dbf", "the file is write-protected" },
-        { "pr90", "pr90.fpt", "the memo file is write-protected (pr90.fpt)" },
-        { "dbase_f5", "", "the folder is write-protected" },
+        { "dbase_f5", "dbase_f5.fpt", false, nullptr, nullptr, "" },
+        { "pr90", "pr90.fpt", false, nullptr, nullptr, "" },
+        { "calls", "calls.FPT|calls.CDX", false, nullptr, nullptr,
+          "the table is in Visual FoxPro's format, which this program only reads" },
+        { "dbase_f5", "dbase_f5.fpt", true, nullptr, nullptr,
+          "the table's index file is missing (dbase_f5.CDX)" },
+        { "dbase_f5", "dbase_f5.fpt", true, "DBASE_F5.CDX", nullptr,
+          "the table has an index this program cannot keep up to date (DBASE_F5.CDX)" },
+        { "pr90", "pr90.fpt", false, nullptr, "pr90.fpt",
+          "the memo file is write-protected (pr90.fpt)" },
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.reason);
-        const QString table = QString::fromLatin1(c.table);
+        ASSERT_TRUE(QDir(m_dir.path()).removeRecursively() && QDir().mkpath(m_dir.path()));
         const QString file = copy(c.table + QByteArray(".dbf"));
-        copy(c.table + QByteArray(".fpt"));
-        plx::test::WriteProtection protection(
-            *c.protectedFile ? m_dir.filePath(QString::fromLatin1(c.protectedFile)) : m_dir.path());
-        if (!protection.failure().isEmpty())
-            GTEST_SKIP() << protection.failure().toStdString();
-        expectRefused(table, file, QString::fromLatin1(c.reason));
+        for (const QString &companion : QString::fromLatin1(c.companions).split(QLatin1Char('|')))
+            copy(companion.toLatin1());
+        if (c.announcesIndex) {
+            ASSERT_NO_FATAL_FAILURE(announceIndex(file));
+        }
+        if (c.indexFile)
+            copy("calls.CDX", QString::fromLatin1(c.indexFile));
+        std::optional<test::WriteProtection> protection;
+        if (c.protectedFile) {
+            protection.emplace(m_dir.filePath(QString::fromLatin1(c.protectedFile)));
+            if (!protection->failure().isEmpty())
+                GTEST_SKIP() << protection->failure().toStdString();
+        }
+        expectReason(QString::fromLatin1(c.table), file, QString::fromLatin1(c.reason));
     }
 }
 
 } // namespace
+} // namespace plx
