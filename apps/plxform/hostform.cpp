@@ -21,6 +21,7 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -67,7 +68,7 @@ QList<Description> withKnownField(const QList<Description> &items, const QList<F
 FormDescription completedForm(FormDescription form, const QList<FieldInfo> &fields)
 {
     const QList<IndexTag> tags = form.isFoxPro() ? readIndexTags(form.file) : QList<IndexTag>();
-    if (form.rows.isEmpty() && form.checks.isEmpty()) {
+    if (form.rows.isEmpty() && form.checks.isEmpty() && form.valueRows.isEmpty()) {
         FormDescription generated =
             describeTable(fields, form.desc.isEmpty() ? form.table : form.desc, tags);
         generated.file = form.file;
@@ -155,8 +156,13 @@ mvName *makeTextRows(const QList<RowDescription> &shownRows, const QList<FieldIn
         rows->setSMode(n, r.mode);
         if (r.maxLength > 0)
             rows->setMaxLength(n, r.maxLength);
-        if (isMemo(fields, r.field))
+        if (isMemo(fields, r.field)) {
             rows->setIHeight(n, kMemoRowHeight);
+            rows->setToolTip(
+                n,
+                QCoreApplication::translate("plx::form::HostForm",
+                                            "Shift+F2 opens the text in the text editor"));
+        }
     }
     rows->setNUbound(rows->nUbound()); // the stack's height takes the last row's
     return rows;
@@ -195,10 +201,34 @@ mvChkWithTxt *makePair(const PairDescription &p, qsizetype number, const QList<F
     return pair;
 }
 
-// The navigator on top; below it the text rows, and beside them the check boxes and the
-// pairs, all in one scroll area.
-QWidget *formLayout(mvPLXRecs *nav, mvName *rows, mvChecks *checks,
-                    const QList<mvChkWithTxt *> &pairs)
+// One stack per value-item row: each row keeps its own list, and a stack has one list.
+// Their captions are as wide as the text rows' above them, so the values line up.
+QList<mvVIText *> makeValueRows(const QList<ValueRowDescription> &shown)
+{
+    QList<mvVIText *> stacks;
+    for (const ValueRowDescription &v : shown) {
+        auto *stack = new mvVIText;
+        stack->setObjectName(QStringLiteral("mvVIText%1").arg(stacks.size() + 1));
+        stack->setDescWidthAll(1500);
+        stack->setSCaption(0, v.caption);
+        stack->setSFieldName(0, v.field);
+        stack->setSVINIFile(v.listFile);
+        stack->setSVINISec(v.listSection);
+        stack->setSVINIVar(v.listKey);
+        stack->setToolTip(0,
+                          QCoreApplication::translate(
+                              "plx::form::HostForm",
+                              "Double-click to pick values from the list (while editing)"));
+        stack->setLocked(true);
+        stacks << stack;
+    }
+    return stacks;
+}
+
+// The navigator on top; below it the text rows and the value-item rows, and beside them the
+// check boxes and the pairs, all in one scroll area.
+QWidget *formLayout(mvPLXRecs *nav, mvName *rows, const QList<mvVIText *> &valueRows,
+                    mvChecks *checks, const QList<mvChkWithTxt *> &pairs)
 {
     auto *central = new QWidget;
     auto *layout = new QVBoxLayout(central);
@@ -211,7 +241,14 @@ QWidget *formLayout(mvPLXRecs *nav, mvName *rows, mvChecks *checks,
     auto *stacks = new QWidget;
     auto *side = new QHBoxLayout(stacks);
     side->setContentsMargins(0, 6, 0, 0);
-    side->addWidget(rows, 3, Qt::AlignTop);
+    // The value-item rows follow the text rows at the stack's own row spacing.
+    auto *texts = new QVBoxLayout;
+    texts->setSpacing(0);
+    texts->addWidget(rows);
+    for (mvVIText *valueRow : valueRows)
+        texts->addWidget(valueRow);
+    texts->addStretch(1);
+    side->addLayout(texts, 3);
     auto *flags = new QVBoxLayout;
     flags->addWidget(checks);
     for (mvChkWithTxt *pair : pairs)
@@ -480,7 +517,10 @@ bool HostForm::openForm(const FormDescription &form, QStringList *warnings, QStr
     QList<mvChkWithTxt *> pairs;
     for (const PairDescription &p : withKnownField(shown.pairs, fields))
         pairs << makePair(p, pairs.size() + 1, fields);
+    const QList<mvVIText *> valueRows = makeValueRows(withKnownField(shown.valueRows, fields));
     QList<BoundControl *> bound{ rows };
+    for (mvVIText *valueRow : valueRows)
+        bound << valueRow;
     if (!shownChecks.isEmpty())
         bound << checks;
     for (mvChkWithTxt *pair : pairs)
@@ -497,7 +537,7 @@ bool HostForm::openForm(const FormDescription &form, QStringList *warnings, QStr
     // The new form replaces the old one only now that it works.
     m_form = shown;
     m_db = db;
-    placeWidgets(nav.release(), rows, checks, pairs);
+    placeWidgets(nav.release(), rows, valueRows, checks, pairs);
     m_readOnlyReason = m_nav->rs()->readOnlyReason();
     m_madeIDRow = -1;
     for (qint16 n = 0; m_form.generateIDs && n <= rows->nUbound(); ++n)
@@ -521,16 +561,19 @@ bool HostForm::openForm(const FormDescription &form, QStringList *warnings, QStr
     return true;
 }
 
-void HostForm::placeWidgets(mvPLXRecs *nav, mvName *rows, mvChecks *checks,
-                            const QList<mvChkWithTxt *> &pairs)
+void HostForm::placeWidgets(mvPLXRecs *nav, mvName *rows, const QList<mvVIText *> &valueRows,
+                            mvChecks *checks, const QList<mvChkWithTxt *> &pairs)
 {
-    setCentralWidget(formLayout(nav, rows, checks, pairs));
+    setCentralWidget(formLayout(nav, rows, valueRows, checks, pairs));
     m_nav = nav;
     m_rows = rows;
     m_checks = checks;
     m_pairs.clear();
     for (mvChkWithTxt *pair : pairs)
         m_pairs << pair;
+    m_valueRows.clear();
+    for (mvVIText *valueRow : valueRows)
+        m_valueRows << valueRow;
     m_editing = false;
     connectNavigator();
     m_nav->setBRecDisplay(true);
@@ -555,6 +598,9 @@ void HostForm::showRecord()
     for (const QPointer<mvChkWithTxt> &pair : m_pairs)
         if (pair)
             pair->UpdateDBF();
+    for (const QPointer<mvVIText> &valueRow : m_valueRows)
+        if (valueRow)
+            valueRow->UpdateDBF();
 }
 
 bool HostForm::OKtoSave(qint16)

@@ -8,9 +8,11 @@
 #include "fields/mvchecks.h"
 #include "fields/mvchkwithtxt.h"
 #include "fields/mvname.h"
+#include "fields/mvvitext.h"
 #include "navigator/mvplxrecs.h"
 #include "services/env.h"
 
+#include <QHash>
 #include <QMainWindow>
 #include <QPointer>
 
@@ -45,6 +47,8 @@ public:
     mvName *textRows() const { return m_rows; }
     mvChecks *checkRows() const { return m_checks; }
     QList<QPointer<mvChkWithTxt>> pairs() const { return m_pairs; }
+    // The value-item rows, one stack each, in the description's order.
+    QList<QPointer<mvVIText>> valueRows() const { return m_valueRows; }
     QString statusText() const;
     // Why the table cannot be written ("" when it can), as its engine says.
     QString readOnlyReason() const { return m_readOnlyReason; }
@@ -65,6 +69,19 @@ public:
     void askForCodePage();
     // The code page remembered for a DOS table file (0: none).
     int rememberedCodePage(const QString &tableFile) const;
+
+    // The File menu's Print and Print Preview: the record as shown, each row's caption and
+    // value on a line of its own (check boxes Yes or No), under a header naming the record,
+    // printed by the text editor's printing.
+    QString printHeader() const;
+    QString printText() const;
+    void printRecord();
+    void previewRecord();
+    // The same printout written to a PDF file; false when it could not be written.
+    bool printRecordToPdf(const QString &path) const;
+    // The File menu's Browse Columns: the user picks and orders the browse grid's columns
+    // in the list dialog; kept as the grid's layout in the user's settings.
+    void chooseBrowseColumns();
 
     // Called by the navigator before it saves: a record without its required fields is
     // refused, and the user is told which.
@@ -88,8 +105,8 @@ private:
                          QString *error) const;
     bool openSqliteTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
                          QString *error);
-    void placeWidgets(mvPLXRecs *nav, mvName *rows, mvChecks *checks,
-                      const QList<mvChkWithTxt *> &pairs);
+    void placeWidgets(mvPLXRecs *nav, mvName *rows, const QList<mvVIText *> &valueRows,
+                      mvChecks *checks, const QList<mvChkWithTxt *> &pairs);
     void configureNavigator(mvPLXRecs &nav, const FormDescription &form);
     void connectNavigator();
     void buildMenus();
@@ -113,6 +130,8 @@ private:
     void rememberRecent(const QString &path);
     void fillRecentMenu();
     QString userSettings() const;
+    // The form's caption of each field it shows, by upper-case field name.
+    QHash<QString, QString> captionsByField() const;
 
     Services *m_services;
     FormDescription m_form;
@@ -121,6 +140,7 @@ private:
     QPointer<mvName> m_rows;
     QPointer<mvChecks> m_checks;
     QList<QPointer<mvChkWithTxt>> m_pairs;
+    QList<QPointer<mvVIText>> m_valueRows;
     QLabel *m_statusTable = nullptr;
     QLabel *m_statusPosition = nullptr;
     QLabel *m_statusUser = nullptr;

@@ -1,9 +1,12 @@
 // apps/plxform/hostform_commands.cpp: the form's menus and what they do beyond the
 // navigator's own buttons: moving to the first, last or a numbered record, the code page of
-// a DOS table, and the question before a form with a record in edit closes.
+// a DOS table, the browse grid's columns, and the question before a form with a record in
+// edit closes.
 #include "apps/plxform/hostform.h"
 
 #include "apps/plxform/indextags.h"
+#include "dialogs/gridlayout.h"
+#include "dialogs/listselect.h"
 #include "services/ini.h"
 #include "services/prompter.h"
 
@@ -23,8 +26,26 @@ namespace plx::form {
 namespace {
 
 const QString kCodePageSection = QStringLiteral("CODEPAGE");
+const QString kConfigSection = QStringLiteral("CONFIG");
 const QString kCrLf = QStringLiteral("\r\n");
 constexpr int kYesNoCancel = 3;
+
+// The grid's columns once the user chose `fields`, in that order: a column kept keeps its
+// title and width; a new one is titled with the form's caption for its field (else the
+// field's name) and fitted to the field.
+GridLayout chosenColumns(const GridLayout &current, const QStringList &fields,
+                         const QHash<QString, QString> &captions)
+{
+    QList<GridColumnEntry> columns;
+    for (const QString &field : fields) {
+        GridColumnEntry column{ field, captions.value(field.toUpper(), field), 0 };
+        for (const GridColumnEntry &kept : current.columns())
+            if (kept.field.compare(field, Qt::CaseInsensitive) == 0)
+                column = { field, kept.title, kept.widthTwips };
+        columns << column;
+    }
+    return GridLayout(columns);
+}
 
 } // namespace
 
@@ -70,6 +91,13 @@ void HostForm::buildFileMenu()
     m_codePageAction = file->addAction(tr("Code &Page..."), this, &HostForm::askForCodePage);
     m_codePageAction->setObjectName(QStringLiteral("mnuCodePage"));
     m_codePageAction->setEnabled(false);
+    file->addAction(tr("Browse &Columns..."), this, &HostForm::chooseBrowseColumns)
+        ->setObjectName(QStringLiteral("mnuBrowseColumns"));
+    file->addSeparator();
+    file->addAction(tr("&Print..."), QKeySequence::Print, this, &HostForm::printRecord)
+        ->setObjectName(QStringLiteral("mnuPrint"));
+    file->addAction(tr("Print Pre&view..."), this, &HostForm::previewRecord)
+        ->setObjectName(QStringLiteral("mnuPrintPreview"));
     file->addSeparator();
     file->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
 }
@@ -235,6 +263,50 @@ void HostForm::askForCodePage()
     QString error;
     if (!openForm(again, &warnings, &error))
         prompterOf(m_services).msgBox(error, MsgStyle::Critical, title);
+}
+
+void HostForm::chooseBrowseColumns()
+{
+    if (!m_nav || !m_nav->rs())
+        return;
+    // The key the navigator's grid reads its columns from (docs/browsegrid.md).
+    const QString key = QStringLiteral("BrowseGridCol ") + m_nav->sDesc();
+    QString value;
+    readINI(kConfigSection, key, userSettings(), value, QString());
+    const GridLayout current = GridLayout::parse(value);
+    QStringList fields;
+    for (const FieldInfo &f : m_nav->rs()->fieldInfos())
+        fields << f.name;
+    QStringList shown;
+    for (const GridColumnEntry &column : current.columns())
+        for (const QString &field : fields)
+            if (field.compare(column.field, Qt::CaseInsensitive) == 0)
+                shown << field;
+    ListSelectDialog pick(this);
+    pick.setWindowTitle(tr("Browse Columns"));
+    // No layout yet: the grid shows every field, so every field starts out chosen.
+    pick.setItems(fields, shown.isEmpty() ? fields : shown);
+    if (pick.exec() != QDialog::Accepted)
+        return;
+    writeINI(kConfigSection, key, userSettings(),
+             chosenColumns(current, pick.chosenItems(), captionsByField()).toString());
+}
+
+QHash<QString, QString> HostForm::captionsByField() const
+{
+    QHash<QString, QString> captions;
+    for (const RowDescription &r : m_form.rows)
+        captions.insert(r.field.toUpper(), r.caption);
+    for (const ValueRowDescription &v : m_form.valueRows)
+        captions.insert(v.field.toUpper(), v.caption);
+    for (const CheckDescription &c : m_form.checks)
+        captions.insert(c.field.toUpper(), c.caption);
+    for (const PairDescription &p : m_form.pairs) {
+        captions.insert(p.field.toUpper(), p.caption);
+        for (const auto &[caption, field] : p.details)
+            captions.insert(field.toUpper(), caption);
+    }
+    return captions;
 }
 
 bool HostForm::askToEndEdit()

@@ -31,7 +31,26 @@ QList<FieldInfo> sampleFields()
         { QStringLiteral("NOTES"), FieldType::Memo, 10, 0 },
         { QStringLiteral("PLSTART"), FieldType::Text, 30, 0 },
         { QStringLiteral("PLLASTREV"), FieldType::Text, 30, 0 },
+        { QStringLiteral("PROGRAMS"), FieldType::Text, 30, 0 },
     };
+}
+
+// The care programs a facility runs: a value-item field, its values picked from the list
+// the sample keeps in VALUELISTS.INI.
+const char *const kProgramList = "SNF {Skilled nursing}|REHAB {Rehabilitation}|MC {Memory care}|"
+                                 "AL {Assisted living}|HOSP {Hospice}";
+
+// A few programs per record, taken from the record number alone, so the other fields come
+// out as they did before facilities had programs.
+QString programsOf(int record)
+{
+    static const char *const programs[] = { "SNF", "REHAB", "MC", "AL", "HOSP" };
+    const quint32 mixed = quint32(record + 1) * 2654435761U; // Knuth's multiplicative hash
+    QStringList chosen;
+    for (int p = 0; p < 5; ++p)
+        if ((mixed >> (8 + 5 * p) & 3U) == 0)
+            chosen << QString::fromLatin1(programs[p]);
+    return chosen.join(QLatin1Char(','));
 }
 
 // Deterministic records that look like a care-facility register.
@@ -81,7 +100,7 @@ QList<QVariantList> sampleRows()
                       medicare,
                       medicare ? QVariant(QString::number(100000 + below(900000))) : QVariant(),
                       below(3) == 0 ? QVariant(QString::fromLatin1(notes[below(4)])) : QVariant(),
-                      stamp, stamp });
+                      stamp, stamp, programsOf(i) });
     }
     return rows;
 }
@@ -187,6 +206,13 @@ void writeFormFile(const QString &path, const QString &table)
     writeINI(QStringLiteral("PAIR1"), QStringLiteral("Field"), path, QStringLiteral("MEDICARE"));
     writeINI(QStringLiteral("PAIR1"), QStringLiteral("Details"), path,
              QStringLiteral("Provider no.:MEDNUM"));
+    // The programs, picked from the list kept beside the description.
+    const QString values = QStringLiteral("VALUES1");
+    writeINI(values, QStringLiteral("Caption"), path, QStringLiteral("Programs"));
+    writeINI(values, QStringLiteral("Field"), path, QStringLiteral("PROGRAMS"));
+    writeINI(values, QStringLiteral("ListFile"), path, kSampleListFile);
+    writeINI(values, QStringLiteral("ListSection"), path, kSampleListSection);
+    writeINI(values, QStringLiteral("ListKey"), path, kSampleListKey);
 }
 
 } // namespace
@@ -198,8 +224,10 @@ Result<SamplePaths> ensureSample(const QString &directory)
     paths.foxProTable = root + QStringLiteral("/foxpro/FACILITY.DBF");
     paths.sqliteFile = root + QStringLiteral("/facility.sqlite");
     paths.formFile = root + QStringLiteral("/facility.ini");
+    paths.listFile = root + QLatin1Char('/') + kSampleListFile;
+    // A sample made before it had a list is made again, programs and all.
     if (QFile::exists(paths.foxProTable) && QFile::exists(paths.sqliteFile)
-        && QFile::exists(paths.formFile))
+        && QFile::exists(paths.formFile) && QFile::exists(paths.listFile))
         return paths;
 
     const QList<QVariantList> rows = sampleRows();
@@ -218,6 +246,8 @@ Result<SamplePaths> ensureSample(const QString &directory)
     writeFilters(partial + QStringLiteral("/foxpro"));
     writeFilters(partial);
     writeFormFile(partial + QStringLiteral("/facility.ini"), paths.foxProTable);
+    writeINI(kSampleListSection, kSampleListKey, partial + QLatin1Char('/') + kSampleListFile,
+             QString::fromLatin1(kProgramList));
     QDir(root).removeRecursively();
     if (!QDir().rename(partial, root))
         return Status(Status::Code::IoError,

@@ -172,6 +172,7 @@ const QList<FieldShape> &sampleFieldShapes()
         { QStringLiteral("NOTES"), FieldKind::Memo, 10 },
         { QStringLiteral("PLSTART"), FieldKind::Text, 30 },
         { QStringLiteral("PLLASTREV"), FieldKind::Text, 30 },
+        { QStringLiteral("PROGRAMS"), FieldKind::Text, 30 },
     };
     return fields;
 }
