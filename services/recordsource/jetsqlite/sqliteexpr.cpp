@@ -29,12 +29,7 @@ void unmappedOperator(Op op)
 
 namespace {
 
-QString quoteText(const QString &text)
-{
-    QString q = text;
-    q.replace(QLatin1Char('\''), QStringLiteral("''"));
-    return QLatin1Char('\'') + q + QLatin1Char('\'');
-}
+using detail::quoteText;
 
 QString literal(const QVariant &v)
 {

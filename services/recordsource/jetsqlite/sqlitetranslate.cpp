@@ -133,14 +133,14 @@ Result<TranslatedSelect> translateSelect(const SelectStatement &stmt, const Tabl
         return s;
     std::vector<QString> joinConditions;
     for (const Join &j : stmt.joins) {
-        Result<QString> on = tr.expr(*j.on);
+        Result<QString> on = tr.condition(*j.on);
         if (!on.isOk())
             return on.status();
         joinConditions.push_back(on.value());
     }
     out.fromClause = fromText(stmt, tr.sources(), joinConditions);
     if (stmt.where) {
-        Result<QString> w = tr.expr(*stmt.where);
+        Result<QString> w = tr.condition(*stmt.where);
         if (!w.isOk())
             return w.status();
         out.whereClause = w.value();
@@ -184,7 +184,7 @@ Result<QString> translateCriterion(const QString &jetCriterion, const Translated
         sources.push_back(Source{ select.sourceAliases.at(i), t ? *t : select.sourceTables.at(i) });
     }
     Translator tr(std::move(sources), compare);
-    return tr.expr(*tree.value());
+    return tr.condition(*tree.value());
 }
 
 } // namespace plx::jet

@@ -19,6 +19,18 @@ inline QString quoteName(const QString &name)
     return QLatin1Char('"') + q + QLatin1Char('"');
 }
 
+// 'text' with inner quotes doubled: a SQLite text literal, whatever the text holds.
+inline QString quoteText(const QString &text)
+{
+    QString q = text;
+    q.replace(QLatin1Char('\''), QStringLiteral("''"));
+    return QLatin1Char('\'') + q + QLatin1Char('\'');
+}
+
+// True when a subtree has no field and no clock function: its value is the same for every
+// row, and the translation writes it as one literal.
+bool isConstant(const Node &root);
+
 struct Source
 {
     QString alias; // as written (or the table name)
@@ -34,6 +46,9 @@ public:
     }
 
     Result<QString> expr(const Node &node);
+    // A condition whose value only decides whether a row is taken (WHERE, ON, a FindFirst
+    // criterion): see sqlitecondition.cpp.
+    Result<QString> condition(const Node &node);
     Result<QString> column(const Node &node, QString *outputName = nullptr);
     QString collate() const
     {
@@ -50,6 +65,10 @@ private:
     Result<QString> args(const Node &node, size_t from, QString *out);
     Result<QString> call(const Node &node);
     std::optional<QString> upperPrefixLike(const Node &node);
+    Result<QString> conditionAt(const Node &node);
+    Result<QString> comparisonCondition(const Node &node);
+    Result<QString> runCondition(const Node &top);
+    std::optional<QString> prefixRange(const Node &like);
     const Source *findSource(const QString &name) const;
     static Status unknown(const Node &node, const QString &what)
     {

@@ -120,6 +120,9 @@ SqliteRecordSource::open(std::shared_ptr<Connection> connection, const jet::Sele
     std::unique_ptr<SqliteRecordSource> source(new SqliteRecordSource(std::move(connection)));
     source->m_select = std::move(translated).value();
     source->m_plainShape = hasPlainShape(source->m_select);
+    // Taken before the records are read: a write in between is seen as a change.
+    if (const Result<qint64> version = source->dataVersion(); version.isOk())
+        source->m_dataVersion = version.value();
     Status s = source->describeColumns();
     if (s.isOk())
         s = isRowPerBaseRow(source->m_select) ? source->loadKeyset() : source->loadHeldRows();
@@ -163,8 +166,12 @@ Status SqliteRecordSource::loadKeyset()
         QStringLiteral("SELECT %1.rowid %2").arg(m_select.baseAlias, m_select.fromClause);
     if (!m_select.whereClause.isEmpty())
         keySql += QStringLiteral(" WHERE ") + m_select.whereClause;
+    // Ties in rowid order, as a sort of the table's rows gives them and an index (which holds
+    // the rowid as its last key) reads them: the same order with or without an index, in
+    // either direction.
     if (!m_select.orderClause.isEmpty())
-        keySql += QStringLiteral(" ORDER BY ") + m_select.orderClause;
+        keySql +=
+            QStringLiteral(" ORDER BY %1, %2.rowid").arg(m_select.orderClause, m_select.baseAlias);
     Result<Statement> keys = m_conn->prepare(keySql);
     Result<Statement> row =
         m_conn->prepare(QStringLiteral("SELECT %1 %2 WHERE %3.rowid = ?1")

@@ -1,8 +1,9 @@
 // services/recordsource/tablegen/sqlitewriter.cpp: the benchmark table written to SQLite.
 #include "services/recordsource/tablegen/sqlitewriter.h"
 
-#include "services/recordsource/tablegen/benchtable.h"
+#include "services/recordsource/jetsqlite/internal/sqlitetranslate.h"
 #include "services/recordsource/sqlite/internal/sqlitevalues.h"
+#include "services/recordsource/tablegen/benchtable.h"
 
 #include <sqlite3.h>
 
@@ -67,6 +68,11 @@ Status writeSqliteBenchTable(const QString &path, const QString &table, qint64 r
 {
     Db db;
     Status s = db.open(path);
+    // The indexes are kept in the dialect's own text order (JETNOCASE), the one the
+    // translated criteria and ORDER BY compare in: an index in another collation (SQLite's
+    // NOCASE) would serve none of them.
+    if (s.isOk())
+        s = jet::registerJetFunctions(db.handle());
     QStringList columns;
     for (const FieldInfo &f : benchTableFields())
         columns << QStringLiteral("\"%1\" %2").arg(f.name, sqlite::declaredTypeFor(f));
@@ -88,10 +94,10 @@ Status writeSqliteBenchTable(const QString &path, const QString &table, qint64 r
         s = db.exec(QStringLiteral("COMMIT"));
     if (s.isOk())
         s = db.exec(
-            QStringLiteral("CREATE INDEX \"%1_ID\" ON \"%1\" (ID COLLATE NOCASE)").arg(table));
+            QStringLiteral("CREATE INDEX \"%1_ID\" ON \"%1\" (ID COLLATE JETNOCASE)").arg(table));
     if (s.isOk())
         s = db.exec(QStringLiteral("CREATE INDEX \"%1_NAME_CITY\" ON \"%1\" "
-                                   "(NAME COLLATE NOCASE, CITY COLLATE NOCASE)")
+                                   "(NAME COLLATE JETNOCASE, CITY COLLATE JETNOCASE)")
                         .arg(table));
     if (s.isOk())
         s = db.exec(QStringLiteral("PRAGMA journal_mode=WAL"));
