@@ -66,6 +66,7 @@ class mvPLXRecs : public QWidget
     Q_PROPERTY(bool bGenerateIDs READ bGenerateIDs WRITE setBGenerateIDs)
     Q_PROPERTY(qint32 lDelayMS READ lDelayMS WRITE setLDelayMS)
     Q_PROPERTY(qint32 lListIndex READ lListIndex WRITE setLListIndex)
+    Q_PROPERTY(qint32 lWatchMS READ lWatchMS WRITE setLWatchMS)
 
 public:
     explicit mvPLXRecs(QWidget *parent = nullptr);
@@ -188,6 +189,14 @@ public:
     // true they are enabled unless a record is in edit (SAVE enabled).
     bool bRecDisplay() const;
     void setBRecDisplay(bool display);
+    // How often, in milliseconds, the navigator asks its record source whether another
+    // user added, changed or deleted records (where the back end can tell: see
+    // services/recordsource/tablechanges.h). When one did, and the user is not editing,
+    // finding or answering a box, the records are read again, the current record stays
+    // current (the first when it is gone) and IDChange tells the host ("ChangedByOthers").
+    // 0, the default, asks never; a negative value counts as 0.
+    qint32 lWatchMS() const;
+    void setLWatchMS(qint32 ms);
 
     // No longer supported: every access says so in a box and changes nothing (reading
     // gives 0).

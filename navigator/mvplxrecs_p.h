@@ -26,6 +26,7 @@ class QKeyEvent;
 class QLabel;
 class QPushButton;
 class QScrollBar;
+class QTimer;
 class QToolBar;
 
 namespace plx {
@@ -96,6 +97,11 @@ public:
     QString initControl();
     bool beginLongWork(const QString &text);
     void endLongWork() const;
+
+    // --- Others' changes (mvplxrecs_watch.cpp) -----------------------------------------
+    // Starts or stops asking the record source whether others changed its table.
+    void watchChanges();
+    void changeWatchTick();
 
     // --- Toolbar buttons (mvplxrecs_buttons.cpp) ---------------------------------------
     QAction *findButton(const QString &caption, bool report) const;
@@ -212,6 +218,8 @@ public:
     QGroupBox *fraControls = nullptr;
     QToolBar *tbrBtm = nullptr;
     FloatingMessage *floating = nullptr;
+    QTimer *changeWatch = nullptr; // made when first needed
+    qint32 watchMs = 0; // lWatchMS; 0: others' changes are not asked about
 };
 
 template<typename Work>

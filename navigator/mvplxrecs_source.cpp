@@ -49,6 +49,7 @@ void mvPLXRecsPrivate::setRs(std::shared_ptr<RecordSource> source)
     rs = std::move(source);
     // Records freshly read stand in their order, whatever NEW and COPY appended before.
     commands.orderRestored();
+    watchChanges();
     if (!rs) {
         setButtonEnabled(QStringLiteral("EDIT"), false);
         setButtonEnabled(QStringLiteral("COPY"), false);

@@ -7,7 +7,9 @@
 #include "services/texthelpers.h"
 #include "tests/support/testchild.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -183,6 +185,49 @@ TEST(SaveKilled, AtEveryWriteLeavesDataAndStampTogether)
     }
     EXPECT_GE(kills, 1) << "every write of the save is a kill point";
     qunsetenv("PLX_HARROWBY_DIR");
+}
+
+// Another user's new record reaches the count while the navigator rests, and only then: an
+// edit in progress keeps its record source until it ends.
+TEST_P(TwoUsers, AnotherUsersRecordIsReadOnceTheEditEnds)
+{
+    configure();
+    openTable();
+    nav->setLWatchMS(10);
+    const qint32 before = nav->rs()->RecordCount();
+    const auto waitForRefresh = [&](int ms) {
+        QElapsedTimer waited;
+        waited.start();
+        while (waited.elapsed() < ms) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+            for (const SeenEvent &e : events->events())
+                if (e.eventInfo == QLatin1String("ChangedByOthers"))
+                    return true;
+        }
+        return false;
+    };
+    nav->ClickButton(QStringLiteral("EDIT"));
+    events->clear();
+    ASSERT_TRUE(tableRecords->AddNew().isOk());
+    ASSERT_TRUE(tableRecords->setValue(QStringLiteral("ID"), QStringLiteral("PLE0000011")).isOk());
+    ASSERT_TRUE(tableRecords->setValue(QStringLiteral("NAME"), QStringLiteral("AARDVARK")).isOk());
+    ASSERT_TRUE(tableRecords->Update().isOk());
+    EXPECT_FALSE(waitForRefresh(300));
+    EXPECT_EQ(nav->rs()->RecordCount(), before);
+
+    nav->ClickButton(QStringLiteral("CANCEL"));
+    events->clear();
+    ASSERT_TRUE(waitForRefresh(3000));
+    EXPECT_EQ(events->texts().size(), 1) << events->texts().join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(events->events().first().name, QStringLiteral("IDChange"));
+    EXPECT_EQ(events->events().first().argument, QStringLiteral("PLE0000006"));
+    EXPECT_TRUE(events->events().first().initiator);
+    EXPECT_EQ(nav->rs()->RecordCount(), before + 1);
+    EXPECT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000006"));
+
+    // A change is read once: the navigator rests without reading again.
+    events->clear();
+    EXPECT_FALSE(waitForRefresh(200));
 }
 
 INSTANTIATE_TEST_SUITE_P(BackEnds, TwoUsers, ::testing::Values("SQLite", "FoxPro"), backEndName);

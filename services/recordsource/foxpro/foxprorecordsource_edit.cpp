@@ -160,6 +160,7 @@ Status FoxProRecordSource::Update()
             return added.status();
         // The new record joins the end of this source; the former record stays current.
         m_keys.push_back(added.value());
+        noteOwnWrite();
         endEdit();
         return Status::ok();
     }
@@ -167,6 +168,7 @@ Status FoxProRecordSource::Update()
         Status s = m_table->writeRecord(m_editRecno, m_buffer);
         if (!s.isOk())
             return s; // the edit stays open, so the user can correct the value
+        noteOwnWrite();
         endEdit();
         return Status::ok();
     }
@@ -199,6 +201,7 @@ Status FoxProRecordSource::Delete()
         return s;
     m_keys.erase(m_keys.begin() + m_pos);
     m_onDeleted = true;
+    noteOwnWrite();
     return Status::ok();
 }
 

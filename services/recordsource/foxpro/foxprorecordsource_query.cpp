@@ -258,6 +258,9 @@ Status FoxProRecordSource::build(const jet::SelectStatement &stmt)
     }
     const DbfTable &table = *m_table;
     const Result<DbfChangeStamp> stamp = table.changeStamp();
+    // Taken before the records are read: a write in between is seen as a change.
+    if (stamp.isOk())
+        m_seenStamp = stamp.value();
     const bool keep = !stmt.where && stamp.isOk() && stamp->settled;
     std::vector<std::optional<KeyRanks>> byteKeys(stmt.orderBy.size());
     std::vector<ScanRanking> rankings;

@@ -105,12 +105,8 @@ Result<std::shared_ptr<Connection>> Connection::open(const QString &conninfo, bo
     std::shared_ptr<Connection> connection(new Connection(conn, readOnly));
     if (Status s = installSchema(*connection); !s.isOk())
         return s;
-    if (readOnly) {
-        if (Status s = connection->run(
-                QStringLiteral("SET SESSION CHARACTERISTICS AS TRANSACTION READ ONLY"));
-            !s.isOk())
-            return s;
-    }
+    if (Status s = connection->restoreSession(); !s.isOk())
+        return s;
     return connection;
 }
 
@@ -147,6 +143,8 @@ Result<PgResult> Connection::exec(const QString &sql, const QList<PgParam> &para
         // that a restarted server serves the next one.
         const Status lost = connectionError(QStringLiteral("cannot run %1").arg(sql.left(200)));
         PQreset(m_conn);
+        if (PQstatus(m_conn) == CONNECTION_OK)
+            restoreSession();
         return lost;
     }
     const QByteArray state(PQresultErrorField(result.get(), PG_DIAG_SQLSTATE));
@@ -233,6 +231,33 @@ QString quoteText(const QString &text)
     QString q = text;
     q.replace(QLatin1Char('\''), QStringLiteral("''"));
     return QLatin1Char('\'') + q + QLatin1Char('\'');
+}
+
+Status Connection::restoreSession() const
+{
+    // Without the subscription a source only misses others' changes; it still works.
+    PQclear(PQexec(m_conn, "LISTEN plx_changes"));
+    PQsetClientEncoding(m_conn, "UTF8");
+    if (!m_readOnly)
+        return Status::ok();
+    // Straight through libpq: exec would reconnect and come back here on a lost server.
+    PgResult set(PQexec(m_conn, "SET SESSION CHARACTERISTICS AS TRANSACTION READ ONLY"));
+    if (PQresultStatus(set.get()) != PGRES_COMMAND_OK)
+        return connectionError(QStringLiteral("cannot open the session read-only"));
+    return Status::ok();
+}
+
+quint64 Connection::changesHeardOf(const QString &table) const
+{
+    if (PQconsumeInput(m_conn) == 1) {
+        const int self = PQbackendPID(m_conn);
+        while (PGnotify *notice = PQnotifies(m_conn)) {
+            if (notice->be_pid != self)
+                ++m_heard[QString::fromUtf8(notice->extra).toLower()];
+            PQfreemem(notice);
+        }
+    }
+    return m_heard.value(table.toLower());
 }
 
 } // namespace plx::postgres

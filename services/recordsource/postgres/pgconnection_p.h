@@ -105,14 +105,23 @@ public:
     Status connectionError(const QString &what) const;
     pg_conn *get() const { return m_conn; }
 
+    // How many writes by other sessions to `table` this connection has heard of so far (the
+    // NOTIFY the engine's trigger sends after every writing statement). Reads only what has
+    // already arrived: no round trip, never waits.
+    quint64 changesHeardOf(const QString &table) const;
+
 private:
     Connection(pg_conn *conn, bool readOnly) : m_conn(conn), m_readOnly(readOnly) { }
     static QString lockName(const QString &table, qint64 key);
+    // What a session of this connection needs beyond the server's defaults, at the first
+    // connect and again after a reconnect: the change notices, UTF-8, read-only when asked.
+    Status restoreSession() const;
 
     pg_conn *m_conn;
     bool m_readOnly;
     mutable QHash<QString, PgTable> m_tables; // by lower-case name
     QSet<QString> m_held;
+    mutable QHash<QString, quint64> m_heard; // notices by lower-case table name
 };
 
 // "name" with inner quotes doubled: a PostgreSQL identifier, whatever the name holds.

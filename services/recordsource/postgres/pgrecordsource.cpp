@@ -86,6 +86,8 @@ Result<std::unique_ptr<RecordSource>> PgRecordSource::open(std::shared_ptr<Conne
         return select.status();
     std::unique_ptr<PgRecordSource> source(new PgRecordSource(std::move(connection)));
     source->m_select = std::move(select).value();
+    // Counted before the records are read: a write in between is seen as a change.
+    source->m_heardChanges = source->m_conn->changesHeardOf(source->baseTable());
     Status s = source->m_select.keyed ? source->loadKeys() : source->loadHeldRows();
     if (!s.isOk())
         return s;
@@ -244,6 +246,17 @@ void PgRecordSource::Close()
     forgetRows();
     m_closed = true;
     m_conn.reset();
+}
+
+bool PgRecordSource::changedElsewhere()
+{
+    if (m_closed)
+        return false;
+    const quint64 heard = m_conn->changesHeardOf(baseTable());
+    if (heard == m_heardChanges)
+        return false;
+    m_heardChanges = heard;
+    return true;
 }
 
 } // namespace plx::postgres

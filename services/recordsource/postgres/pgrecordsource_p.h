@@ -16,6 +16,7 @@
 #include "services/recordsource/jet/internal/ast.h"
 #include "services/recordsource/postgres/pgrecordlock_p.h"
 #include "services/recordsource/postgres/pgtranslate_p.h"
+#include "services/recordsource/tablechanges.h"
 
 #include <QHash>
 
@@ -23,7 +24,7 @@
 
 namespace plx::postgres {
 
-class PgRecordSource final : public PositionedRecordSource
+class PgRecordSource final : public PositionedRecordSource, public TableChanges
 {
 public:
     static Result<std::unique_ptr<RecordSource>> open(std::shared_ptr<Connection> connection,
@@ -42,6 +43,11 @@ public:
     Status CancelUpdate() override;
     Status Delete() override;
     void Close() override;
+
+    // By the notices the engine's trigger sends after every statement that writes the
+    // source's first table, from sessions other than this source's connection. A table made
+    // elsewhere without the trigger never reports a change.
+    bool changedElsewhere() override;
 
 protected:
     qint64 size() const override;
@@ -74,6 +80,7 @@ private:
     QVariantList m_buffer;
     QList<bool> m_dirty;
     RecordLock m_lock;
+    quint64 m_heardChanges = 0; // the connection's count of notices when last read or asked
 };
 
 } // namespace plx::postgres

@@ -4,9 +4,11 @@
 // test.
 #include "services/texthelpers.h"
 #include "services/recordsource/keptorder.h"
+#include "services/recordsource/tablechanges.h"
 #include "services/recordsource/tests/contractfixture.h"
 
 #include <QDate>
+#include <QThread>
 
 namespace plx::testing {
 namespace {
@@ -226,6 +228,46 @@ TEST_P(RecordSourceContractTest, ARecordThatLeftTheFilterIsNotPlaced)
     ASSERT_TRUE(rs->Update().isOk());
     EXPECT_FALSE(kept->placeCurrentInOrder());
     EXPECT_EQ(textOf(*rs, QStringLiteral("ID")), QStringLiteral("PLE0000004"));
+}
+
+// Others' writes are told once each, so that a navigator reads its records again; its own
+// writes never are, or every SAVE would read a million records twice.
+TEST_P(RecordSourceContractTest, WritesByAnotherConnectionAreToldOnceAndOwnWritesNever)
+{
+    auto rs = open(QStringLiteral("T"));
+    ASSERT_TRUE(rs);
+    auto *changes = dynamic_cast<TableChanges *>(rs.get());
+    if (!changes)
+        GTEST_SKIP() << "this back end cannot tell when others wrote";
+    // A notice travels through the server: wait for it a little, never for ever.
+    const auto told = [&](int tries = 100) {
+        for (; tries > 0; --tries) {
+            if (changes->changedElsewhere())
+                return true;
+            QThread::msleep(20);
+        }
+        return false;
+    };
+    EXPECT_FALSE(changes->changedElsewhere());
+    goToId(*rs, QStringLiteral("PLE0000004"));
+    ASSERT_TRUE(rs->Edit().isOk());
+    ASSERT_TRUE(rs->setValue(QStringLiteral("CITY"), QStringLiteral("Lincoln")).isOk());
+    ASSERT_TRUE(rs->Update().isOk());
+    EXPECT_FALSE(told(10));
+
+    auto db2 = openAgain();
+    ASSERT_TRUE(db2);
+    auto other = open(*db2, QStringLiteral("T"));
+    ASSERT_TRUE(other);
+    EXPECT_FALSE(changes->changedElsewhere()) << "opening and reading is no change";
+    goToId(*other, QStringLiteral("PLE0000001"));
+    ASSERT_TRUE(other->Edit().isOk());
+    ASSERT_TRUE(other->setValue(QStringLiteral("CITY"), QStringLiteral("Omaha")).isOk());
+    ASSERT_TRUE(other->Update().isOk());
+    EXPECT_TRUE(told());
+    EXPECT_FALSE(changes->changedElsewhere()) << "a change is told once";
+    ASSERT_TRUE(other->Delete().isOk());
+    EXPECT_TRUE(told());
 }
 
 } // namespace

@@ -27,6 +27,7 @@
 #include "services/recordsource/internal/positionedrecordsource.h"
 #include "services/recordsource/jet/internal/ast.h"
 #include "services/recordsource/keptorder.h"
+#include "services/recordsource/tablechanges.h"
 #include "services/recordsource/textcompare.h"
 
 #include <functional>
@@ -41,7 +42,9 @@ using TablePaths = std::function<QString(const QString &table)>;
 
 struct ScanRanking;
 
-class FoxProRecordSource final : public PositionedRecordSource, public KeptOrder
+class FoxProRecordSource final : public PositionedRecordSource,
+                                 public KeptOrder,
+                                 public TableChanges
 {
 public:
     // A SELECT * on one table with WHERE and ORDER BY, as the database parsed it from `text`
@@ -73,6 +76,10 @@ public:
     // By the statement's ORDER BY, each key compared as the sort ranks it, ties in record
     // order; the WHERE is tested on the record alone.
     bool placeCurrentInOrder() override;
+
+    // By the table file's change stamp (its size, times and record count): a write by any
+    // other process or table object counts, this source's own writes do not.
+    bool changedElsewhere() override;
 
     // Bytes held for the keyset (for the memory benchmark).
     size_t keysetBytes() const { return m_keys.capacity() * sizeof(quint32); }
@@ -117,6 +124,8 @@ private:
     // The order of records `a` and `b` by the ORDER BY keys alone: below, at or above 0.
     Result<int> compareByOrder(quint32 a, quint32 b) const;
     Result<bool> satisfiesWhere(quint32 recno) const;
+    // This source wrote to the table: its own write is no change by others.
+    void noteOwnWrite();
 
     std::unique_ptr<DbfTable> m_table;
     TextCompare m_collate = TextCompare::Binary;
@@ -126,6 +135,7 @@ private:
     bool m_recnoOrder = true; // no ORDER BY: m_keys ascend
     jet::NodePtr m_where; // bound; null without WHERE
     std::vector<jet::OrderItem> m_order; // bound
+    std::optional<DbfChangeStamp> m_seenStamp; // the table as last read or asked
 
     QString m_readOnlyReason; // decided at open; empty when writable
 

@@ -14,6 +14,7 @@
 
 #include "services/recordsource/internal/positionedrecordsource.h"
 #include "services/recordsource/keptorder.h"
+#include "services/recordsource/tablechanges.h"
 #include "services/recordsource/sqlite/internal/keyset.h"
 #include "services/recordsource/sqlite/internal/recordlock.h"
 #include "services/recordsource/sqlite/internal/sqliteconnection.h"
@@ -22,7 +23,9 @@
 
 namespace plx::sqlite {
 
-class SqliteRecordSource final : public PositionedRecordSource, public KeptOrder
+class SqliteRecordSource final : public PositionedRecordSource,
+                                 public KeptOrder,
+                                 public TableChanges
 {
 public:
     // Opens a record source on a table name or a Jet SELECT. NotFound for an unknown
@@ -54,6 +57,10 @@ public:
     // about twenty probes of two records each.
     bool placeCurrentInOrder() override;
 
+    // By the file's data version: a commit by any other connection to the file, to any of
+    // its tables, counts (SQLite keeps no version per table).
+    bool changedElsewhere() override;
+
     // Bytes held for the keyset (for the memory benchmark).
     size_t keysetBytes() const { return m_keys.bytes(); }
 
@@ -78,6 +85,7 @@ private:
     QString quotedBase() const;
     Result<bool> satisfiesWhere(qint64 key) const;
     Result<qint64> placeAmongOthers(qint64 key) const;
+    Result<qint64> dataVersion() const;
 
     std::shared_ptr<Connection> m_conn;
     jet::TranslatedSelect m_select;
@@ -99,6 +107,7 @@ private:
     QVariantList m_buffer;
     QList<bool> m_dirty;
     RecordLock m_lock;
+    qint64 m_dataVersion = -1; // the file's data version when last read or asked
 };
 
 } // namespace plx::sqlite
