@@ -133,12 +133,12 @@ QList<DbfField> dbfFields(const QByteArray &file, int headerLength)
     return fields;
 }
 
-void addRecord(Table *table, Record record, QStringList *duplicates)
+void addRecord(Table *table, const Record &record, QStringList *duplicates)
 {
     const QString id = record.value(QStringLiteral("ID"));
     if (duplicates && table->contains(id))
         *duplicates << id;
-    table->insert(id, std::move(record));
+    table->insert(id, record);
 }
 
 } // namespace
@@ -276,7 +276,7 @@ QString plainSqliteValue(sqlite3_stmt *row, int column, const FieldShape &shape,
 {
     if (type == SQLITE_NULL)
         return shape.kind == FieldKind::Logical ? QStringLiteral("F") : nullPlain();
-    const QString text =
+    QString text =
         QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(row, column)),
                           sqlite3_column_bytes(row, column));
     switch (shape.kind) {
@@ -440,7 +440,7 @@ for r in t:
                 value = plainNumber(value.toDouble(), shape.decimals);
             record.insert(shape.name, value);
         }
-        addRecord(table, std::move(record), nullptr);
+        addRecord(table, record, nullptr);
     }
     return true;
 }
