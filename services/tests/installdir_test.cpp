@@ -15,7 +15,7 @@
 
 #include <gtest/gtest.h>
 
-using namespace plx;
+namespace plx {
 
 namespace {
 
@@ -150,29 +150,23 @@ TEST_F(InstallDirTest, WorkDirIsCreatedOnYesAndReportedOnNo)
 {
     guard.installAt(tmp.path());
     const QString expected = fromDiskPath(tmp.path()) + QStringLiteral("\\WORK-PLX");
-    {
+    for (MsgAnswer answer : { MsgAnswer::No, MsgAnswer::Yes }) {
         test::TestServices env;
         env.prompter.expectMsgBox(
             QStringLiteral("Path Not Found"),
             QStringLiteral("The specified path does not exist:\r\n") + expected
                 + QStringLiteral("\r\n\r\nDo you want to create the new path?"),
-            68, MsgAnswer::No);
-        env.prompter.expectMsgBox(QStringLiteral("Path Error"),
-                                  QStringLiteral("Error on path\r\n") + expected, 64,
-                                  MsgAnswer::OK);
+            68, answer);
+        if (answer == MsgAnswer::No)
+            env.prompter.expectMsgBox(QStringLiteral("Path Error"),
+                                      QStringLiteral("Error on path\r\n") + expected, 64,
+                                      MsgAnswer::OK);
         EXPECT_EQ(getWorkDir(env.services()), expected);
-        EXPECT_FALSE(QFileInfo(tmp.filePath(QStringLiteral("WORK-PLX"))).isDir());
-    }
-    {
-        test::TestServices env;
-        env.prompter.expectMsgBox(
-            QStringLiteral("Path Not Found"),
-            QStringLiteral("The specified path does not exist:\r\n") + expected
-                + QStringLiteral("\r\n\r\nDo you want to create the new path?"),
-            68, MsgAnswer::Yes);
-        EXPECT_EQ(getWorkDir(env.services()), expected);
-        EXPECT_TRUE(QFileInfo(tmp.filePath(QStringLiteral("WORK-PLX"))).isDir());
+        EXPECT_EQ(QFileInfo(tmp.filePath(QStringLiteral("WORK-PLX"))).isDir(),
+                  answer == MsgAnswer::Yes);
     }
     test::TestServices quiet; // exists now: no box at all
     EXPECT_EQ(getWorkDir(quiet.services()), expected);
 }
+
+} // namespace plx
