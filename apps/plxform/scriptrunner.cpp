@@ -33,6 +33,26 @@ std::optional<QString> ScriptPrompter::inputBox(const QString &prompt, const QSt
 
 namespace {
 
+// Puts `value` into every text or value-item row that shows `field`, as typed; false when
+// no row shows it.
+bool setShownValue(HostForm &form, const QString &field, const QString &value)
+{
+    bool found = false;
+    for (qint16 n = 0; n <= form.textRows()->nUbound(); ++n) {
+        if (form.textRows()->sFieldName(n).compare(field, Qt::CaseInsensitive) == 0) {
+            form.textRows()->setSValue(n, value);
+            found = true;
+        }
+    }
+    for (const QPointer<mvVIText> &valueRow : form.valueRows()) {
+        if (valueRow && valueRow->sFieldName(0).compare(field, Qt::CaseInsensitive) == 0) {
+            valueRow->setSValue(0, value);
+            found = true;
+        }
+    }
+    return found;
+}
+
 bool runLines(HostForm &form, const QStringList &lines, qsizetype from, qsizetype to,
               QString *error)
 {
@@ -73,14 +93,7 @@ bool runLines(HostForm &form, const QStringList &lines, qsizetype from, qsizetyp
         } else if (verb == QLatin1String("set")) {
             const QString field = rest.section(QLatin1Char(' '), 0, 0);
             const QString value = rest.section(QLatin1Char(' '), 1);
-            bool found = false;
-            for (qint16 n = 0; n <= form.textRows()->nUbound(); ++n) {
-                if (form.textRows()->sFieldName(n).compare(field, Qt::CaseInsensitive) == 0) {
-                    form.textRows()->setSValue(n, value);
-                    found = true;
-                }
-            }
-            if (!found) {
+            if (!setShownValue(form, field, value)) {
                 *error = QStringLiteral("line %1: no row shows the field %2").arg(i + 1).arg(field);
                 return false;
             }

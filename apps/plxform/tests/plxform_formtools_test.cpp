@@ -5,6 +5,7 @@
 // the lists and layouts from the settings files.
 #include "apps/plxform/hostform.h"
 #include "apps/plxform/sampledata.h"
+#include "apps/plxform/scriptrunner.h"
 
 #include "dialogs/frmvivalues.h"
 #include "dialogs/listselect.h"
@@ -137,6 +138,18 @@ TEST_F(SampleTools, TheProgramsRowPicksFromTheSampleListAndBothAreKept)
     menu("mnuSave");
     EXPECT_EQ(env.prompter.pending(), 0);
     EXPECT_EQ(recordOnDisk().value(QStringLiteral("PROGRAMS")), picked);
+}
+
+// A script types into a value-item row as into any other row (plxform --script).
+TEST_F(SampleTools, AScriptSetsTheProgramsRowAndItIsSaved)
+{
+    QString error;
+    EXPECT_TRUE(runScript(*window,
+                          { QStringLiteral("click Edit"), QStringLiteral("set PROGRAMS MC,HOSP"),
+                            QStringLiteral("click Save") },
+                          &error))
+        << error.toStdString();
+    EXPECT_EQ(recordOnDisk().value(QStringLiteral("PROGRAMS")), QStringLiteral("MC,HOSP"));
 }
 
 // Shift+F2 in the Notes row opens the text editor; what is written there is saved with the
