@@ -30,8 +30,11 @@ TEST_P(RecordSourceContractTest, EmptyResultHasBothEndsAndNoRecord)
     EXPECT_EQ(rs->setAbsolutePosition(0).code(), Code::InvalidArgument);
 }
 
-TEST_P(RecordSourceContractTest, RecordCountIsExactAfterMoveLast)
+// The count is exact once MoveLast has read everything; moves past either end set BOF or EOF;
+// and the scroll bar and every re-query restore a remembered AbsolutePosition.
+TEST_P(RecordSourceContractTest, CountsEndsAndPositionsOverABigResult)
 {
+    const auto idAt = [](int i) { return QStringLiteral("PLE%1").arg(i, 7, 10, QLatin1Char('0')); };
     auto rs = open(QStringLiteral("SELECT * FROM BIG ORDER BY ID"));
     ASSERT_TRUE(rs);
     EXPECT_GE(rs->RecordCount(), 1);
@@ -43,12 +46,7 @@ TEST_P(RecordSourceContractTest, RecordCountIsExactAfterMoveLast)
     ASSERT_TRUE(rs->MoveFirst().isOk());
     EXPECT_EQ(idsToEnd(*rs).size(), BigRows);
     EXPECT_EQ(rs->RecordCount(), BigRows);
-}
 
-TEST_P(RecordSourceContractTest, MovesPastEitherEndSetBofOrEof)
-{
-    auto rs = open(QStringLiteral("SELECT * FROM BIG ORDER BY ID"));
-    ASSERT_TRUE(rs);
     ASSERT_TRUE(rs->MoveFirst().isOk());
     EXPECT_FALSE(rs->isBOF());
     ASSERT_TRUE(rs->MovePrevious().isOk());
@@ -57,8 +55,7 @@ TEST_P(RecordSourceContractTest, MovesPastEitherEndSetBofOrEof)
     EXPECT_LT(rs->AbsolutePosition(), 0);
     EXPECT_EQ(rs->MovePrevious().code(), Code::InvalidArgument);
     ASSERT_TRUE(rs->MoveNext().isOk());
-    EXPECT_EQ(textOf(*rs, QStringLiteral("ID")), QStringLiteral("PLE0000000"));
-
+    EXPECT_EQ(textOf(*rs, QStringLiteral("ID")), idAt(0));
     ASSERT_TRUE(rs->MoveLast().isOk());
     ASSERT_TRUE(rs->MoveNext().isOk());
     EXPECT_TRUE(rs->isEOF());
@@ -67,31 +64,26 @@ TEST_P(RecordSourceContractTest, MovesPastEitherEndSetBofOrEof)
     EXPECT_EQ(rs->MoveNext().code(), Code::InvalidArgument);
     ASSERT_TRUE(rs->MovePrevious().isOk());
     EXPECT_EQ(rs->AbsolutePosition(), BigRows - 1);
-    EXPECT_EQ(textOf(*rs, QStringLiteral("ID")),
-              QStringLiteral("PLE%1").arg(BigRows - 1, 7, 10, QLatin1Char('0')));
+    EXPECT_EQ(textOf(*rs, QStringLiteral("ID")), idAt(BigRows - 1));
+
+    auto descending = open(QStringLiteral("SELECT * FROM BIG ORDER BY ID DESC"));
+    ASSERT_TRUE(descending);
+    ASSERT_TRUE(descending->MoveLast().isOk());
+    ASSERT_TRUE(descending->setAbsolutePosition(17).isOk());
+    EXPECT_EQ(textOf(*descending, QStringLiteral("ID")), idAt(BigRows - 1 - 17));
+    ASSERT_TRUE(descending->MoveFirst().isOk());
+    ASSERT_TRUE(descending->setAbsolutePosition(17).isOk());
+    EXPECT_EQ(descending->AbsolutePosition(), 17);
+    EXPECT_EQ(textOf(*descending, QStringLiteral("ID")), idAt(BigRows - 1 - 17));
+    EXPECT_EQ(descending->setAbsolutePosition(-1).code(), Code::InvalidArgument);
+    EXPECT_EQ(descending->setAbsolutePosition(BigRows).code(), Code::InvalidArgument);
+    EXPECT_EQ(descending->AbsolutePosition(), 17);
 }
 
-// The scroll bar and every re-query restore a remembered AbsolutePosition.
-TEST_P(RecordSourceContractTest, AbsolutePositionReturnsToTheRememberedRecord)
-{
-    auto rs = open(QStringLiteral("SELECT * FROM BIG ORDER BY ID DESC"));
-    ASSERT_TRUE(rs);
-    ASSERT_TRUE(rs->MoveLast().isOk());
-    ASSERT_TRUE(rs->setAbsolutePosition(17).isOk());
-    const QString remembered = textOf(*rs, QStringLiteral("ID"));
-    EXPECT_EQ(remembered, QStringLiteral("PLE%1").arg(BigRows - 1 - 17, 7, 10, QLatin1Char('0')));
-    ASSERT_TRUE(rs->MoveFirst().isOk());
-    ASSERT_TRUE(rs->setAbsolutePosition(17).isOk());
-    EXPECT_EQ(rs->AbsolutePosition(), 17);
-    EXPECT_EQ(textOf(*rs, QStringLiteral("ID")), remembered);
-    EXPECT_EQ(rs->setAbsolutePosition(-1).code(), Code::InvalidArgument);
-    EXPECT_EQ(rs->setAbsolutePosition(BigRows).code(), Code::InvalidArgument);
-    EXPECT_EQ(rs->AbsolutePosition(), 17);
-}
-
-// 2026-11: IDs are found by character codes so that a quote, a pipe or a blank in an ID
-// cannot break the criterion.
-TEST_P(RecordSourceContractTest, FindFirstByCharacterCodesFindsIdWithQuotePipeAndBlank)
+// Finds run in the source's order from its first record, wherever the source stands; IDs
+// are found by character codes so that a quote, a pipe or a blank in an ID cannot break the
+// criterion; a find without a match sets NoMatch and the caller restores the position.
+TEST_P(RecordSourceContractTest, FindsFollowTheSourceOrderAndReportNoMatch)
 {
     auto rs = open(QStringLiteral("SELECT * from T ORDER BY T.NAME, T.CITY"));
     ASSERT_TRUE(rs);
@@ -100,18 +92,12 @@ TEST_P(RecordSourceContractTest, FindFirstByCharacterCodesFindsIdWithQuotePipeAn
     EXPECT_EQ(textOf(*rs, QStringLiteral("ID")), OddId);
     EXPECT_EQ(rs->AbsolutePosition(), order.indexOf(OddId));
     EXPECT_EQ(textOf(*rs, QStringLiteral("NAME")), QStringLiteral("SMITH, ADAM"));
-}
 
-TEST_P(RecordSourceContractTest, FindFirstAndFindNextFollowTheSourceOrder)
-{
-    auto rs = open(QStringLiteral("SELECT * from T ORDER BY T.NAME, T.CITY"));
-    ASSERT_TRUE(rs);
     const QStringList expected = expectedByNameCity([](const QVariantList &row) {
         return row.at(1).toString().toUpper().startsWith(QLatin1String("SMI"));
     });
     ASSERT_GE(expected.size(), 3);
     const QString criterion = QStringLiteral("UCase([NAME]) LIKE 'SMI*'");
-    // Start in the middle: FindFirst must still begin at the first record.
     ASSERT_TRUE(rs->MoveLast().isOk());
     QStringList found;
     ASSERT_TRUE(rs->FindFirst(criterion).isOk());
@@ -121,19 +107,13 @@ TEST_P(RecordSourceContractTest, FindFirstAndFindNextFollowTheSourceOrder)
         ASSERT_LE(found.size(), expected.size());
     }
     EXPECT_EQ(found, expected);
-}
 
-TEST_P(RecordSourceContractTest, FindWithoutMatchSetsNoMatchAndTheCallerRestores)
-{
-    auto rs = open(QStringLiteral("SELECT * from T ORDER BY T.NAME, T.CITY"));
-    ASSERT_TRUE(rs);
     ASSERT_TRUE(rs->setAbsolutePosition(3).isOk());
     const QString before = textOf(*rs, QStringLiteral("ID"));
-    const qint32 remembered = rs->AbsolutePosition();
     ASSERT_TRUE(
         rs->FindFirst(QStringLiteral("ID = ") + strToASC(QStringLiteral("PLE9999999"))).isOk());
     EXPECT_TRUE(rs->NoMatch());
-    ASSERT_TRUE(rs->setAbsolutePosition(remembered).isOk());
+    ASSERT_TRUE(rs->setAbsolutePosition(3).isOk());
     EXPECT_EQ(textOf(*rs, QStringLiteral("ID")), before);
     // A later successful find clears the flag.
     goToId(*rs, QStringLiteral("PLE0000004"));
