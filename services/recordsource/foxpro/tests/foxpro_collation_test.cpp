@@ -17,7 +17,7 @@
 #include <cstring>
 #include <numeric>
 
-using namespace plx;
+namespace plx {
 
 namespace {
 
@@ -147,6 +147,8 @@ TEST_F(FoxProCollationTest, MachineIsTheDefaultAndTheCodePagesByteOrder)
             EXPECT_EQ(ids(db.get(), QStringLiteral("SELECT * from P ORDER BY P.NAME")), expected);
             EXPECT_EQ(ids(db.get(), QStringLiteral("SELECT * from P WHERE NAME = 'emile'")),
                       test::texts({ "R07" }));
+            EXPECT_EQ(ids(db.get(), QStringLiteral("SELECT * from P WHERE NAME Like 'e*'")),
+                      test::texts({ "R07" }));
             EXPECT_EQ(ids(db.get(), QStringLiteral("SELECT * from P WHERE ID = 'r05'")),
                       QStringList());
         }
@@ -188,8 +190,9 @@ TEST_F(FoxProCollationTest, GeneralAgreesWithTheSqliteEngine)
         "SELECT * from P WHERE NAME Between 'zz' And 'ORSTED' ORDER BY NAME, ID",
         "SELECT * from P WHERE UCase([P.NAME]) LIKE '\u00C9M*' ORDER BY P.NAME, P.ID",
         "SELECT * from P WHERE ID = 'r1' & '7' OR ID = 'R01' ORDER BY P.NAME DESC",
-        "SELECT P.ID FROM P INNER JOIN P AS Q ON P.ID = Q.ID WHERE Q.NAME > 'STRASSE' "
-        "ORDER BY P.NAME, P.ID",
+        // One statement on two lines. NOLINTNEXTLINE(bugprone-suspicious-missing-comma)
+        "SELECT P.ID FROM P INNER JOIN P AS Q ON P.ID = Q.ID WHERE Q.NAME > 'STRASSE' ORDER BY "
+        "P.NAME, P.ID",
     };
     for (int codePage : { 1252, 850 }) {
         auto db = open(folder(codePage), kGeneral);
@@ -308,3 +311,5 @@ TEST(FoxProCollateOptionTest, ConnectStringChoosesTheCollatingSequence)
                       .arg(QLatin1String(value), connect));
     }
 }
+
+} // namespace plx

@@ -1,6 +1,7 @@
 // What is particular to FoxPro tables behind the record source (the contract suite covers
-// what all back ends share): byte-order comparison, deleted records, and the statements the
-// driver refuses (read-only tables: foxpro_samplefiles_test.cpp).
+// what all back ends share; byte order: foxpro_collation_test.cpp): deleted records, joins,
+// unmarked code pages, and the statements the driver refuses (read-only tables:
+// foxpro_samplefiles_test.cpp).
 #include "services/recordsource/database.h"
 #include "services/recordsource/dbf/internal/dbftable.h"
 #include "services/recordsource/foxpro/tests/foxprotestsupport.h"
@@ -11,7 +12,7 @@
 
 #include <gtest/gtest.h>
 
-using namespace plx;
+namespace plx {
 
 namespace {
 
@@ -46,21 +47,6 @@ protected:
 };
 
 } // namespace
-
-TEST_F(FoxProRecordSourceTest, TextComparesCaseSensitivelyInByteOrder)
-{
-    EXPECT_EQ(names(QStringLiteral("SELECT * from fruit ORDER BY FRUIT.NAME")),
-              QStringList({ QStringLiteral("Apricot"), QStringLiteral("Banana"),
-                            QStringLiteral("apple"), QStringLiteral("cherry") }));
-    EXPECT_EQ(names(QStringLiteral("SELECT * from FRUIT WHERE NAME = 'APPLE'")), QStringList());
-    EXPECT_EQ(names(QStringLiteral("SELECT * from FRUIT WHERE NAME Like 'a*'")),
-              QStringList({ QStringLiteral("apple") }));
-    // The controls' find upper-cases both sides, so it finds every case.
-    EXPECT_EQ(
-        names(QStringLiteral(
-            "SELECT * from FRUIT WHERE UCase([FRUIT.NAME]) LIKE 'AP*' ORDER BY FRUIT.NAME DESC")),
-        QStringList({ QStringLiteral("apple"), QStringLiteral("Apricot") }));
-}
 
 TEST_F(FoxProRecordSourceTest, DeletedRecordsAreHiddenAndDeleteMarksTheFile)
 {
@@ -168,3 +154,5 @@ TEST_F(FoxProRecordSourceTest, MegabyteLiteralsInConditionsGiveTheirAnswers)
                   expected[i]);
     }
 }
+
+} // namespace plx

@@ -81,6 +81,10 @@ protected:
     QTemporaryDir m_dir;
 };
 
+// A file another program wrote, under names that are no identifiers and with a lower-case
+// extension (opening such names by plain or bracketed text is the contract suite's case on
+// tables written here): every name is a table, and a join, which runs in SQLite, finds them
+// as quoted virtual tables.
 TEST_F(FoxProSampleFilesTest, FilesNamedByNumbersBlanksOrKeywordsOpen)
 {
     copy("people.dbf", QStringLiteral("91.dbf"));
@@ -93,24 +97,10 @@ TEST_F(FoxProSampleFilesTest, FilesNamedByNumbersBlanksOrKeywordsOpen)
         EXPECT_TRUE(tables.contains(QString::fromLatin1(name))) << name;
 
     // people.dbf holds three records, one of them deleted.
-    const QStringList live =
-        foxprotest::fieldOfEachRecord(*db, QStringLiteral("91"), QStringLiteral("NAME"));
-    ASSERT_EQ(live.size(), 2);
-    QStringList descending = live;
-    std::sort(descending.begin(), descending.end(), std::greater<>());
     const QString name = QStringLiteral("NAME");
-    for (const char *text : { "[91]", "my people", "[my people]", "ORDER", "[ORDER]",
-                              "SELECT * from [my people]", "SELECT * FROM [order]" })
-        EXPECT_EQ(foxprotest::fieldOfEachRecord(*db, QString::fromLatin1(text), name), live)
-            << text;
-    EXPECT_EQ(
-        foxprotest::fieldOfEachRecord(
-            *db, QStringLiteral("SELECT * from [my people] ORDER BY [my people].NAME DESC"), name),
-        descending);
-    EXPECT_EQ(foxprotest::fieldOfEachRecord(
-                  *db, QStringLiteral("SELECT * from [ORDER] ORDER BY [ORDER].NAME DESC"), name),
-              descending);
-    // A join runs in SQLite, where the names become quoted virtual tables.
+    QStringList descending = foxprotest::fieldOfEachRecord(*db, QStringLiteral("[ORDER]"), name);
+    ASSERT_EQ(descending.size(), 2);
+    std::sort(descending.begin(), descending.end(), std::greater<>());
     EXPECT_EQ(foxprotest::fieldOfEachRecord(
                   *db,
                   QStringLiteral("SELECT A.NAME FROM [my people] AS A INNER JOIN [91] AS B "
