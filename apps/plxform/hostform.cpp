@@ -422,6 +422,9 @@ void HostForm::configureNavigator(mvPLXRecs &nav, const FormDescription &form)
     nav.setSParentID(form.parentID);
     nav.setFParent(this);
     nav.setMyLevel(1);
+    // Several users may keep the table: what the others save reaches the count and the
+    // shown record within two seconds, while this user is not editing.
+    nav.setLWatchMS(2000);
     for (const auto &[name, list] : form.sorts)
         nav.AddSort(name, list);
 }
