@@ -208,21 +208,18 @@ IdAllocator::IdUse IdAllocator::idInTable(const Table &table, const QString &can
         return !ownID.isNull() && id.isOk()
             && rtrimSpaces(id.value().toString()) == rtrimSpaces(ownID);
     };
-    // A table file is searched through a fresh source over all of it (the driver finds an
-    // ID in an open source faster than it runs a WHERE over the file); a database answers
-    // the WHERE from its index.
-    Result<std::unique_ptr<RecordSource>> fresh = table.db->OpenRecordset(
-        table.isTableFile ? table.sql.selectAll() : table.sql.selectWhere(criterion));
+    // A fresh source of the records that hold the ID, so that the table is read as it is
+    // now: a database answers the WHERE from its index on the ID field, a FoxPro table from
+    // its kept ID index (or one pass over the file while none is kept).
+    Result<std::unique_ptr<RecordSource>> fresh =
+        table.db->OpenRecordset(table.sql.selectWhere(criterion));
     if (!fresh.isOk())
         return IdUse::Free;
     RecordSource &source = *fresh.value();
-    bool atMatch = table.isTableFile ? source.FindFirst(criterion).isOk() && !source.NoMatch()
-                                     : !source.isEOF();
-    while (atMatch) {
+    for (bool atMatch = !source.isEOF(); atMatch;
+         atMatch = source.MoveNext().isOk() && !source.isEOF()) {
         if (!isOwn(source))
             return idUseOf(table, source, candidate);
-        atMatch = table.isTableFile ? source.FindNext(criterion).isOk() && !source.NoMatch()
-                                    : source.MoveNext().isOk() && !source.isEOF();
     }
     return IdUse::Free;
 }

@@ -35,8 +35,7 @@ public:
         // The table's file: a FoxPro table file, or a SQLite database's folder joined with
         // the table name. The side files are named after it; "" means none can be kept.
         QString file;
-        // A FoxPro table file: its highest ID is read through its folder opened afresh, and
-        // candidates are searched in all of it rather than by a WHERE.
+        // A FoxPro table file: its highest ID is read through its folder opened afresh.
         bool isTableFile = false;
         QueryText sql;
         QString idField, descField, desc, user;

@@ -2,6 +2,7 @@
 // table, with fast paths for the shapes the controls send on every keystroke and every save.
 #include "services/recordsource/foxpro/internal/foxprorecordsource.h"
 #include "services/recordsource/foxpro/distinctranker_p.h"
+#include "services/recordsource/foxpro/idindex_p.h"
 #include "services/recordsource/foxpro/prefixscan_p.h"
 #include "services/recordsource/foxpro/internal/rankcache.h"
 #include "services/recordsource/foxpro/recordrow_p.h"
@@ -127,6 +128,36 @@ std::function<bool(quint32)> equalityPredicate(const DbfTable &table, const Node
     return [&table, wanted, field](quint32 recno) { return table.rawText(recno, field) == wanted; };
 }
 
+// The records that hold field = 'text' (a node `equal` was made for), from the kept ID index;
+// nothing when the file is to be passed over instead.
+std::optional<std::vector<quint32>> indexedMatches(const DbfTable &table, const Node &node,
+                                                   TextCompare collate,
+                                                   const std::function<bool(quint32)> &equal)
+{
+    const Node *column = node.args[0].get();
+    const Node *constant = node.args[1].get();
+    if (column->kind != NodeKind::Column)
+        std::swap(column, constant);
+    ByteFold fold{};
+    if (collate == TextCompare::NoCase) {
+        const std::optional<ByteClasses> classes = generalByteClasses(table);
+        if (!classes)
+            return std::nullopt;
+        fold = *classes;
+    } else {
+        for (size_t b = 0; b < fold.size(); ++b)
+            fold[b] = quint8(b);
+    }
+    const Result<QByteArray> wanted = table.encode(constant->value.toString());
+    if (!wanted.isOk())
+        return std::nullopt;
+    std::optional<std::vector<quint32>> found =
+        indexedCandidates(table, column->column, collate, fold, wanted.value());
+    if (found)
+        std::erase_if(*found, [&equal](quint32 recno) { return !equal(recno); });
+    return found;
+}
+
 // The ranks of the distinct values a scan numbered: in byte order (FoxPro's own index order),
 // or in the General order of their text as the field reads (trailing blanks dropped).
 std::vector<quint32> distinctRanks(const DbfTable &table, const ScanRanking &r)
@@ -184,6 +215,21 @@ Result<std::vector<quint32>> FoxProRecordSource::filter(const NodePtr &where,
         r.ids.reserve(r.everyRecord ? size_t(count) + 1 : count / 4);
         if (r.everyRecord)
             r.ids.push_back(0); // ids indexed by record number, which starts at 1
+    }
+    // field = 'text' alone, as an ID look-up asks: the kept index, or one pass comparing bytes.
+    if (where && rankings.empty()) {
+        if (const std::function<bool(quint32)> equal =
+                equalityPredicate(table, *where, m_collate)) {
+            if (std::optional<std::vector<quint32>> found =
+                    indexedMatches(table, *where, m_collate, equal))
+                return std::move(*found);
+            for (quint32 recno = 1; recno <= count; ++recno) {
+                if (!table.isDeleted(recno) && equal(recno))
+                    keys.push_back(recno);
+            }
+            keys.shrink_to_fit();
+            return keys;
+        }
     }
     const std::optional<PrefixScan> scan =
         where ? PrefixScan::compile(table, *where, m_collate) : std::nullopt;
@@ -361,6 +407,11 @@ Result<qint64> FoxProRecordSource::locate(const QString &criterion, qint64 start
     const std::function<bool(quint32)> equal = equalityPredicate(*m_table, node, m_collate);
     const std::optional<PrefixScan> scan =
         equal ? std::nullopt : PrefixScan::compile(*m_table, node, m_collate);
+    if (equal) {
+        if (std::optional<std::vector<quint32>> found =
+                indexedMatches(*m_table, node, m_collate, equal))
+            return firstPositionOf(m_keys, m_recnoOrder, *found, start);
+    }
     if (equal && !m_recnoOrder)
         return locateInFileOrder(equal, start);
     RecordRow row(*m_table);
