@@ -3,6 +3,7 @@
 // navigator's own query texts, fields, the edit cycle seen from a second connection, and
 // record locks between connections.
 #include "services/texthelpers.h"
+#include "services/recordsource/jet/internal/evaluationcounters.h"
 #include "services/recordsource/tests/contractfixture.h"
 
 #include <QDate>
@@ -195,6 +196,27 @@ TEST_P(RecordSourceContractTest, MalformedQueryUnknownFieldAndBadCriterionAreDis
     EXPECT_EQ(rs->FindFirst(QStringLiteral("NOSUCH = 1")).code(), Code::UnknownField);
     EXPECT_EQ(rs->FindFirst(QStringLiteral("ID = (")).code(), Code::Syntax);
     EXPECT_EQ(rs->AbsolutePosition(), 2); // a failed find moves nothing
+}
+
+// Every open parses its text once, whatever path the engine takes: a table name, a statement
+// the engine runs itself, a column list and a join (which FoxPro hands to SQLite), and a
+// statement naming a missing table, whose NotFound is worked out from the same tree.
+TEST_P(RecordSourceContractTest, EachOpenParsesItsTextOnce)
+{
+    const std::pair<const char *, Code> opens[] = {
+        { "T", Code::Ok },
+        { "SELECT * FROM T WHERE AMOUNT < 3 ORDER BY NAME", Code::Ok },
+        { "SELECT ID, NAME FROM T WHERE AMOUNT < 3", Code::Ok },
+        { "SELECT T.ID, B.ID FROM T INNER JOIN BIG AS B ON T.ID = B.ID", Code::Ok },
+        { "SELECT * FROM NOPE WHERE AMOUNT > 1", Code::NotFound },
+    };
+    for (const auto &[text, code] : opens) {
+        SCOPED_TRACE(text);
+        jet::evaluationCounters() = {};
+        const Status opened = m_db->OpenRecordset(QString::fromLatin1(text)).status();
+        EXPECT_EQ(jet::evaluationCounters().statementsParsed, 1u);
+        EXPECT_EQ(opened.code(), code) << opened.message().toStdString();
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(AllBackEnds, RecordSourceContractTest, ::testing::ValuesIn(allBackEnds()),

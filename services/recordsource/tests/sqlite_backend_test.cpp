@@ -2,7 +2,6 @@
 // promises: how declared types map to fields and how values are stored, held (join)
 // sources, and sources that outlive their Database (read-only databases: the contract suite).
 #include "services/recordsource/database.h"
-#include "services/recordsource/jet/internal/evaluationcounters.h"
 #include "services/recordsource/tests/sqlitefilefixture.h"
 
 #include <QDate>
@@ -129,23 +128,6 @@ TEST_F(SqliteBackEndTest, JoinIsReadOnlyAndFindsInItsOrder)
     EXPECT_EQ(rs->value(1).value().toString(), QStringLiteral("ann"));
     EXPECT_EQ(rs->Edit().code(), Code::NotSupported);
     EXPECT_EQ(rs->AddNew().code(), Code::NotSupported);
-}
-
-TEST_F(SqliteBackEndTest, EachOpenParsesItsTextOnce)
-{
-    auto db = openDb();
-    // A table name, a statement, a join, and a statement naming a missing table (whose
-    // NotFound is worked out from the same tree).
-    for (const char *text : { "K", "SELECT * FROM K WHERE N > 1",
-                              "SELECT K.CODE, U.OWNER FROM K INNER JOIN U ON K.CODE = U.CODE",
-                              "SELECT * FROM NOPE WHERE N > 1" }) {
-        SCOPED_TRACE(text);
-        jet::evaluationCounters() = {};
-        (void)db->OpenRecordset(QString::fromLatin1(text));
-        EXPECT_EQ(jet::evaluationCounters().statementsParsed, 1u);
-    }
-    EXPECT_EQ(db->OpenRecordset(QStringLiteral("SELECT * FROM NOPE WHERE N > 1")).status().code(),
-              Code::NotFound);
 }
 
 TEST_F(SqliteBackEndTest, SourceOutlivesItsDatabaseAndFailsAfterClose)

@@ -13,7 +13,7 @@
 
 #include <gtest/gtest.h>
 
-using namespace plx;
+namespace plx {
 
 namespace {
 
@@ -156,20 +156,6 @@ TEST_F(FoxProBoundsTest, AMegabyteConstantIsWorkedOutOncePerStatement)
     EXPECT_LE(jet::evaluationCounters().functionCalls, 2u);
 }
 
-TEST_F(FoxProBoundsTest, EachOpenParsesItsTextOnce)
-{
-    // A table name, a statement the engine runs itself, and a column list that SQLite runs
-    // over the table's virtual table: one parse each, whatever path the statement takes.
-    for (const char *text : { "B", "SELECT * FROM B WHERE AMOUNT < 3 ORDER BY NAME",
-                              "SELECT ID, NAME FROM B WHERE AMOUNT < 3" }) {
-        SCOPED_TRACE(text);
-        jet::evaluationCounters() = {};
-        auto rs = m_binary->OpenRecordset(QString::fromLatin1(text));
-        ASSERT_TRUE(rs.isOk()) << rs.status().toString().toStdString();
-        EXPECT_EQ(jet::evaluationCounters().statementsParsed, 1u);
-    }
-}
-
 TEST_F(FoxProBoundsTest, ChainsOfTwoHundredThousandTermsRunOrAreRefusedAtOnce)
 {
     // 200,000 alternatives (800,000 terms) from R250 on: the records R250 to R299.
@@ -258,3 +244,5 @@ TEST_F(FoxProBoundsTest, AStatementOrFindStillRunningAfterTenSecondsStops)
 }
 
 } // namespace
+
+} // namespace plx
