@@ -86,27 +86,9 @@ std::unique_ptr<Database> makeTable(Store store, const QString &dir,
 {
     QDir().mkpath(dir);
     const Status created =
-        backEndOf(store)->createTables(dir, { { QStringLiteral("T"), fixtureFields(), {} } });
+        backEndOf(store)->createTables(dir, { { QStringLiteral("T"), fixtureFields(), rows } });
     EXPECT_TRUE(created.isOk()) << created.toString().toStdString();
-    if (!created.isOk())
-        return nullptr;
-    std::unique_ptr<Database> db = openStore(store, dir);
-    if (!db)
-        return nullptr;
-    auto rs = openT(*db);
-    if (!rs)
-        return nullptr;
-    for (const QVariantList &row : rows) {
-        EXPECT_TRUE(rs->AddNew().isOk());
-        for (int i = 0; i < row.size(); ++i) {
-            const Status s = rs->setValue(i, row.at(i));
-            EXPECT_TRUE(s.isOk()) << s.toString().toStdString();
-        }
-        const Status s = rs->Update();
-        EXPECT_TRUE(s.isOk()) << s.toString().toStdString();
-    }
-    rs->Close();
-    return db;
+    return created.isOk() ? openStore(store, dir) : nullptr;
 }
 
 std::shared_ptr<RecordSource> openT(Database &db, const QString &sql)

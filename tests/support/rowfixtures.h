@@ -2,8 +2,8 @@
 //
 // Every fixture table is table T with the same fields, written into a real file: a SQLite
 // database, or a FoxPro 2.6 .DBF/.FPT in a given code page, made by the contract suite's
-// back ends; the records are added through the record source. The rows then read values
-// their back end decoded itself and write through the back end's own checks.
+// back ends, records and all. The rows then read values their back end decoded itself and
+// write through the back end's own checks.
 //   NAME C(20), NOTES memo, AMOUNT N(12,2), BORN date, ACTIVE logical, FLAGT C(1),
 //   FLAGN N(2,0), QTY N(5,0)
 #pragma once
