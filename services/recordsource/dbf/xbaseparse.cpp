@@ -1,0 +1,398 @@
+// services/recordsource/dbf/xbaseparse.cpp: reading an index expression into typed nodes.
+//
+// Precedence, lowest first, as in FoxPro: .OR., .AND., .NOT., comparisons, + -, * /, unary
+// minus. The first problem found is kept and parsing stops there.
+#include "services/recordsource/dbf/xbasenode_p.h"
+
+#include "services/recordsource/dbf/internal/dbftable.h"
+
+namespace plx::xbase {
+
+namespace {
+
+using NodePtr = std::unique_ptr<Node>;
+// Deeper nesting than any tag has; the bound keeps a crafted expression off the stack's end.
+constexpr int kMaxNesting = 100;
+
+struct Token
+{
+    enum class Kind { End, Name, Number, Text, Symbol };
+    Kind kind = Kind::End;
+    QByteArray text; // names and symbols upper case; a text literal without its quotes
+};
+
+bool isLetter(char c)
+{
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
+}
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+std::optional<Type> fieldType(char type)
+{
+    switch (type) {
+    case 'C': return Type::Character;
+    case 'N':
+    case 'F':
+    case 'B': return Type::Numeric;
+    case 'D': return Type::Date;
+    case 'L': return Type::Logical;
+    case 'I': return Type::Integer;
+    default: return std::nullopt;
+    }
+}
+
+class Parser
+{
+public:
+    Parser(QByteArrayView text, const DbfTable &table) : m_text(text.toByteArray()), m_table(table)
+    {
+    }
+
+    Result<NodePtr> parseAll()
+    {
+        advance();
+        NodePtr root = orExpr();
+        if (m_status.isOk() && m_token.kind != Token::Kind::End)
+            fail(QStringLiteral("unexpected \"%1\"").arg(QString::fromLatin1(m_token.text)));
+        if (!m_status.isOk())
+            return m_status;
+        return root;
+    }
+
+private:
+    void fail(const QString &why, Status::Code code = Status::Code::Syntax)
+    {
+        if (m_status.isOk())
+            m_status =
+                Status(code, QStringLiteral("%1 in \"%2\"").arg(why, QString::fromLatin1(m_text)));
+    }
+
+    bool isSymbol(const char *symbol) const
+    {
+        return m_token.kind == Token::Kind::Symbol && m_token.text == symbol;
+    }
+
+    void advance();
+    void lexDotted();
+    NodePtr orExpr();
+    NodePtr andExpr();
+    NodePtr notExpr();
+    NodePtr comparison();
+    NodePtr additive();
+    NodePtr multiplicative();
+    NodePtr unary();
+    NodePtr primary();
+    NodePtr nameOrCall();
+    NodePtr field(const QByteArray &name);
+    NodePtr apply(const QByteArray &name, std::vector<NodePtr> args);
+
+    QByteArray m_text;
+    const DbfTable &m_table;
+    qsizetype m_pos = 0;
+    Token m_token;
+    Status m_status;
+    int m_depth = 0;
+};
+
+void Parser::advance()
+{
+    while (m_pos < m_text.size() && (m_text[m_pos] == ' ' || m_text[m_pos] == '\t'))
+        ++m_pos;
+    m_token = Token();
+    if (m_pos >= m_text.size())
+        return;
+    const char c = m_text[m_pos];
+    const qsizetype start = m_pos;
+    if (c == '"' || c == '\'' || c == '[') {
+        const qsizetype end = m_text.indexOf(c == '[' ? ']' : c, m_pos + 1);
+        if (end < 0)
+            return fail(QStringLiteral("a text without its closing quote"));
+        m_token = { Token::Kind::Text, m_text.mid(m_pos + 1, end - m_pos - 1) };
+        m_pos = end + 1;
+    } else if (isDigit(c)
+               || (c == '.' && m_pos + 1 < m_text.size() && isDigit(m_text[m_pos + 1]))) {
+        while (m_pos < m_text.size() && (isDigit(m_text[m_pos]) || m_text[m_pos] == '.'))
+            ++m_pos;
+        m_token = { Token::Kind::Number, m_text.mid(start, m_pos - start) };
+    } else if (isLetter(c)) {
+        while (m_pos < m_text.size() && (isLetter(m_text[m_pos]) || isDigit(m_text[m_pos])))
+            ++m_pos;
+        m_token = { Token::Kind::Name, m_text.mid(start, m_pos - start).toUpper() };
+    } else if (c == '.') {
+        lexDotted();
+    } else {
+        static const char *const kTwoChar[] = { "==", "<=", ">=", "<>", "!=", "->" };
+        m_pos += 1;
+        for (const char *two : kTwoChar) {
+            if (m_text.mid(start, 2) == QByteArrayView(two)) {
+                m_pos = start + 2;
+                break;
+            }
+        }
+        m_token = { Token::Kind::Symbol, m_text.mid(start, m_pos - start) };
+        if (m_token.text == "<>" || m_token.text == "!=")
+            m_token.text = "#";
+        else if (m_token.text == "!")
+            m_token.text = ".NOT.";
+    }
+}
+
+// .T. .F. .Y. .N. .AND. .OR. .NOT.
+void Parser::lexDotted()
+{
+    const qsizetype end = m_text.indexOf('.', m_pos + 1);
+    const QByteArray word = end < 0 ? QByteArray() : m_text.mid(m_pos, end - m_pos + 1).toUpper();
+    if (word == ".T." || word == ".F." || word == ".Y." || word == ".N." || word == ".AND."
+        || word == ".OR." || word == ".NOT.") {
+        m_token = { Token::Kind::Symbol, word };
+        m_pos = end + 1;
+        return;
+    }
+    fail(QStringLiteral("unexpected \".\""));
+}
+
+NodePtr Parser::orExpr()
+{
+    NodePtr left = andExpr();
+    while (m_status.isOk() && isSymbol(".OR.")) {
+        advance();
+        std::vector<NodePtr> args;
+        args.push_back(std::move(left));
+        args.push_back(andExpr());
+        left = apply(".OR.", std::move(args));
+    }
+    return left;
+}
+
+NodePtr Parser::andExpr()
+{
+    NodePtr left = notExpr();
+    while (m_status.isOk() && isSymbol(".AND.")) {
+        advance();
+        std::vector<NodePtr> args;
+        args.push_back(std::move(left));
+        args.push_back(notExpr());
+        left = apply(".AND.", std::move(args));
+    }
+    return left;
+}
+
+NodePtr Parser::notExpr()
+{
+    if (!isSymbol(".NOT."))
+        return comparison();
+    if (++m_depth > kMaxNesting) {
+        fail(QStringLiteral("the expression nests too deeply"));
+        return nullptr;
+    }
+    advance();
+    std::vector<NodePtr> args;
+    args.push_back(notExpr());
+    --m_depth;
+    return apply(".NOT.", std::move(args));
+}
+
+NodePtr Parser::comparison()
+{
+    static const char *const kComparisons[] = { "=", "==", "#", "<", ">", "<=", ">=", "$" };
+    NodePtr left = additive();
+    for (const char *op : kComparisons) {
+        if (m_status.isOk() && isSymbol(op)) {
+            advance();
+            std::vector<NodePtr> args;
+            args.push_back(std::move(left));
+            args.push_back(additive());
+            return apply(op, std::move(args));
+        }
+    }
+    return left;
+}
+
+NodePtr Parser::additive()
+{
+    NodePtr left = multiplicative();
+    while (m_status.isOk() && (isSymbol("+") || isSymbol("-"))) {
+        const QByteArray op = m_token.text;
+        advance();
+        std::vector<NodePtr> args;
+        args.push_back(std::move(left));
+        args.push_back(multiplicative());
+        left = apply(op, std::move(args));
+    }
+    return left;
+}
+
+NodePtr Parser::multiplicative()
+{
+    NodePtr left = unary();
+    while (m_status.isOk() && (isSymbol("*") || isSymbol("/"))) {
+        const QByteArray op = m_token.text;
+        advance();
+        std::vector<NodePtr> args;
+        args.push_back(std::move(left));
+        args.push_back(unary());
+        left = apply(op, std::move(args));
+    }
+    return left;
+}
+
+NodePtr Parser::unary()
+{
+    if (!isSymbol("-") && !isSymbol("+"))
+        return primary();
+    const bool minus = isSymbol("-");
+    advance();
+    NodePtr operand = unary();
+    if (!minus || !operand)
+        return operand;
+    std::vector<NodePtr> args;
+    args.push_back(std::move(operand));
+    return apply("U-", std::move(args));
+}
+
+NodePtr Parser::primary()
+{
+    if (!m_status.isOk())
+        return nullptr;
+    auto literal = std::make_unique<Node>();
+    switch (m_token.kind) {
+    case Token::Kind::Text:
+        literal->literal.text = m_token.text;
+        advance();
+        return literal;
+    case Token::Kind::Number: {
+        bool ok = false;
+        literal->type = literal->literal.type = Type::Numeric;
+        literal->literal.number = m_token.text.toDouble(&ok);
+        if (!ok)
+            fail(QStringLiteral("\"%1\" is no number").arg(QString::fromLatin1(m_token.text)));
+        advance();
+        return literal;
+    }
+    case Token::Kind::Name: return nameOrCall();
+    case Token::Kind::End: fail(QStringLiteral("the expression ends too soon")); return nullptr;
+    case Token::Kind::Symbol: break;
+    }
+    if (isSymbol(".T.") || isSymbol(".F.") || isSymbol(".Y.") || isSymbol(".N.")) {
+        literal->type = literal->literal.type = Type::Logical;
+        literal->literal.logical = isSymbol(".T.") || isSymbol(".Y.");
+        advance();
+        return literal;
+    }
+    if (!isSymbol("(")) {
+        fail(QStringLiteral("unexpected \"%1\"").arg(QString::fromLatin1(m_token.text)));
+        return nullptr;
+    }
+    if (++m_depth > kMaxNesting) {
+        fail(QStringLiteral("the expression nests too deeply"));
+        return nullptr;
+    }
+    advance();
+    NodePtr inner = orExpr();
+    --m_depth;
+    if (m_status.isOk() && !isSymbol(")"))
+        fail(QStringLiteral("a \"(\" without its \")\""));
+    advance();
+    return inner;
+}
+
+NodePtr Parser::nameOrCall()
+{
+    QByteArray name = m_token.text;
+    advance();
+    if (isSymbol("->")) { // an alias: the table itself
+        advance();
+        if (m_token.kind != Token::Kind::Name) {
+            fail(QStringLiteral("a field name must follow \"->\""));
+            return nullptr;
+        }
+        name = m_token.text;
+        advance();
+    }
+    if (!isSymbol("("))
+        return field(name);
+    if (++m_depth > kMaxNesting) {
+        fail(QStringLiteral("the expression nests too deeply"));
+        return nullptr;
+    }
+    advance();
+    std::vector<NodePtr> args;
+    while (m_status.isOk() && !isSymbol(")")) {
+        if (!args.empty()) {
+            if (!isSymbol(","))
+                fail(QStringLiteral("a \",\" or \")\" must follow an argument of %1")
+                         .arg(QString::fromLatin1(name)));
+            advance();
+        }
+        args.push_back(orExpr());
+    }
+    --m_depth;
+    advance();
+    return apply(name, std::move(args));
+}
+
+NodePtr Parser::field(const QByteArray &name)
+{
+    const int index = m_table.fieldIndex(QString::fromLatin1(name));
+    if (index < 0) {
+        fail(QStringLiteral("%1 is no field of the table").arg(QString::fromLatin1(name)),
+             Status::Code::UnknownField);
+        return nullptr;
+    }
+    const DbfField &f = m_table.fields()[index];
+    const std::optional<Type> type = fieldType(f.type);
+    if (!type) {
+        fail(QStringLiteral("field %1 of type %2 cannot be used")
+                 .arg(f.name, QChar::fromLatin1(f.type)),
+             Status::Code::TypeMismatch);
+        return nullptr;
+    }
+    auto node = std::make_unique<Node>();
+    node->kind = Node::Kind::Field;
+    node->type = *type;
+    node->field = index;
+    return node;
+}
+
+NodePtr Parser::apply(const QByteArray &name, std::vector<NodePtr> args)
+{
+    if (!m_status.isOk())
+        return nullptr;
+    const Operation *op = findOperation(name);
+    const QString shown = QString::fromLatin1(name == "U-" ? "-" : name);
+    if (!op) {
+        fail(QStringLiteral("%1 is no function this index reader knows").arg(shown),
+             Status::Code::UnknownFunction);
+        return nullptr;
+    }
+    QList<Type> types;
+    for (const NodePtr &arg : args)
+        types.append(arg->type);
+    const std::optional<Type> result =
+        (int(args.size()) >= op->minArgs && int(args.size()) <= op->maxArgs) ? op->resultType(types)
+                                                                             : std::nullopt;
+    if (!result) {
+        fail(QStringLiteral("%1 cannot take these operands").arg(shown),
+             Status::Code::TypeMismatch);
+        return nullptr;
+    }
+    auto node = std::make_unique<Node>();
+    node->kind = Node::Kind::Apply;
+    node->type = *result;
+    node->operation = op;
+    node->args = std::move(args);
+    return node;
+}
+
+} // namespace
+
+Result<std::unique_ptr<Node>> parse(QByteArrayView text, const DbfTable &table)
+{
+    return Parser(text, table).parseAll();
+}
+
+} // namespace plx::xbase
