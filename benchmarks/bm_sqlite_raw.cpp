@@ -46,7 +46,7 @@ QString keysetSql(const jet::TranslatedSelect &s)
     if (!s.whereClause.isEmpty())
         sql += QStringLiteral(" WHERE ") + s.whereClause;
     if (!s.orderClause.isEmpty())
-        sql += QStringLiteral(" ORDER BY ") + s.orderClause;
+        sql += QStringLiteral(" ORDER BY %1, %2.rowid").arg(s.orderClause, s.baseAlias);
     return sql;
 }
 
