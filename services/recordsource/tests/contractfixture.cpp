@@ -99,16 +99,13 @@ void RecordSourceContractTest::SetUp()
 
 std::unique_ptr<Database> RecordSourceContractTest::openAgain() const
 {
-    Result<std::unique_ptr<Database>> db = GetParam()->open(m_dir.path());
-    EXPECT_TRUE(db.isOk()) << db.status().toString().toStdString();
-    return db.isOk() ? std::move(db).value() : nullptr;
+    return orFail(GetParam()->open(m_dir.path()));
 }
 
 std::unique_ptr<RecordSource> RecordSourceContractTest::open(Database &db, const QString &sql) const
 {
-    Result<std::unique_ptr<RecordSource>> rs = db.OpenRecordset(sql);
-    EXPECT_TRUE(rs.isOk()) << sql.toStdString() << ": " << rs.status().toString().toStdString();
-    return rs.isOk() ? std::move(rs).value() : nullptr;
+    SCOPED_TRACE(sql.toStdString());
+    return orFail(db.OpenRecordset(sql));
 }
 
 void RecordSourceContractTest::goToId(RecordSource &rs, const QString &id) const

@@ -26,6 +26,13 @@ namespace plx::testing {
 inline const QString OddId = QStringLiteral("PLE'A|B C");
 constexpr int BigRows = 300;
 
+// What `result` holds; nullptr and a test failure giving its status when it holds an error.
+template<typename T> std::unique_ptr<T> orFail(Result<std::unique_ptr<T>> result)
+{
+    EXPECT_TRUE(result.isOk()) << result.status().toString().toStdString();
+    return result.isOk() ? std::move(result).value() : nullptr;
+}
+
 QList<TableDef> contractTables();
 // The rows of T as the tests expect them, for computing expected orders.
 const TableDef &peopleTable();

@@ -33,12 +33,7 @@ protected:
         ASSERT_TRUE(m_db);
     }
 
-    std::unique_ptr<Database> open() const
-    {
-        auto db = GetParam()->open(m_dir.path());
-        EXPECT_TRUE(db.isOk()) << db.status().toString().toStdString();
-        return db.isOk() ? std::move(db).value() : nullptr;
-    }
+    std::unique_ptr<Database> open() const { return orFail(GetParam()->open(m_dir.path())); }
 
     QTemporaryDir m_dir;
     std::unique_ptr<Database> m_db;

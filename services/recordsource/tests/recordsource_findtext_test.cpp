@@ -26,9 +26,8 @@ protected:
             f.rows << QVariantList{ QStringLiteral("ID%1").arg(++n), QString::fromUtf16(name) };
         Status s = GetParam()->createTables(m_dir.path(), { f });
         ASSERT_TRUE(s.isOk()) << s.toString().toStdString();
-        Result<std::unique_ptr<Database>> db = GetParam()->open(m_dir.path());
-        ASSERT_TRUE(db.isOk()) << db.status().toString().toStdString();
-        m_db = std::move(db).value();
+        m_db = orFail(GetParam()->open(m_dir.path()));
+        ASSERT_TRUE(m_db);
     }
 
     // The find's query for a typed text, built as the navigator builds it.

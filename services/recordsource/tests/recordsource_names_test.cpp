@@ -40,9 +40,8 @@ protected:
         ASSERT_TRUE(m_dir.isValid());
         const Status s = GetParam()->createTables(m_dir.path(), oddlyNamedTables());
         ASSERT_TRUE(s.isOk()) << s.toString().toStdString();
-        auto db = GetParam()->open(m_dir.path());
-        ASSERT_TRUE(db.isOk()) << db.status().toString().toStdString();
-        m_db = std::move(db).value();
+        m_db = orFail(GetParam()->open(m_dir.path()));
+        ASSERT_TRUE(m_db);
     }
 
     // The IDs of every record `tableOrSql` opens on, in its order.

@@ -86,10 +86,8 @@ protected:
 
     std::unique_ptr<Database> openDatabase(bool readOnly = false) const
     {
-        auto db =
-            readOnly ? GetParam()->openReadOnly(m_dir.path()) : GetParam()->open(m_dir.path());
-        EXPECT_TRUE(db.isOk()) << db.status().toString().toStdString();
-        return db.isOk() ? std::move(db).value() : nullptr;
+        return orFail(readOnly ? GetParam()->openReadOnly(m_dir.path())
+                               : GetParam()->open(m_dir.path()));
     }
 
     QTemporaryDir m_dir;
