@@ -13,6 +13,7 @@ namespace {
 using NodePtr = std::unique_ptr<Node>;
 // Deeper nesting than any tag has; the bound keeps a crafted expression off the stack's end.
 constexpr int kMaxNesting = 100;
+constexpr qsizetype kMaxLength = 512;
 
 struct Token
 {
@@ -54,6 +55,10 @@ public:
 
     Result<NodePtr> parseAll()
     {
+        // An index keeps its expressions in one 512-byte page; the bound also keeps the
+        // operator chains of a longer text from nesting the evaluation too deeply.
+        if (m_text.size() > kMaxLength)
+            fail(QStringLiteral("the expression is longer than an index can hold"));
         advance();
         NodePtr root = orExpr();
         if (m_status.isOk() && m_token.kind != Token::Kind::End)
@@ -245,8 +250,13 @@ NodePtr Parser::unary()
     if (!isSymbol("-") && !isSymbol("+"))
         return primary();
     const bool minus = isSymbol("-");
+    if (++m_depth > kMaxNesting) {
+        fail(QStringLiteral("the expression nests too deeply"));
+        return nullptr;
+    }
     advance();
     NodePtr operand = unary();
+    --m_depth;
     if (!minus || !operand)
         return operand;
     std::vector<NodePtr> args;
