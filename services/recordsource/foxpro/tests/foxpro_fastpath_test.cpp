@@ -15,7 +15,7 @@
 
 #include <gtest/gtest.h>
 
-using namespace plx;
+namespace plx {
 
 namespace {
 
@@ -106,21 +106,12 @@ TEST_F(FoxProFastPathTest, FindConditionAgreesWithTheEvaluator)
                              QString::fromLatin1(i % 2 ? "PARIS" : "ROME") };
     makeTable(rows);
 
-    const QStringList conditions = {
-        QStringLiteral("UCase([P.NAME]) LIKE 'SM*'"),
-        QStringLiteral("UCase([P.NAME]) LIKE 'S*'"),
-        QStringLiteral("UCase([P.NAME]) LIKE 'STRASS*'"),
-        QStringLiteral("UCase([P.NAME]) LIKE 'SS*'"),
-        QStringLiteral("UCase([P.NAME]) LIKE 'SMITH, *'"),
-        QStringLiteral("UCase([P.NAME]) LIKE 'SMITH,*'"),
-        QStringLiteral("UCase([P.NAME]) LIKE 'ÉL*'"),
-        QStringLiteral("UCase([P.NAME]) LIKE '  SM*'"),
-        QStringLiteral("UCase([P.NAME]) LIKE '123456789012*'"),
-        QStringLiteral("UCase([P.NAME]) LIKE '1234567890123*'"),
-        QStringLiteral("UCase([P.NAME]) LIKE '*'"),
-        QStringLiteral("UCase([P.NAME]) LIKE 'SM*' AND UCase([P.CITY]) LIKE 'PA*'"),
-        QStringLiteral("Ucase$([P.NAME]) LIKE 'SMITH*'"),
-    };
+    QStringList conditions;
+    for (const char16_t *prefix : { u"SM", u"S", u"STRASS", u"SS", u"SMITH, ", u"SMITH,", u"ÉL",
+                                    u"  SM", u"123456789012", u"1234567890123", u"" })
+        conditions << QStringLiteral("UCase([P.NAME]) LIKE '%1*'").arg(QString::fromUtf16(prefix));
+    conditions << QStringLiteral("UCase([P.NAME]) LIKE 'SM*' AND UCase([P.CITY]) LIKE 'PA*'")
+               << QStringLiteral("Ucase$([P.NAME]) LIKE 'SMITH*'");
     for (const QString &condition : conditions) {
         const QString fast =
             QStringLiteral("SELECT * from P WHERE %1 ORDER BY P.NAME, P.ID").arg(condition);
@@ -333,3 +324,5 @@ TEST_F(FoxProFastPathTest, KeysBeyondSixtyFourBitsSortAsTheFirstFit)
         ids << row[0];
     EXPECT_EQ(packed, ids);
 }
+
+} // namespace plx
