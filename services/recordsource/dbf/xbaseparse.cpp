@@ -4,6 +4,8 @@
 // minus. The first problem found is kept and parsing stops there.
 #include "services/recordsource/dbf/xbasenode_p.h"
 
+#include "services/recordsource/dbf/xbaselex_p.h"
+
 #include "services/recordsource/dbf/internal/dbftable.h"
 
 namespace plx::xbase {
@@ -14,23 +16,6 @@ using NodePtr = std::unique_ptr<Node>;
 // Deeper nesting than any tag has; the bound keeps a crafted expression off the stack's end.
 constexpr int kMaxNesting = 100;
 constexpr qsizetype kMaxLength = 512;
-
-struct Token
-{
-    enum class Kind { End, Name, Number, Text, Symbol };
-    Kind kind = Kind::End;
-    QByteArray text; // names and symbols upper case; a text literal without its quotes
-};
-
-bool isLetter(char c)
-{
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
-}
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
 
 std::optional<Type> fieldType(char type)
 {
@@ -49,7 +34,8 @@ std::optional<Type> fieldType(char type)
 class Parser
 {
 public:
-    Parser(QByteArrayView text, const DbfTable &table) : m_text(text.toByteArray()), m_table(table)
+    Parser(QByteArrayView text, const DbfTable &table)
+        : m_text(text.toByteArray()), m_lexer(m_text), m_table(table)
     {
     }
 
@@ -82,7 +68,6 @@ private:
     }
 
     void advance();
-    void lexDotted();
     NodePtr orExpr();
     NodePtr andExpr();
     NodePtr notExpr();
@@ -96,8 +81,8 @@ private:
     NodePtr apply(const QByteArray &name, std::vector<NodePtr> args);
 
     QByteArray m_text;
+    Lexer m_lexer;
     const DbfTable &m_table;
-    qsizetype m_pos = 0;
     Token m_token;
     Status m_status;
     int m_depth = 0;
@@ -105,59 +90,10 @@ private:
 
 void Parser::advance()
 {
-    while (m_pos < m_text.size() && (m_text[m_pos] == ' ' || m_text[m_pos] == '\t'))
-        ++m_pos;
-    m_token = Token();
-    if (m_pos >= m_text.size())
-        return;
-    const char c = m_text[m_pos];
-    const qsizetype start = m_pos;
-    if (c == '"' || c == '\'' || c == '[') {
-        const qsizetype end = m_text.indexOf(c == '[' ? ']' : c, m_pos + 1);
-        if (end < 0)
-            return fail(QStringLiteral("a text without its closing quote"));
-        m_token = { Token::Kind::Text, m_text.mid(m_pos + 1, end - m_pos - 1) };
-        m_pos = end + 1;
-    } else if (isDigit(c)
-               || (c == '.' && m_pos + 1 < m_text.size() && isDigit(m_text[m_pos + 1]))) {
-        while (m_pos < m_text.size() && (isDigit(m_text[m_pos]) || m_text[m_pos] == '.'))
-            ++m_pos;
-        m_token = { Token::Kind::Number, m_text.mid(start, m_pos - start) };
-    } else if (isLetter(c)) {
-        while (m_pos < m_text.size() && (isLetter(m_text[m_pos]) || isDigit(m_text[m_pos])))
-            ++m_pos;
-        m_token = { Token::Kind::Name, m_text.mid(start, m_pos - start).toUpper() };
-    } else if (c == '.') {
-        lexDotted();
-    } else {
-        static const char *const kTwoChar[] = { "==", "<=", ">=", "<>", "!=", "->" };
-        m_pos += 1;
-        for (const char *two : kTwoChar) {
-            if (m_text.mid(start, 2) == QByteArrayView(two)) {
-                m_pos = start + 2;
-                break;
-            }
-        }
-        m_token = { Token::Kind::Symbol, m_text.mid(start, m_pos - start) };
-        if (m_token.text == "<>" || m_token.text == "!=")
-            m_token.text = "#";
-        else if (m_token.text == "!")
-            m_token.text = ".NOT.";
-    }
-}
-
-// .T. .F. .Y. .N. .AND. .OR. .NOT.
-void Parser::lexDotted()
-{
-    const qsizetype end = m_text.indexOf('.', m_pos + 1);
-    const QByteArray word = end < 0 ? QByteArray() : m_text.mid(m_pos, end - m_pos + 1).toUpper();
-    if (word == ".T." || word == ".F." || word == ".Y." || word == ".N." || word == ".AND."
-        || word == ".OR." || word == ".NOT.") {
-        m_token = { Token::Kind::Symbol, word };
-        m_pos = end + 1;
-        return;
-    }
-    fail(QStringLiteral("unexpected \".\""));
+    QString problem;
+    m_token = m_lexer.next(&problem);
+    if (!problem.isEmpty())
+        fail(problem);
 }
 
 NodePtr Parser::orExpr()
