@@ -149,6 +149,38 @@ TEST_F(CdxCalls, InteriorPagesAreWalkedAndTheirCyclesRefused)
               "calls2.cdx: the index page at 6144 is reached twice (its links form a cycle)");
 }
 
+TEST_F(CdxCalls, ForExpressionAndOrderComeFromTheTagHeader)
+{
+    // CALL_ID given a FOR clause after its key in the pool, marked unique and descending.
+    QByteArray bytes = m_original;
+    const QByteArray forClause("UPPE(subject) # 'X' .AND. call_id > 12");
+    bytes.replace(0x600 + 512 + 8, forClause.size() + 1, forClause + '\0');
+    putLe(bytes, 0x600 + 506, quint32(forClause.size() + 1), 2);
+    putLe(bytes, 0x600 + 502, 1, 2);
+    bytes[0x600 + 14] = char(0x64 | 0x08 | 0x01);
+    auto cdx = openCopy(bytes);
+    ASSERT_TRUE(cdx.isOk()) << cdx.status().message().toStdString();
+    const CdxTag &tag = (*cdx)->tags()[0];
+    EXPECT_TRUE(tag.hasFor && tag.unique && tag.descending);
+    EXPECT_EQ(tag.keyExpression, "call_id");
+    EXPECT_EQ(tag.forExpression, forClause);
+
+    auto table =
+        DbfTable::open(samplePath(QStringLiteral("calls.dbf")), DbfTable::OpenMode::ReadOnly);
+    ASSERT_TRUE(table.isOk());
+    auto condition = XbaseExpression::compile(tag.forExpression, **table);
+    ASSERT_TRUE(condition.isOk()) << condition.status().message().toStdString();
+    QList<quint32> passing;
+    for (quint32 r = 1; r <= (*table)->recordCount(); ++r) {
+        if (condition->evaluate(r)->logical)
+            passing.append(r);
+    }
+    EXPECT_EQ(passing, (QList<quint32>{ 13, 14, 15, 16 }));
+
+    putLe(bytes, 0x600 + 504, 600, 2);
+    EXPECT_EQ(problemOf(bytes), "calls2.cdx: tag CALL_ID has its expression outside its header");
+}
+
 TEST_F(CdxCalls, DamagedFilesGiveAClearStatus)
 {
     auto open = openCopy(m_original.left(1000));
