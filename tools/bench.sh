@@ -27,7 +27,7 @@ while [ $# -gt 0 ]; do
         --repetitions) repetitions=$2; shift 2 ;;
         --only) only=$2; shift 2 ;;
         --report) report=$2; shift 2 ;;
-        -h|--help) sed -n '2,18p' "$0"; exit 0 ;;
+        -h|--help) sed -n '2,17p' "$0"; exit 0 ;;
         *) echo "unknown option: $1 (see --help)" >&2; exit 2 ;;
     esac
 done
