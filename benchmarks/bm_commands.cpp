@@ -141,6 +141,9 @@ void NewSave(benchmark::State &state, Engine engine)
         state.SkipWithError("no benchmark table");
         return;
     }
+    // The first ID of a table without a key file reads the table's highest ID once; that
+    // is a cost of the first NEW ever, not of every NEW.
+    (void)form.nav.NewIDPLX();
     for (auto _ : state) {
         form.nav.ClickButton(QStringLiteral("NEW"));
         form.rows.setSValue(1, QStringLiteral("BENCHMARK, NEW"));
