@@ -4,7 +4,7 @@
 #include "fields/mvvitext.h"
 
 #include "dialogs/frmvivalues.h"
-#include "fields/tests/modalwatch.h"
+#include "tests/support/modalwatch.h"
 #include "services/ini.h"
 #include "tests/support/envguard.h"
 #include "tests/support/rowfixtures.h"

@@ -3,7 +3,7 @@
 // limit holds, and Shift+F2 opens it from a memo row only.
 #include "dialogs/texteditor.h"
 #include "fields/mvname.h"
-#include "fields/tests/modalwatch.h"
+#include "tests/support/modalwatch.h"
 #include "tests/support/rowfixtures.h"
 
 #include <QAbstractButton>

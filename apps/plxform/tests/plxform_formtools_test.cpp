@@ -10,7 +10,7 @@
 #include "dialogs/frmvivalues.h"
 #include "dialogs/listselect.h"
 #include "dialogs/texteditor.h"
-#include "fields/tests/modalwatch.h"
+#include "tests/support/modalwatch.h"
 #include "services/ini.h"
 #include "tests/support/fakeenv.h"
 

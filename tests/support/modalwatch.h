@@ -1,4 +1,4 @@
-// fields/tests/modalwatch.h: acting in a dialog that a control opens with exec().
+// tests/support/modalwatch.h: acting in a dialog that a control opens with exec().
 //
 // The control returns only when its dialog has closed, so the test hands over beforehand
 // what the user does in it. While a watch lives, each time a dialog of type Dialog is the
