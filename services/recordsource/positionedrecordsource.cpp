@@ -21,6 +21,14 @@ Status PositionedRecordSource::checkOpen() const
     return m_closed ? closedError() : Status::ok();
 }
 
+Status PositionedRecordSource::checkOpenAndWritable() const
+{
+    if (m_closed)
+        return closedError();
+    const QString reason = readOnlyReason();
+    return reason.isEmpty() ? Status::ok() : Status(Status::Code::NotSupported, reason);
+}
+
 bool PositionedRecordSource::isBOF() const
 {
     return m_closed || size() == 0 || m_pos < 0;

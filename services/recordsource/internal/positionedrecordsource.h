@@ -40,6 +40,8 @@ protected:
 
     bool hasCurrent() const;
     Status checkOpen() const;
+    // checkOpen, then NotSupported with readOnlyReason() when the source cannot be written.
+    Status checkOpenAndWritable() const;
     static Status closedError();
     // Makes `position` current (clamped to -1 .. size()), counting it as reached.
     Status moveTo(qint64 position);

@@ -2,10 +2,10 @@
 // and finds.
 #include "services/recordsource/postgres/pgrecordsource_p.h"
 
+#include "services/recordsource/internal/tableortext.h"
 #include "services/recordsource/jet/internal/parser.h"
 #include "services/recordsource/postgres/pgvalues_p.h"
 
-#include <QRegularExpression>
 #include <QtEndian>
 
 #include <libpq-fe.h>
@@ -19,20 +19,6 @@ namespace {
 
 constexpr qint64 kBatch = 200; // rows read per round trip while stepping
 constexpr qint64 kBehind = 20; // of which before the current one (for MovePrevious)
-
-bool isStatement(const QString &text)
-{
-    static const QRegularExpression select(QStringLiteral("^SELECT\\b"),
-                                           QRegularExpression::CaseInsensitiveOption);
-    return select.match(text).hasMatch();
-}
-
-QString plainName(QString name)
-{
-    if (name.startsWith(QLatin1Char('[')) && name.endsWith(QLatin1Char(']')))
-        name = name.mid(1, name.size() - 2);
-    return name;
-}
 
 // Reads a one-column bigint result in binary form without going through text.
 Result<std::vector<qint64>> readKeys(const Connection &conn, const QString &sql)
@@ -69,11 +55,11 @@ Result<std::unique_ptr<RecordSource>> PgRecordSource::open(std::shared_ptr<Conne
                                                            const QString &tableOrSql)
 {
     QString sql = tableOrSql.trimmed();
-    if (!isStatement(sql)) {
-        const std::optional<PgTable> table = connection->lookupTable(plainName(sql));
+    if (!isSelectStatement(sql)) {
+        const std::optional<PgTable> table = connection->lookupTable(unbracketedName(sql));
         if (!table)
             return Status(Status::Code::NotFound,
-                          QStringLiteral("no table named %1").arg(plainName(sql)));
+                          QStringLiteral("no table named %1").arg(unbracketedName(sql)));
         sql = QStringLiteral("SELECT * FROM [%1]").arg(table->name);
     }
     const Result<jet::SelectStatement> stmt = jet::parseSelect(sql);

@@ -50,16 +50,6 @@ Result<QVariant> normalized(const QVariant &value, const FieldInfo &field)
 
 } // namespace
 
-Status PgRecordSource::checkWritable() const
-{
-    Status s = checkOpen();
-    if (!s.isOk())
-        return s;
-    if (!m_readOnlyReason.isEmpty())
-        return Status(Status::Code::NotSupported, m_readOnlyReason);
-    return Status::ok();
-}
-
 void PgRecordSource::endEdit()
 {
     m_mode = EditMode::None;
@@ -70,7 +60,7 @@ void PgRecordSource::endEdit()
 
 Status PgRecordSource::AddNew()
 {
-    Status s = checkWritable();
+    Status s = checkOpenAndWritable();
     if (!s.isOk())
         return s;
     endEdit();
@@ -82,7 +72,7 @@ Status PgRecordSource::AddNew()
 
 Status PgRecordSource::Edit()
 {
-    Status s = checkWritable();
+    Status s = checkOpenAndWritable();
     if (!s.isOk())
         return s;
     if (!hasCurrent())
@@ -210,7 +200,7 @@ Status PgRecordSource::CancelUpdate()
 
 Status PgRecordSource::Delete()
 {
-    Status s = checkWritable();
+    Status s = checkOpenAndWritable();
     if (!s.isOk())
         return s;
     if (!hasCurrent() || m_mode == EditMode::AddNew)

@@ -62,7 +62,6 @@ private:
     Result<QVariantList> currentRow() const;
     void forgetRows() const;
     Status fetchBatch(qint64 position) const;
-    Status checkWritable() const;
     Status insertBuffer();
     Status updateBuffer();
     QString baseTable() const { return m_select.sources.front().table.name; }

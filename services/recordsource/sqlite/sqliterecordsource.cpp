@@ -1,6 +1,7 @@
 // services/recordsource/sqlite/sqliterecordsource.cpp: opening, positions and reading.
 #include "services/recordsource/sqlite/internal/sqliterecordsource.h"
 
+#include "services/recordsource/internal/tableortext.h"
 #include "services/recordsource/jet/internal/parser.h"
 #include "services/recordsource/sqlite/internal/sqlitevalues.h"
 
@@ -11,22 +12,6 @@
 namespace plx::sqlite {
 
 namespace {
-
-// A text starting with the word SELECT is a statement; anything else names a table, bare or
-// in brackets, whatever it holds ("my people", "ORDER", "91").
-bool isStatement(const QString &text)
-{
-    static const QRegularExpression select(QStringLiteral("^SELECT\\b"),
-                                           QRegularExpression::CaseInsensitiveOption);
-    return select.match(text).hasMatch();
-}
-
-QString plainName(QString name)
-{
-    if (name.startsWith(QLatin1Char('[')) && name.endsWith(QLatin1Char(']')))
-        name = name.mid(1, name.size() - 2);
-    return name;
-}
 
 // The statement without its quoted parts ('text', "name", [name]), so that a keyword
 // inside a literal or a name is not taken for a clause.
@@ -93,11 +78,12 @@ Result<std::unique_ptr<RecordSource>>
 SqliteRecordSource::open(std::shared_ptr<Connection> connection, const QString &tableOrSql)
 {
     QString sql = tableOrSql.trimmed();
-    if (!isStatement(sql)) {
-        const std::optional<jet::TableColumns> table = connection->lookupTable(plainName(sql));
+    if (!isSelectStatement(sql)) {
+        const std::optional<jet::TableColumns> table =
+            connection->lookupTable(unbracketedName(sql));
         if (!table)
             return Status(Status::Code::NotFound,
-                          QStringLiteral("no table named %1").arg(plainName(sql)));
+                          QStringLiteral("no table named %1").arg(unbracketedName(sql)));
         sql = QStringLiteral("SELECT * FROM [%1]").arg(table->table);
     }
     const Result<jet::SelectStatement> stmt = jet::parseSelect(sql);

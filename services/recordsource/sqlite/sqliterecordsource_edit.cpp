@@ -34,16 +34,6 @@ QString SqliteRecordSource::quotedBase() const
     return quoted(m_select.baseTable);
 }
 
-Status SqliteRecordSource::checkWritable() const
-{
-    Status s = checkOpen();
-    if (!s.isOk())
-        return s;
-    if (!m_readOnlyReason.isEmpty())
-        return Status(Status::Code::NotSupported, m_readOnlyReason);
-    return Status::ok();
-}
-
 void SqliteRecordSource::endEdit()
 {
     m_mode = EditMode::None;
@@ -54,7 +44,7 @@ void SqliteRecordSource::endEdit()
 
 Status SqliteRecordSource::AddNew()
 {
-    Status s = checkWritable();
+    Status s = checkOpenAndWritable();
     if (!s.isOk())
         return s;
     endEdit();
@@ -66,7 +56,7 @@ Status SqliteRecordSource::AddNew()
 
 Status SqliteRecordSource::Edit()
 {
-    Status s = checkWritable();
+    Status s = checkOpenAndWritable();
     if (!s.isOk())
         return s;
     if (!hasCurrent())
@@ -217,7 +207,7 @@ Status SqliteRecordSource::CancelUpdate()
 
 Status SqliteRecordSource::Delete()
 {
-    Status s = checkWritable();
+    Status s = checkOpenAndWritable();
     if (!s.isOk())
         return s;
     if (!hasCurrent() || m_mode == EditMode::AddNew)

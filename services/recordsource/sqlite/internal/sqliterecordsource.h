@@ -78,7 +78,6 @@ private:
     Status loadCurrent() const;
     Result<qint64> findKeyed(const QString &sqlCriterion, qint64 start) const;
     Result<qint64> findHeld(const QString &sqlCriterion, qint64 start) const;
-    Status checkWritable() const;
     Status insertBuffer();
     Status updateBuffer();
     Status runWrite(Statement &stmt);
