@@ -10,7 +10,7 @@
 
 #include "navigator/mvplxrecs.h"
 #include "services/recordsource/database.h"
-#include "tests/support/fakeenv.h"
+#include "testing/fakeenv.h"
 
 #include <QApplication>
 #include <QComboBox>

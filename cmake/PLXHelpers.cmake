@@ -1,17 +1,22 @@
 # Helpers that keep each folder's CMakeLists.txt short.
 #
 # plx_add_library(<name> [PUBLIC_HEADERS h...] [SOURCES s...] [DEPS d...] [PRIVATE_DEPS d...]
-#                 [KEEP_SYMBOL sym] [NO_INSTALL])
+#                 [KEEP_SYMBOL sym] [NO_INSTALL] [EXPORT_SET set])
 #   Builds static library plx_<name> with alias plx::<name>. Public headers are installed
 #   under include/plx/<folder>/ so that "#include "services/ini.h"" works in the tree and
 #   after installation alike; every other header of the folder is private and ends in _p.h.
 #   KEEP_SYMBOL makes every program that links the library keep the object defining `sym`
 #   (an engine's self-registration, which nothing calls). NO_INSTALL keeps a build-only
-#   library (table generators for tools and benchmarks) out of the package.
+#   library (table generators for tools and benchmarks) out of the package. EXPORT_SET
+#   installs it into another export set than PLXControlsTargets (the test kit, whose
+#   GoogleTest dependency a host without it must not need).
 #   The folder holding CMakeLists.txt is the library's layer for the include check
 #   (cmake/CheckLayers.cmake): its sources may include headers of the libraries it links.
 function(plx_add_library name)
-    cmake_parse_arguments(A "NO_INSTALL" "KEEP_SYMBOL" "PUBLIC_HEADERS;SOURCES;DEPS;PRIVATE_DEPS" ${ARGN})
+    cmake_parse_arguments(A "NO_INSTALL" "KEEP_SYMBOL;EXPORT_SET" "PUBLIC_HEADERS;SOURCES;DEPS;PRIVATE_DEPS" ${ARGN})
+    if(NOT A_EXPORT_SET)
+        set(A_EXPORT_SET PLXControlsTargets)
+    endif()
     set(target plx_${name})
     add_library(${target} STATIC ${A_SOURCES})
     add_library(plx::${name} ALIAS ${target})
@@ -33,7 +38,7 @@ function(plx_add_library name)
     set_property(GLOBAL APPEND PROPERTY PLX_LAYER_TARGETS ${target})
     set_target_properties(${target} PROPERTIES PLX_LAYER_DIR "${layer_dir}")
     if(PLX_INSTALL AND NOT A_NO_INSTALL)
-        install(TARGETS ${target} EXPORT PLXControlsTargets
+        install(TARGETS ${target} EXPORT ${A_EXPORT_SET}
                 FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/plx)
     endif()
 endfunction()

@@ -8,7 +8,7 @@
 #include "mervane/twips.h"
 #include "services/ini.h"
 #include "services/recordsource/tests/backend.h"
-#include "tests/support/fakeenv.h"
+#include "testing/fakeenv.h"
 
 #include <QDate>
 #include <QDir>

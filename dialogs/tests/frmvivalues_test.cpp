@@ -5,7 +5,7 @@
 
 #include "services/ini.h"
 #include "tests/support/envguard.h"
-#include "tests/support/fakeenv.h"
+#include "testing/fakeenv.h"
 #include "tests/support/testfiles.h"
 
 #include <QAbstractButton>

@@ -3,7 +3,7 @@
 // real PDF file with pdftotext.
 #include "dialogs/texteditor.h"
 
-#include "tests/support/fakeenv.h"
+#include "testing/fakeenv.h"
 
 #include <QPlainTextEdit>
 #include <QProcess>

@@ -5,7 +5,7 @@
 #include "fields/mvchkwithtxt.h"
 #include "fields/mvname.h"
 
-#include "tests/support/fakeenv.h"
+#include "testing/fakeenv.h"
 
 #include <QLineEdit>
 #include <QTemporaryDir>

@@ -5,7 +5,8 @@
 #include "navigator/mvplxrecs.h"
 #include "services/recordsource/database.h"
 #include "services/recordsource/tests/backend.h"
-#include "tests/support/fakeenv.h"
+#include "testing/eventrecorder.h"
+#include "testing/fakeenv.h"
 
 #include <QStringList>
 #include <QTemporaryDir>
@@ -22,32 +23,6 @@ inline void PrintTo(const QString &text, std::ostream *out)
 }
 
 namespace plx::test {
-
-// One event as the host saw it: name(argument), with sEventInfo and bInitiator read
-// while the event was being raised.
-struct SeenEvent
-{
-    QString name;
-    QString argument;
-    QString eventInfo;
-    bool initiator = false;
-    QString text() const;
-};
-
-class EventRecorder
-{
-public:
-    explicit EventRecorder(mvPLXRecs *nav);
-    QStringList texts() const;
-    QStringList names() const;
-    const QList<SeenEvent> &events() const { return m_events; }
-    void clear() { m_events.clear(); }
-
-private:
-    void record(const QString &name, const QString &argument);
-    mvPLXRecs *m_nav;
-    QList<SeenEvent> m_events;
-};
 
 // Answers OK to everything and keeps what it was shown, for texts that name this machine.
 class RecordingPrompter : public Prompter

@@ -3,7 +3,7 @@
 #include "services/activitylog.h"
 
 #include "tests/support/envguard.h"
-#include "tests/support/fakeenv.h"
+#include "testing/fakeenv.h"
 #include "tests/support/testfiles.h"
 
 #include <QCoreApplication>

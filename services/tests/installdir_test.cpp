@@ -7,7 +7,7 @@
 #include "services/ini.h"
 #include "services/paths.h"
 #include "services/texthelpers.h"
-#include "tests/support/fakeenv.h"
+#include "testing/fakeenv.h"
 
 #include <QDir>
 #include <QFile>

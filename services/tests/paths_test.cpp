@@ -2,7 +2,7 @@
 // know them) and path creation level by level.
 #include "services/paths.h"
 
-#include "tests/support/fakeenv.h"
+#include "testing/fakeenv.h"
 
 #include <QDir>
 #include <QFileInfo>

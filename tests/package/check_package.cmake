@@ -31,6 +31,17 @@ if(NOT step_output MATCHES "^2 records")
 endif()
 message(STATUS "installed package works: ${step_output}")
 
+# The host's own test of its form, built from the installed test kit (plx::testing): it
+# must have been found, built, and pass on both engines.
+if(NOT EXISTS "${WORK_DIR}/host/hostapp_test")
+    message(FATAL_ERROR "the installed package offered no test kit: hostapp_test was not built")
+endif()
+run_step(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen "${WORK_DIR}/host/hostapp_test")
+if(NOT step_output MATCHES "PASSED  \\] 2 tests")
+    message(FATAL_ERROR "hostapp_test printed: ${step_output}")
+endif()
+message(STATUS "the host's test built on the installed kit passes")
+
 # plxform, the project's own program, built the way a host builds: from its sources alone,
 # against the installed package. Its folder is copied so that its include root holds no
 # library header; every other include must come from the prefix. Then it writes its sample
@@ -68,7 +79,7 @@ message(STATUS "plxform builds from the installed package, writes its sample and
 set(library_dirs services services/widgets services/recordsource services/recordsource/jet
     services/recordsource/jetsqlite services/recordsource/sqlite services/recordsource/dbf
     services/recordsource/foxpro
-    mervane fields navigator dialogs)
+    mervane fields navigator dialogs testing)
 set(include_root "${WORK_DIR}/prefix/include/plx")
 file(GLOB_RECURSE installed RELATIVE "${include_root}" "${include_root}/*.h")
 set(problems)
@@ -103,9 +114,9 @@ file(WRITE "${probe}/CMakeLists.txt" "cmake_minimum_required(VERSION 3.25)
 project(PLXHeaderProbe LANGUAGES CXX)
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_AUTOMOC OFF)
-find_package(PLXControls REQUIRED)
+find_package(PLXControls REQUIRED COMPONENTS testing)
 add_library(probe OBJECT ${probe_list})
-target_link_libraries(probe PRIVATE plx::plx)
+target_link_libraries(probe PRIVATE plx::plx plx::testing)
 ")
 run_step(${CMAKE_COMMAND} -S "${probe}" -B "${probe}/build" -G Ninja
          -DCMAKE_BUILD_TYPE=Release "-DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix")

@@ -11,7 +11,7 @@
 #include "mervane/mvrow.h"
 
 #include "services/recordsource/database.h"
-#include "tests/support/fakeenv.h"
+#include "testing/fakeenv.h"
 
 #include <QDate>
 #include <QString>

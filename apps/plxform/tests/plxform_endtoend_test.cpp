@@ -9,7 +9,7 @@
 #include "fields/mvname.h"
 #include "navigator/mvplxrecs.h"
 #include "services/recordsource/recordsource.h"
-#include "tests/support/fakeenv.h"
+#include "testing/fakeenv.h"
 #include "tests/support/fulldisk.h"
 
 #include <QAction>

@@ -12,7 +12,7 @@
 #include "dialogs/texteditor.h"
 #include "tests/support/modalwatch.h"
 #include "services/ini.h"
-#include "tests/support/fakeenv.h"
+#include "testing/fakeenv.h"
 
 #include <QAction>
 #include <QListWidget>

@@ -13,7 +13,7 @@
 
 #include "navigator/mvplxrecs.h"
 #include "services/ini.h"
-#include "tests/support/fakeenv.h"
+#include "testing/fakeenv.h"
 
 #include <QApplication>
 #include <QComboBox>

@@ -1,5 +1,5 @@
-// tests/support/scriptedprompter.cpp: the strict scripted prompter.
-#include "tests/support/scriptedprompter.h"
+// testing/scriptedprompter.cpp: the strict scripted prompter.
+#include "testing/scriptedprompter.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // The strict test prompter itself: if it let an unexpected box or a wrong style pass, every
 // message-box test in the project would pass for the wrong reason.
-#include "tests/support/scriptedprompter.h"
+#include "testing/scriptedprompter.h"
 
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
-// tests/support/fakeenv.h: a fixed clock, a counting UI pump, and a Services bundle of
+// testing/fakeenv.h: a fixed clock, a counting UI pump, and a Services bundle of
 // the test doubles, so a test builds its own world in one line.
 #pragma once
 
 #include "services/env.h"
-#include "tests/support/scriptedprompter.h"
+#include "testing/scriptedprompter.h"
 
 #include <QDateTime>
 

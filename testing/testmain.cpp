@@ -1,4 +1,4 @@
-// tests/support/testmain.cpp: the main() of every test program.
+// testing/testmain.cpp: the main() of every test program.
 //
 // Widget tests need a QApplication, and CI has no display, so the offscreen platform is
 // chosen unless the caller picked another.

@@ -1,4 +1,4 @@
-// tests/support/scriptedprompter.h: a strict prompter for tests.
+// testing/scriptedprompter.h: a strict prompter for tests.
 //
 // The test lists the boxes it expects, in order, with the answer each gets. Every box
 // shown is recorded (kind, title, text, style). A box nobody expected, or one whose title
