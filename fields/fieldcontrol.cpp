@@ -4,6 +4,8 @@
 #include <QFileInfo>
 #include <QWidget>
 
+namespace plx {
+
 FieldControlPrivate::~FieldControlPrivate() = default;
 
 bool FieldControlPrivate::tableFileFound(const QString &path) const
@@ -40,3 +42,5 @@ void FieldControlPrivate::enabledChanged(const QWidget &control)
         enableParts(true);
     }
 }
+
+} // namespace plx

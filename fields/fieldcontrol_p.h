@@ -13,6 +13,8 @@
 
 class QWidget;
 
+namespace plx {
+
 class FieldControlPrivate
 {
 public:
@@ -40,3 +42,5 @@ protected:
 private:
     bool partsHeldDisabled = false;
 };
+
+} // namespace plx

@@ -2,6 +2,8 @@
 #include "fields/mvchecks.h"
 #include "fields/mvchecks_p.h"
 
+namespace plx {
+
 mvChecks::mvChecks(QWidget *parent) : RowStack(std::make_unique<mvChecksPrivate>(), parent) { }
 
 mvChecks::~mvChecks() = default;
@@ -37,3 +39,5 @@ void mvChecks::setBBoldOnChk(bool bold)
     for (qint16 i = 0; i <= nUbound(); ++i)
         d->checkRow(i)->setBBoldOnChk(bold);
 }
+
+} // namespace plx

@@ -6,6 +6,8 @@
 #include "fields/rowstack.h"
 #include "mervane/mvcheck.h"
 
+namespace plx {
+
 class mvChecksPrivate;
 
 class mvChecks : public RowStack
@@ -29,3 +31,5 @@ public:
 private:
     Q_DECLARE_PRIVATE(mvChecks)
 };
+
+} // namespace plx

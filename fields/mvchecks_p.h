@@ -4,6 +4,8 @@
 #include "fields/mvchecks.h"
 #include "fields/rowstack_p.h"
 
+namespace plx {
+
 class mvChecksPrivate : public RowStackPrivate
 {
 public:
@@ -12,3 +14,5 @@ public:
     // Row n as a check-box row (nullptr outside 0..nUbound).
     mvCheck *checkRow(qint16 n) const { return static_cast<mvCheck *>(rowAt(n)); }
 };
+
+} // namespace plx

@@ -9,6 +9,8 @@
 
 #include <QEvent>
 
+namespace plx {
+
 mvChkWithTxt::mvChkWithTxt(QWidget *parent)
     : QWidget(parent), d_ptr(std::make_unique<mvChkWithTxtPrivate>())
 {
@@ -237,3 +239,5 @@ QString mvChkWithTxt::Name() const
 {
     return objectName();
 }
+
+} // namespace plx

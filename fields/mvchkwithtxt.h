@@ -13,6 +13,8 @@
 
 #include <memory>
 
+namespace plx {
+
 class mvChkWithTxtPrivate;
 
 class mvChkWithTxt : public QWidget, public plx::BoundControl
@@ -153,3 +155,5 @@ private:
     const std::unique_ptr<mvChkWithTxtPrivate> d_ptr;
     Q_DECLARE_PRIVATE(mvChkWithTxt)
 };
+
+} // namespace plx

@@ -4,6 +4,8 @@
 #include "fields/fieldcontrol_p.h"
 #include "fields/mvchkwithtxt.h"
 
+namespace plx {
+
 class mvChkWithTxtPrivate : public FieldControlPrivate
 {
     Q_DECLARE_PUBLIC(mvChkWithTxt)
@@ -21,3 +23,5 @@ public:
 protected:
     void setPartsEnabled(bool enabled) override;
 };
+
+} // namespace plx

@@ -5,6 +5,8 @@
 
 #include "services/texthelpers.h"
 
+namespace plx {
+
 QString mvChkWithTxt::sCaptionChk() const
 {
     return d_func()->chk->sCaption();
@@ -199,3 +201,5 @@ void mvChkWithTxt::setBBoldOnChk(bool bold)
 {
     d_func()->chk->setBBoldOnChk(bold);
 }
+
+} // namespace plx

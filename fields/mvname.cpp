@@ -2,6 +2,8 @@
 #include "fields/mvname.h"
 #include "fields/textstack_p.h"
 
+namespace plx {
+
 mvName::mvName(QWidget *parent) : TextStack(std::make_unique<TextStackPrivate>(), parent) { }
 
 mvName::~mvName() = default;
@@ -17,3 +19,5 @@ void mvName::setBAllowNull(qint16 n, bool allow)
     if (mvText *r = d_func()->textRow(n))
         r->setBAllowNull(allow);
 }
+
+} // namespace plx

@@ -1,6 +1,6 @@
 // fields/mvname.h: a stack of labelled text rows (mvText), each bound to one field.
 //
-//     auto *names = new mvName(form);
+//     auto *names = new plx::mvName(form);
 //     names->setNUbound(2);                       // rows 0..2; set before per-row settings
 //     names->setSCaption(0, "Name");  names->setSFieldName(0, "NAME");
 //     names->setSCaption(1, "City");  names->setSFieldName(1, "CITY");
@@ -14,6 +14,8 @@
 #pragma once
 
 #include "fields/textstack.h"
+
+namespace plx {
 
 class mvName : public TextStack
 {
@@ -31,3 +33,5 @@ public:
 private:
     Q_DECLARE_PRIVATE(TextStack)
 };
+
+} // namespace plx

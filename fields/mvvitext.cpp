@@ -9,6 +9,8 @@
 #include <limits>
 #include <stdexcept>
 
+namespace plx {
+
 namespace {
 
 const QString kBoxTitle = QStringLiteral("mvVIText");
@@ -138,3 +140,5 @@ QString mvVIText::sValue(qint16 n) const
     }
     return TextStack::sValue(n);
 }
+
+} // namespace plx

@@ -22,6 +22,8 @@
 
 #include "fields/textstack.h"
 
+namespace plx {
+
 class mvVITextPrivate;
 
 class mvVIText : public TextStack
@@ -56,3 +58,5 @@ public:
 private:
     Q_DECLARE_PRIVATE(mvVIText)
 };
+
+} // namespace plx

@@ -11,6 +11,8 @@
 
 #include <stdexcept>
 
+namespace plx {
+
 namespace {
 
 // The right margin every row keeps to the control's edge: 60 twips.
@@ -295,3 +297,5 @@ void RowStack::setLocked(bool locked)
 {
     d_func()->forEachRow([locked](mvRow *r, qint16) { r->setLocked(locked); });
 }
+
+} // namespace plx

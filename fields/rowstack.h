@@ -19,6 +19,8 @@
 
 #include <memory>
 
+namespace plx {
+
 class RowStackPrivate;
 
 class RowStack : public QWidget, public plx::BoundControl
@@ -138,3 +140,5 @@ protected:
 private:
     Q_DECLARE_PRIVATE(RowStack)
 };
+
+} // namespace plx

@@ -5,6 +5,8 @@
 
 #include "services/texthelpers.h"
 
+namespace plx {
+
 namespace {
 
 // The part of a path behind its last separator; hosts write "\", the platform may use "/".
@@ -123,3 +125,5 @@ QString RowStack::Save()
     const QString result = SaveDBF();
     return plx::getLenTrim(result) >= 1 ? result : QString();
 }
+
+} // namespace plx

@@ -9,6 +9,8 @@
 
 #include <exception>
 
+namespace plx {
+
 class RowStackPrivate : public FieldControlPrivate
 {
     Q_DECLARE_PUBLIC(RowStack)
@@ -57,3 +59,5 @@ template<typename Fn> void RowStackPrivate::forEachRow(Fn fn)
         }
     }
 }
+
+} // namespace plx

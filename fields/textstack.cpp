@@ -2,6 +2,8 @@
 #include "fields/textstack.h"
 #include "fields/textstack_p.h"
 
+namespace plx {
+
 TextStack::TextStack(std::unique_ptr<TextStackPrivate> dd, QWidget *parent)
     : RowStack(std::move(dd), parent)
 {
@@ -139,3 +141,5 @@ void TextStack::setBackLtGray(qint16 n, bool on)
     if (mvText *r = d_func()->textRow(n))
         r->setBackLtGray(on);
 }
+
+} // namespace plx

@@ -10,6 +10,8 @@
 #include "fields/rowstack.h"
 #include "mervane/mvtext.h"
 
+namespace plx {
+
 class TextStackPrivate;
 
 class TextStack : public RowStack
@@ -70,3 +72,5 @@ protected:
 private:
     Q_DECLARE_PRIVATE(TextStack)
 };
+
+} // namespace plx

@@ -8,6 +8,8 @@
 
 #include <QKeyEvent>
 
+namespace plx {
+
 namespace {
 
 // The longest value row `r` may hold: the smaller of its MaxLength and its field's defined
@@ -60,3 +62,5 @@ void TextStack::keyPressEvent(QKeyEvent *event)
     }
     RowStack::keyPressEvent(event);
 }
+
+} // namespace plx

@@ -5,6 +5,8 @@
 #include "fields/rowstack_p.h"
 #include "fields/textstack.h"
 
+namespace plx {
+
 class TextStackPrivate : public RowStackPrivate
 {
     Q_DECLARE_PUBLIC(TextStack)
@@ -16,3 +18,5 @@ public:
     // Row n as a text row (nullptr outside 0..nUbound).
     mvText *textRow(qint16 n) const { return static_cast<mvText *>(rowAt(n)); }
 };
+
+} // namespace plx

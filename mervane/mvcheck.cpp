@@ -4,6 +4,8 @@
 
 #include "mervane/valueformat.h"
 
+namespace plx {
+
 mvCheck::mvCheck(QWidget *parent) : mvRow(std::make_unique<mvCheckPrivate>(), parent)
 {
     d_func()->init();
@@ -191,3 +193,5 @@ void mvCheckPrivate::applyGeometryPixels()
 {
     box->setGeometry(0, 0, q_ptr->width(), q_ptr->height());
 }
+
+} // namespace plx

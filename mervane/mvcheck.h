@@ -11,6 +11,8 @@
 
 #include "mervane/mvrow.h"
 
+namespace plx {
+
 class mvCheckPrivate;
 
 class mvCheck : public mvRow
@@ -38,3 +40,5 @@ public:
 private:
     Q_DECLARE_PRIVATE(mvCheck)
 };
+
+} // namespace plx

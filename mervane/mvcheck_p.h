@@ -6,6 +6,8 @@
 
 #include <QCheckBox>
 
+namespace plx {
+
 // A check box that a locked row keeps from changing, while it still takes the focus so
 // that a locked stack can be read with the keyboard.
 class LockableCheckBox : public QCheckBox
@@ -55,3 +57,5 @@ public:
     bool boldOnChk = false;
     bool focused = false;
 };
+
+} // namespace plx

@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+namespace plx {
+
 namespace {
 
 // Byte 29 of a FoxPro table header names its code page; unmarked tables are read as
@@ -113,3 +115,5 @@ const plx::FieldInfo &mvDataBinding::fieldInfo() const
     resolveField();
     return m_info;
 }
+
+} // namespace plx

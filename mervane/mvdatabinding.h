@@ -19,6 +19,8 @@
 
 #include <memory>
 
+namespace plx {
+
 class mvDataBinding : public QObject
 {
     Q_OBJECT
@@ -103,3 +105,5 @@ private:
     mutable int m_index = -1;
     mutable plx::FieldInfo m_info;
 };
+
+} // namespace plx

@@ -11,6 +11,8 @@
 
 #include <cmath>
 
+namespace plx {
+
 namespace {
 
 bool isNull(const QVariant &v)
@@ -384,3 +386,5 @@ void mvRow::changeEvent(QEvent *event)
         || event->type() == QEvent::StyleChange)
         d_func()->applyLook();
 }
+
+} // namespace plx

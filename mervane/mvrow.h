@@ -28,6 +28,8 @@
 
 #include <memory>
 
+namespace plx {
+
 class mvRowPrivate;
 
 class mvRow : public QWidget
@@ -129,3 +131,5 @@ protected:
 private:
     Q_DECLARE_PRIVATE(mvRow)
 };
+
+} // namespace plx

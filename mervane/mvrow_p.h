@@ -11,6 +11,8 @@
 
 #include <optional>
 
+namespace plx {
+
 class mvRowPrivate
 {
     Q_DECLARE_PUBLIC(mvRow)
@@ -73,3 +75,5 @@ public:
     std::optional<QVariant> pending; // written by EditUpdate, not yet known to be saved
     QString problem; // why EditUpdate could not write, reported by Save
 };
+
+} // namespace plx

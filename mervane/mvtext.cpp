@@ -10,6 +10,8 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
+namespace plx {
+
 mvText::mvText(QWidget *parent) : mvRow(std::make_unique<mvTextPrivate>(), parent)
 {
     d_func()->init();
@@ -269,3 +271,5 @@ void mvTextPrivate::applyGeometryPixels()
     QWidget *editor = multiLine ? static_cast<QWidget *>(memo) : line;
     editor->setGeometry(desc, 0, std::max(q->width() - desc, 0), q->height());
 }
+
+} // namespace plx

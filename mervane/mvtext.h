@@ -15,6 +15,8 @@
 
 #include "mervane/mvrow.h"
 
+namespace plx {
+
 class mvTextPrivate;
 
 class mvText : public mvRow
@@ -77,3 +79,5 @@ public:
 private:
     Q_DECLARE_PRIVATE(mvText)
 };
+
+} // namespace plx

@@ -8,6 +8,8 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 
+namespace plx {
+
 class mvTextPrivate : public mvRowPrivate
 {
     Q_DECLARE_PUBLIC(mvText)
@@ -48,3 +50,5 @@ public:
     bool white = false;
     bool ltGray = false;
 };
+
+} // namespace plx

@@ -65,9 +65,9 @@ QString makeTable(const QString &dir)
 struct ClientForm
 {
     QWidget window;
-    mvName *names = new mvName(&window);
-    mvChecks *checks = new mvChecks(&window);
-    mvChkWithTxt *delivery = new mvChkWithTxt(&window);
+    plx::mvName *names = new plx::mvName(&window);
+    plx::mvChecks *checks = new plx::mvChecks(&window);
+    plx::mvChkWithTxt *delivery = new plx::mvChkWithTxt(&window);
 
     explicit ClientForm(const QString &table)
     {
