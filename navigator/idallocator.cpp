@@ -1,17 +1,15 @@
 // navigator/idallocator.cpp
 #include "navigator/idallocator_p.h"
 
+#include "navigator/idkeystore_p.h"
+
 #include "services/activitylog.h"
 #include "services/cp1252.h"
 #include "services/env.h"
 #include "services/paths.h"
 #include "services/prompter.h"
 #include "services/recordsource/database.h"
-#include "services/recordsource/internal/filelock.h"
 #include "services/texthelpers.h"
-
-#include <QFile>
-#include <QSaveFile>
 
 namespace plx {
 
@@ -22,27 +20,6 @@ const QString kCrLf = QStringLiteral("\r\n");
 constexpr int kKeyLockWaitMs = 10000;
 // Candidates skipped as case twins before giving up: more than one wrap of a key character.
 constexpr int kMaxTwins = 1000;
-
-QString readKeyLine(const QString &diskPath)
-{
-    QFile file(diskPath);
-    if (!file.open(QIODevice::ReadOnly))
-        return QString();
-    return QString::fromLatin1(file.readLine()).remove(QLatin1Char('\r')).remove(QLatin1Char('\n'));
-}
-
-// Replaces the key file's line in one step: readers see the old line or the new one.
-// Returns why it could not (a full disk, a write-protected folder), or "".
-QString writeKeyLine(const QString &diskPath, const QString &line)
-{
-    QSaveFile file(diskPath);
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write(line.toLatin1() + "\r\n");
-        if (file.commit())
-            return QString();
-    }
-    return file.errorString().isEmpty() ? QStringLiteral("cannot write") : file.errorString();
-}
 
 // True for a line this generator writes: seven character codes of three digits each, none
 // of them 0 or the blank, and not the last key there is (seven times 255), after which
@@ -249,12 +226,12 @@ bool IdAllocator::keyIsFree(const Table &table, const QString &id, const QString
     return idInTable(table, id, table.sql.idCriterion(table.idField, id), ownID) == IdUse::Free;
 }
 
-void IdAllocator::keyFileProblem(const Table &table, const QString &keyFile, const QString &reason)
+void IdAllocator::keyFileProblem(const Table &table, const IdKeyStore &keys, const QString &reason)
 {
-    // Not "blank ID": the user (or support) must know it is the key file that failed.
-    const QString text = QStringLiteral("The record ID key file for ") + table.desc
-        + QStringLiteral(" cannot be used:") + kCrLf + fromDiskPath(keyFile) + kCrLf + kCrLf
-        + reason + kCrLf + kCrLf + QStringLiteral("New record has NOT been created.");
+    // Not "blank ID": the user (or support) must know it is the key that failed.
+    const QString text = QStringLiteral("The ") + keys.noun() + QStringLiteral(" for ") + table.desc
+        + QStringLiteral(" cannot be used:") + kCrLf + keys.location() + kCrLf + kCrLf + reason
+        + kCrLf + kCrLf + QStringLiteral("New record has NOT been created.");
     logLines(table, { text });
     showBox(table, text, MsgStyle::Critical, QStringLiteral("Record ID Error"));
     m_problemShown = true;
@@ -262,7 +239,7 @@ void IdAllocator::keyFileProblem(const Table &table, const QString &keyFile, con
 
 // The key file's last key, rebuilt from the table when the file is missing or holds no
 // key of this generator; empty (and the user told) when it cannot be made usable.
-QString IdAllocator::usableKeyLine(const Table &table, const QString &keyFile, const QString &query)
+QString IdAllocator::usableKeyLine(const Table &table, IdKeyStore &keys, const QString &query)
 {
     // The table itself knows its highest key; an empty table starts at zero, so that its
     // first ID ends in 0000001.
@@ -272,19 +249,19 @@ QString IdAllocator::usableKeyLine(const Table &table, const QString &keyFile, c
         if (ok && key.size() != 7)
             key = QStringLiteral("0000000");
         const QString code = keyToASC(key);
-        const QString failed = writeKeyLine(keyFile, code);
+        const QString failed = keys.write(code);
         if (!failed.isEmpty()) {
-            keyFileProblem(table, keyFile, failed);
+            keyFileProblem(table, keys, failed);
             return false;
         }
         logLines(table, rebuiltKeyLines(table.desc, query, key, code));
         return true;
     };
-    if (!getFileExistLEN(keyFile, false) && !rebuild())
+    if (!keys.exists() && !rebuild())
         return QString();
 
     const int lFlag = 0;
-    QString code = readKeyLine(keyFile);
+    QString code = keys.read();
     if (isGeneratorKeyLine(trimSpaces(code)))
         return code;
     // Damaged, written by something else, or the last key there is: said, and rebuilt.
@@ -297,14 +274,14 @@ QString IdAllocator::usableKeyLine(const Table &table, const QString &keyFile, c
                                                          "character codes")));
     if (!rebuild())
         return QString();
-    code = readKeyLine(keyFile);
+    code = keys.read();
     return isGeneratorKeyLine(trimSpaces(code)) ? code : QString();
 }
 
 // The first ID after `candidate` that no record holds, written back as the key file's
 // last key; empty (and the user told) when none is found or the key cannot be kept.
 QString IdAllocator::firstFreeID(const Table &table, const QString &parentID, QString candidate,
-                                 const QString &keyFile, const QString &query)
+                                 IdKeyStore &keys, const QString &query)
 {
     auto logStep = [&table](const QString &line) { logLines(table, { line }); };
     const int lFlag = 0;
@@ -319,9 +296,11 @@ QString IdAllocator::firstFreeID(const Table &table, const QString &parentID, QS
             continue;
         }
         if (use == IdUse::Free) {
-            if (const QString failed = writeKeyLine(keyFile, keyToASC(candidate).right(21));
-                !failed.isEmpty()) {
-                keyFileProblem(table, keyFile, failed);
+            QString failed = keys.write(keyToASC(candidate).right(21));
+            if (failed.isEmpty())
+                failed = keys.finish();
+            if (!failed.isEmpty()) {
+                keyFileProblem(table, keys, failed);
                 return QString();
             }
             return candidate;
@@ -336,7 +315,7 @@ QString IdAllocator::firstFreeID(const Table &table, const QString &parentID, QS
                 logLines(table,
                          { QStringLiteral("Key file behind the table for ") + table.desc,
                            QStringLiteral("Last ID Key (last 7):  ") + highest,
-                           QStringLiteral("From ") + keyFile });
+                           QStringLiteral("From ") + keys.location() });
                 candidate = PLXIDIncrement(parentID + highest, logStep);
                 continue;
             }
@@ -356,25 +335,23 @@ QString IdAllocator::firstFreeID(const Table &table, const QString &parentID, QS
 
 QString IdAllocator::newID(const Table &table, const QString &parentID)
 {
-    const QString keyFile = keyFilePath(table.file);
-    // No side files beside a table that cannot be written: its records get no new IDs.
-    if (keyFile.isEmpty() || getLenTrim(table.idField) < 1
+    m_problemShown = false;
+    // No key beside a table that cannot be written: its records get no new IDs.
+    std::unique_ptr<IdKeyStore> keys =
+        IdKeyStore::forTable(table.db.get(), table.sql.table(), table.file);
+    if (!keys || getLenTrim(table.idField) < 1
         || (table.records && !table.records->readOnlyReason().isEmpty()))
         return QString();
     // The table's generated IDs, highest first: the first row holds the last key.
     const QString query = table.sql.highestGeneratedID(table.idField);
 
     // One navigator at a time makes an ID for this table, in every process.
-    Result<std::unique_ptr<LockFile>> lock = LockFile::open(keyFile + QStringLiteral(".lock"));
-    m_problemShown = false;
-    if (!lock.isOk() || !lock.value()->lock(0, 1, LockKind::Exclusive, kKeyLockWaitMs).isOk()) {
-        keyFileProblem(table, keyFile,
-                       lock.isOk() ? QStringLiteral("another program holds it too long")
-                                   : lock.status().message());
+    if (const QString failed = keys->acquire(kKeyLockWaitMs); !failed.isEmpty()) {
+        keyFileProblem(table, *keys, failed);
         return QString();
     }
 
-    const QString code = usableKeyLine(table, keyFile, query);
+    const QString code = usableKeyLine(table, *keys, query);
     if (code.isEmpty())
         return QString();
     const QString lastID = parentID + ascToKey(code, 3);
@@ -382,8 +359,9 @@ QString IdAllocator::newID(const Table &table, const QString &parentID)
         PLXIDIncrement(lastID, [&table](const QString &line) { logLines(table, { line }); });
     logLines(table,
              { QStringLiteral("ParentID ") + parentID, QStringLiteral("LastID   ") + lastID,
-               QStringLiteral("New ID   ") + candidate, QStringLiteral("From ") + keyFile });
-    return firstFreeID(table, parentID, candidate, keyFile, query);
+               QStringLiteral("New ID   ") + candidate,
+               QStringLiteral("From ") + keys->location() });
+    return firstFreeID(table, parentID, candidate, *keys, query);
 }
 
 } // namespace plx

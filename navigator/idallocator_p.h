@@ -1,9 +1,10 @@
 // navigator/idallocator_p.h: IDs for the records NEW and COPY make, unique without a server.
 //
-// The last key handed out for a table lives in a one-line key file beside it: seven
-// characters as three-digit codes (keyToASC), 21 digits. Every navigator, in any process,
-// reads, advances and writes it under one lock, and checks each candidate against the
-// table as it is on disk, so no two records ever get the same ID. A missing or damaged key
+// The last key handed out for a table lives in a one-line key file beside it (or, on a
+// database that keeps keys itself, in its key table): seven characters as three-digit codes
+// (keyToASC), 21 digits. Every navigator, in any process, reads, advances and writes it
+// under one lock, and checks each candidate against the table as it is stored, so no two
+// records ever get the same ID. A missing or damaged key
 // file is rebuilt from the table's highest generated ID; a key file behind the table (a
 // restored backup) catches up with it once. Beside the key file lie the notes that name who
 // holds a record in edit (LockHolders).
@@ -21,6 +22,7 @@
 namespace plx {
 
 class Database;
+class IdKeyStore;
 class RecordSource;
 struct Services;
 
@@ -75,10 +77,10 @@ private:
                     const QString &ownID);
     IdUse idTaken(const Table &table, const QString &candidate, const QString &criterion);
     QString highestKeyInTable(const Table &table, const QString &query, bool *ok) const;
-    void keyFileProblem(const Table &table, const QString &keyFile, const QString &reason);
-    QString usableKeyLine(const Table &table, const QString &keyFile, const QString &query);
+    void keyFileProblem(const Table &table, const IdKeyStore &keys, const QString &reason);
+    QString usableKeyLine(const Table &table, IdKeyStore &keys, const QString &query);
     QString firstFreeID(const Table &table, const QString &parentID, QString candidate,
-                        const QString &keyFile, const QString &query);
+                        IdKeyStore &keys, const QString &query);
 
     QString m_takenBy;
     bool m_problemShown = false;

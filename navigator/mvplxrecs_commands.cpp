@@ -11,6 +11,7 @@
 #include "services/activitylog.h"
 #include "services/recordsource/database.h"
 #include "services/recordsource/keptorder.h"
+#include "services/recordsource/sharedkeys.h"
 #include "services/texthelpers.h"
 
 #include <QAction>
@@ -149,7 +150,7 @@ bool mvPLXRecsPrivate::commandEdit(const QString &id)
     pump();
     bool accepted = true;
     for (BoundControl *control : fieldControls())
-        accepted = control->bEdit(false, nullptr) && accepted;
+        accepted = control->bEdit(false) && accepted;
     if (!accepted) {
         // The record source stays in edit on purpose: the host decides what comes next.
         for (BoundControl *control : fieldControls())
@@ -552,8 +553,12 @@ QString mvPLXRecs::NewIDPLX()
 
 QString mvPLXRecs::keyFilePath() const
 {
-    return d_ptr->trapped("keyFilePath",
-                          [&] { return IdAllocator::keyFilePath(d_ptr->tableFilePath()); });
+    // A database that keeps the keys itself needs no key file.
+    return d_ptr->trapped("keyFilePath", [&] {
+        return dynamic_cast<SharedKeys *>(d_ptr->db.get())
+            ? QString()
+            : IdAllocator::keyFilePath(d_ptr->tableFilePath());
+    });
 }
 
 } // namespace plx

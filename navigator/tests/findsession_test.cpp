@@ -138,7 +138,7 @@ TEST_P(Finds, AFindThatCannotBeWrittenOrRunFails)
     EXPECT_TRUE(prefixes().isEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(BackEnds, Finds, ::testing::Values("SQLite", "FoxPro"), backEndName);
+INSTANTIATE_TEST_SUITE_P(BackEnds, Finds, ::testing::ValuesIn(navigatorBackEnds()), backEndName);
 
 } // namespace
 } // namespace plx::test

@@ -253,8 +253,8 @@ TEST_P(Filters, AFilterThatCannotRunLeavesEverythingAsItWas)
               QStringLiteral("2 records"));
 }
 
-INSTANTIATE_TEST_SUITE_P(BackEnds, Find, ::testing::Values("SQLite", "FoxPro"), backEndName);
-INSTANTIATE_TEST_SUITE_P(BackEnds, Filters, ::testing::Values("SQLite", "FoxPro"), backEndName);
+INSTANTIATE_TEST_SUITE_P(BackEnds, Find, ::testing::ValuesIn(navigatorBackEnds()), backEndName);
+INSTANTIATE_TEST_SUITE_P(BackEnds, Filters, ::testing::ValuesIn(navigatorBackEnds()), backEndName);
 
 } // namespace
 } // namespace plx::test

@@ -2,6 +2,7 @@
 #include "navigator/tests/navigatorfixture.h"
 
 #include "services/recordsource/recordsource.h"
+#include "services/recordsource/tests/postgresbackend.h"
 
 #include <QDir>
 #include <QScrollBar>
@@ -102,6 +103,14 @@ void NavigatorTest::configure()
     ASSERT_EQ(nav->sCurrentID(), QStringLiteral("PLE0000005"));
     nav->findChild<QScrollBar *>(QStringLiteral("HScroll1"))->setValue(0);
     events->clear();
+}
+
+std::vector<std::string> navigatorBackEnds()
+{
+    std::vector<std::string> names{ "SQLite", "FoxPro" };
+    if (testing::postgresJoinsTheSuite())
+        names.emplace_back("PostgreSQL");
+    return names;
 }
 
 std::string backEndName(const ::testing::TestParamInfo<std::string> &info)

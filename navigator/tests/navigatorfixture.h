@@ -52,6 +52,11 @@ protected:
     void TearDown() override;
 
     bool isFoxPro() const { return GetParam() == "FoxPro"; }
+    bool isServer() const { return GetParam() == "PostgreSQL"; }
+    // The server's ICU order puts symbols before letters, so "A|B PARTNERS" comes before
+    // "ADAMS" there: tests that step from the first record by name do not hold on it.
+    static constexpr const char *kSymbolsFirst =
+        "the server's ICU order puts \"A|B PARTNERS\" before \"ADAMS\"";
     // Attaches the table: by file path for FoxPro, through setDatabase + setRs for SQLite.
     void attach();
     // The usual host set-up: ID field, two sorts, attach, InitControl; then the first
@@ -71,6 +76,9 @@ protected:
     std::unique_ptr<RecordSource> tableRecords;
 };
 
+// The back ends the navigator's tests run on: SQLite and FoxPro, and PostgreSQL where the
+// contract suite runs on it.
+std::vector<std::string> navigatorBackEnds();
 std::string backEndName(const ::testing::TestParamInfo<std::string> &info);
 
 } // namespace plx::test

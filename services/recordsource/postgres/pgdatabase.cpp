@@ -2,6 +2,7 @@
 // and described, batches appended with COPY.
 #include "services/recordsource/postgres/pgdatabase_p.h"
 
+#include "services/recordsource/postgres/pgkeys_p.h"
 #include "services/recordsource/postgres/pgrecordsource_p.h"
 #include "services/recordsource/postgres/pgschema_p.h"
 #include "services/recordsource/postgres/pgvalues_p.h"
@@ -52,10 +53,13 @@ Status checkRow(const PgTable &table, const QVariantList &row)
     return Status::ok();
 }
 
-class PgDatabase final : public Database
+class PgDatabase final : public Database, public SharedKeys
 {
 public:
-    explicit PgDatabase(std::shared_ptr<Connection> connection) : m_conn(std::move(connection)) { }
+    PgDatabase(std::shared_ptr<Connection> connection, QString conninfo)
+        : m_conn(std::move(connection)), m_conninfo(std::move(conninfo))
+    {
+    }
     ~PgDatabase() override { Close(); }
 
     Result<std::unique_ptr<RecordSource>> OpenRecordset(const QString &tableOrSql) override
@@ -73,7 +77,13 @@ public:
     Status createTable(const QString &name, const QList<FieldInfo> &fields) override;
     Status appendRecords(const QString &name, const QList<QVariantList> &rows) override;
     Result<TableDescription> describeTable(const QString &name) const override;
-    void Close() override { m_conn.reset(); }
+    void Close() override
+    {
+        m_conn.reset();
+        m_keys.reset();
+    }
+
+    Result<std::unique_ptr<KeyLease>> leaseKey(const QString &table, int waitMs) override;
 
 private:
     static Status closed()
@@ -92,7 +102,26 @@ private:
     Status copyRows(const PgTable &table, const QList<QVariantList> &rows);
 
     std::shared_ptr<Connection> m_conn;
+    QString m_conninfo;
+    // The keys' own connection, made at the first lease: a lease's transaction must not
+    // take in the record sources' statements, nor they wait for it.
+    std::shared_ptr<Connection> m_keys;
 };
+
+Result<std::unique_ptr<KeyLease>> PgDatabase::leaseKey(const QString &table, int waitMs)
+{
+    if (Status s = writable(); !s.isOk())
+        return s;
+    // A lease still held (a nested navigator's) keeps its connection; this one gets another,
+    // so that the two transactions, and their locks, stay apart.
+    if (!m_keys || m_keys.use_count() > 1) {
+        Result<std::shared_ptr<Connection>> keys = Connection::open(m_conninfo, false);
+        if (!keys.isOk())
+            return keys.status();
+        m_keys = std::move(keys).value();
+    }
+    return postgres::leaseKey(m_keys, table, waitMs);
+}
 
 Status PgDatabase::createTable(const QString &name, const QList<FieldInfo> &fields)
 {
@@ -216,7 +245,7 @@ Result<std::unique_ptr<Database>> openPostgresDatabase(const QString &conninfo,
     Result<std::shared_ptr<Connection>> conn = Connection::open(conninfo, options.readOnly);
     if (!conn.isOk())
         return conn.status();
-    return std::unique_ptr<Database>(new PgDatabase(std::move(conn).value()));
+    return std::unique_ptr<Database>(new PgDatabase(std::move(conn).value(), conninfo));
 }
 
 } // namespace plx::postgres

@@ -1,22 +1,25 @@
 // tests/support/child/navigator.cpp: the navigator role, a second user's navigator in its own
 // process, for the tests that check what two users see of each other.
 //
-//   navigator hold   sqlite|foxpro PATH ID USER     takes the record into edit, prints
+//   navigator hold   KIND PATH ID USER              takes the record into edit, prints
 //                                                   "HELD", and waits to be killed
-//   navigator create sqlite|foxpro PATH COUNT USER  New + Save COUNT times, printing each
+//   navigator create KIND PATH COUNT USER           New + Save COUNT times, printing each
 //                                                   new ID in keyToASC form
 //   navigator killatsave foxpro PATH ID N           edits record ID's NAME and saves it, the
 //                                                   process ending before its Nth table
 //                                                   write (exit 77); 0 when the save ran whole
-// PATH is the FoxPro table file or the SQLite database file (table T).
+// KIND is sqlite, foxpro or postgresql; PATH the FoxPro table file, the SQLite database file
+// (table T), or for postgresql a file in the test folder whose database is meant.
 #include "tests/support/child/roles.h"
 
 #include "navigator/mvplxrecs.h"
 #include "services/prompter.h"
 #include "services/recordsource/database.h"
 #include "services/recordsource/dbf/internal/dbftesthooks.h"
+#include "services/recordsource/tests/backend.h"
 #include "services/texthelpers.h"
 
+#include <QFileInfo>
 #include <QThread>
 
 #include <cstdio>
@@ -48,7 +51,10 @@ bool attach(mvPLXRecs &nav, const QString &kind, const QString &path)
         nav.setSDBFPathFileName(path);
         return nav.rs() != nullptr;
     }
-    auto db = OpenDatabase(path, false, false, QString());
+    // A server database stands for the test's folder, where its side files stay too.
+    auto db = kind == QLatin1String("postgresql")
+        ? testing::backEndNamed(QStringLiteral("PostgreSQL"))->open(QFileInfo(path).absolutePath())
+        : OpenDatabase(path, false, false, QString());
     if (!db.isOk())
         return false;
     std::shared_ptr<Database> shared(std::move(db.value()));
