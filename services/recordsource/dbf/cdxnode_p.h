@@ -47,4 +47,26 @@ struct Node
 // `problem` (a sentence fragment such as "the key counts do not fit the page").
 bool decode(const char *page, int keyLength, char pad, Node *node, QString *problem);
 
+// How a leaf packs its entries: FoxPro gives the duplicate and trailing counts the bits the
+// key length needs, takes the fewest whole bytes that also hold the leaf's greatest record
+// number, and gives the record number every bit left over.
+struct LeafLayout
+{
+    int recordBits = 0;
+    int countBits = 0; // of the duplicate count and of the trailing count each
+    int entryBytes = 0;
+};
+LeafLayout leafLayout(int keyLength, quint32 greatestRecno);
+
+// The leaf bytes `key` takes after `previous` (empty for the first key of a leaf).
+int storedBytes(const QByteArray &previous, const QByteArray &key, char pad);
+
+// The largest number of entries an interior page holds.
+int interiorCapacity(int keyLength);
+
+// Writes `node` into `page` (kPageSize bytes) as FoxPro lays it out: a leaf compressed, an
+// interior page plain; the unused middle of the page is zeroed. False, with `page`
+// unspecified, when the entries do not fit one page.
+bool encode(const Node &node, int keyLength, char pad, char *page);
+
 } // namespace plx::cdxnode
