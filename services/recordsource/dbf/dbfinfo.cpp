@@ -80,7 +80,9 @@ QString DbfTable::infoText() const
     lines << QStringLiteral("Header length: %1").arg(m_header.headerLength);
     lines << QStringLiteral("Record length: %1").arg(m_header.recordLength);
     if (m_header.structuralIndex)
-        lines << QStringLiteral("Structural index: yes (.CDX), read only");
+        lines << (m_index && isWritable()
+                      ? QStringLiteral("Structural index: yes (.CDX), kept up to date")
+                      : QStringLiteral("Structural index: yes (.CDX), read only"));
     lines << QStringLiteral("Fields: %1").arg(m_fields.size());
     for (const DbfField &f : m_fields) {
         QString shape = QString::number(f.length);

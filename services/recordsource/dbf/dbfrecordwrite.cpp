@@ -1,6 +1,8 @@
 // services/recordsource/dbf/dbfrecordwrite.cpp: writeRecord, appendRecord and setDeleted.
 #include "services/recordsource/dbf/internal/dbftable.h"
 
+#include "services/recordsource/dbf/internal/cdxindex.h"
+
 #include "services/recordsource/dbf/dbfio_p.h"
 #include "services/recordsource/dbf/filemapping_p.h"
 #include "services/recordsource/dbf/dbfmemo_p.h"
@@ -55,6 +57,56 @@ private:
     DbfTable &m_table;
     quint32 m_recno;
     bool m_owned = false;
+};
+
+// One write's update of the index: the record's keys read before the table is written, the
+// index locked and marked, then every changed key moved once the table holds the new record.
+// An update left unfinished (a failed write) keeps its mark, so the index is rebuilt.
+class IndexUpdate
+{
+public:
+    IndexUpdate(CdxIndex *index, bool durable) : m_index(index), m_durable(durable) { }
+    ~IndexUpdate()
+    {
+        if (m_begun)
+            (void)m_index->endUpdate(false, false);
+    }
+    IndexUpdate(const IndexUpdate &) = delete;
+    IndexUpdate &operator=(const IndexUpdate &) = delete;
+
+    // `recno` 0: a record about to be appended, which has no keys yet.
+    Status begin(quint32 recno)
+    {
+        if (!m_index)
+            return Status::ok();
+        Result<CdxIndex::Keys> before = recno
+            ? m_index->keysOf(recno)
+            : Result<CdxIndex::Keys>(CdxIndex::Keys(m_index->tags().size()));
+        if (!before.isOk())
+            return before.status();
+        m_before = std::move(*before);
+        Status s = m_index->beginUpdate();
+        m_begun = s.isOk();
+        return s;
+    }
+
+    Status finish(quint32 recno)
+    {
+        if (!m_index)
+            return Status::ok();
+        const Result<CdxIndex::Keys> after = m_index->keysOf(recno);
+        const Status s =
+            after.isOk() ? m_index->applyChange(recno, m_before, *after) : after.status();
+        m_begun = false;
+        const Status ended = m_index->endUpdate(s.isOk(), m_durable);
+        return s.isOk() ? ended : s;
+    }
+
+private:
+    CdxIndex *m_index;
+    bool m_durable;
+    bool m_begun = false;
+    CdxIndex::Keys m_before;
 };
 
 } // namespace
@@ -161,6 +213,10 @@ Status DbfTable::writeRecord(quint32 recno, const QVariantList &values)
     s = encodeValues(rec, values, memos, false);
     if (!s.isOk())
         return s;
+    IndexUpdate index(m_index.get(), m_durable);
+    s = index.begin(recno);
+    if (!s.isOk())
+        return s;
     s = writeMemos(rec, memos);
     if (!s.isOk())
         return s;
@@ -171,6 +227,8 @@ Status DbfTable::writeRecord(quint32 recno, const QVariantList &values)
         s = touchDate();
     if (s.isOk() && m_durable)
         s = dbfio::syncData(m_fd, m_path);
+    if (s.isOk())
+        s = index.finish(recno);
     return s;
 }
 
@@ -203,6 +261,10 @@ Result<quint32> DbfTable::appendRecord(const QVariantList &values)
     s = recordLock.acquire();
     if (!s.isOk())
         return s;
+    IndexUpdate index(m_index.get(), m_durable);
+    s = index.begin(0);
+    if (!s.isOk())
+        return s;
     s = writeMemos(rec, memos);
     if (!s.isOk())
         return s;
@@ -224,6 +286,9 @@ Result<quint32> DbfTable::appendRecord(const QVariantList &values)
             return s;
     }
     m_count = recno;
+    s = index.finish(recno);
+    if (!s.isOk())
+        return s;
     return recno;
 }
 
@@ -246,6 +311,10 @@ Status DbfTable::setDeleted(quint32 recno, bool deleted)
     Status s = lock.acquire();
     if (!s.isOk())
         return s;
+    IndexUpdate index(m_index.get(), m_durable);
+    s = index.begin(recno);
+    if (!s.isOk())
+        return s;
     const char flag = deleted ? '*' : ' ';
     const qint64 offset = m_header.headerLength + qint64(recno - 1) * m_header.recordLength;
     s = dbfio::writeAt(m_fd, offset, &flag, 1, m_path);
@@ -253,7 +322,24 @@ Status DbfTable::setDeleted(quint32 recno, bool deleted)
         s = touchDate();
     if (s.isOk() && m_durable)
         s = dbfio::syncData(m_fd, m_path);
+    if (s.isOk())
+        s = index.finish(recno);
     return s;
+}
+
+Status DbfTable::reindex()
+{
+    if (!isWritable())
+        return m_writable;
+    if (!m_index)
+        return Status(Status::Code::NotFound,
+                      QStringLiteral("%1 has no structural index").arg(m_path));
+    HeaderLockGuard headerLock(*this, m_headerLockTimeoutMs);
+    if (Status s = headerLock.acquire(); !s.isOk())
+        return s;
+    if (Result<quint32> count = refreshCount(); !count.isOk())
+        return count.status();
+    return m_index->reindex();
 }
 
 } // namespace plx

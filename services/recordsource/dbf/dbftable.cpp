@@ -3,6 +3,7 @@
 #include "services/recordsource/dbf/internal/dbftable.h"
 
 #include "services/codepages.h"
+#include "services/recordsource/dbf/internal/cdxindex.h"
 #include "services/recordsource/dbf/dbfio_p.h"
 #include "services/recordsource/dbf/dbfmemo_p.h"
 #include "services/recordsource/dbf/internal/dbftesthooks.h"
@@ -91,6 +92,7 @@ public:
     static void chooseCodePage(DbfTable &t, int codePage);
     static void openCompanions(DbfTable &t, bool writable);
     static void decideWritable(DbfTable &t, bool writable, bool openedWritable);
+    static void openIndex(DbfTable &t);
     // Records a problem that leaves the table readable but not writable: the sentence for
     // warnings() and the short reason for a status bar.
     static void readOnlyBecause(DbfTable &t, const QString &warning, const QString &reason)
@@ -316,14 +318,6 @@ void DbfTableOpener::decideWritable(DbfTable &t, bool writable, bool openedWrita
                      .arg(name, version);
         shortReason = QStringLiteral("the table is in dBASE IV's format with memos, which this "
                                      "program only reads");
-    } else if (hd.structuralIndex && !dbfio::companionFile(t.m_path, ".cdx").isEmpty()) {
-        reason = QStringLiteral("%1 has a structural index (.CDX) that this program does not "
-                                "maintain; writing would leave the index stale for FoxPro and "
-                                "the other programs that trust it, so the table is read only")
-                     .arg(name);
-        shortReason = QStringLiteral("the table has an index this program cannot keep up to "
-                                     "date (%1)")
-                          .arg(QFileInfo(dbfio::companionFile(t.m_path, ".cdx")).fileName());
     } else if (!t.m_warnings.isEmpty()) {
         reason = t.m_warnings.first();
         shortReason = t.m_warningReason;
@@ -331,6 +325,52 @@ void DbfTableOpener::decideWritable(DbfTable &t, bool writable, bool openedWrita
     if (!reason.isEmpty())
         t.m_writable = Status(Status::Code::NotSupported, reason);
     t.m_readOnlyReason = shortReason;
+}
+
+// A writable table keeps its index up to date or is not written at all: an index that cannot
+// be maintained makes the table read only, saying which tag and why. A read-only table keeps
+// a sound index for seeks only. An index an update left marked as cut short is rebuilt
+// before the first write.
+void DbfTableOpener::openIndex(DbfTable &t)
+{
+    if (!t.m_header.structuralIndex)
+        return;
+    const QString cdxPath = dbfio::companionFile(t.m_path, ".cdx");
+    if (cdxPath.isEmpty())
+        return;
+    const bool canWrite = t.isWritable();
+    Result<std::unique_ptr<CdxIndex>> index = CdxIndex::open(cdxPath, t, canWrite);
+    Status problem = index.status();
+    if (index.isOk()) {
+        const Result<bool> stale = (*index)->stale();
+        problem = stale.status();
+        if (stale.isOk() && *stale && canWrite) {
+            problem = t.lockHeader(t.m_headerLockTimeoutMs);
+            if (problem.isOk()) {
+                problem = (*index)->reindex();
+                (void)t.unlockHeader();
+            }
+        } else if (stale.isOk() && *stale) {
+            return;
+        }
+        if (problem.isOk()) {
+            t.m_index = std::move(*index);
+            return;
+        }
+    }
+    if (!canWrite)
+        return;
+    const QString name = QFileInfo(t.m_path).fileName();
+    const QString reason = problem.code() == Status::Code::NotSupported
+        ? problem.message()
+        : QStringLiteral("%1 has a structural index (.CDX) that cannot be read (%2); writing "
+                         "would leave the index stale for FoxPro and the other programs that "
+                         "trust it, so the table is read only")
+              .arg(name, problem.message());
+    t.m_writable = Status(Status::Code::NotSupported, reason);
+    t.m_readOnlyReason = QStringLiteral("the table has an index this program cannot keep up to "
+                                        "date (%1)")
+                             .arg(QFileInfo(cdxPath).fileName());
 }
 
 DbfTable::DbfTable() : m_fd(dbfio::noFile()) { }
@@ -397,6 +437,7 @@ Result<std::unique_ptr<DbfTable>> DbfTable::open(const QString &path, OpenMode m
     s = t->remap(*size);
     if (!s.isOk())
         return s;
+    DbfTableOpener::openIndex(*t);
     return t;
 }
 

@@ -10,10 +10,12 @@
 // place, locks at FoxPro's byte offsets (both locking schemes, see lockRecord()).
 //
 // Version bytes 0x03, 0xF5 (FPT memo) and 0x83 (dBASE III DBT memo) are read and written.
-// Visual FoxPro (0x30, 0x31, 0x32) and dBASE IV memo tables (0x8B) are read only; tables
-// with a structural .CDX index are read only too, because writing without maintaining the
-// index would leave it stale for the programs that trust it. Every other version byte is
-// refused on open.
+// Visual FoxPro (0x30, 0x31, 0x32) and dBASE IV memo tables (0x8B) are read only. A table
+// with a structural .CDX index is written only when every tag can be kept up to date (see
+// cdxindex.h): each write then updates every tag under the index lock, and a table whose
+// index cannot be maintained (a tag this program cannot evaluate, a damaged file) is read
+// only, because writing it would leave the index stale for the programs that trust it.
+// Every other version byte is refused on open.
 //
 // Usage:
 //     auto table = plx::DbfTable::open(QStringLiteral("/data/CUSTOMER.DBF"),
@@ -94,6 +96,7 @@ struct DbfHeader
 };
 
 class DbfMemoFile;
+class CdxIndex;
 namespace dbfio {
 class FileMapping;
 }
@@ -295,6 +298,16 @@ public:
     void setHeaderLockTimeout(int timeoutMs) { m_headerLockTimeoutMs = timeoutMs; }
     Status unlockHeader();
 
+    // ---- the structural index (.CDX) ----
+
+    // The index kept with the table; nullptr when the table has none, or when it cannot be
+    // used (damaged, a tag that cannot be evaluated, left stale on a read-only table).
+    // Writable tables keep it up to date on every write: the index lock is taken after the
+    // table's locks, the table written first, then every tag whose key changed.
+    const CdxIndex *index() const { return m_index.get(); }
+    // Rebuilds every tag from the table under the header and index locks.
+    Status reindex();
+
     // The header description: version byte, code page, record counts (physical and live),
     // header and record length, and one line per field with type, length and decimals.
     QString infoText() const;
@@ -349,6 +362,7 @@ private:
     int m_headerLockTimeoutMs = 5000;
     QSet<quint32> m_recordLocks;
     std::unique_ptr<DbfMemoFile> m_memo;
+    std::unique_ptr<CdxIndex> m_index;
 };
 
 } // namespace plx
