@@ -14,6 +14,7 @@ class mvChecks : public RowStack
 {
     Q_OBJECT
     Q_PROPERTY(bool bBoldOnChk READ bBoldOnChk WRITE setBBoldOnChk)
+    Q_PROPERTY(QStringList sCaptions READ sCaptions WRITE setSCaptions)
 
 public:
     explicit mvChecks(QWidget *parent = nullptr);
@@ -21,6 +22,9 @@ public:
 
     // Row n's caption (n in 0 .. nUbound; out of range does nothing).
     Q_INVOKABLE void setSCaption(qint16 n, const QString &caption);
+    // Every row's caption as one list, as sFieldNames.
+    QStringList sCaptions() const;
+    void setSCaptions(const QStringList &captions);
     // Row 0's flag; setting it reaches every row that exists now.
     bool bBoldOnChk() const;
     void setBBoldOnChk(bool bold);

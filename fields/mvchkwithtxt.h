@@ -11,6 +11,8 @@
 
 #include "services/widgets/boundcontrol.h"
 
+#include <QStringList>
+
 #include <memory>
 
 namespace plx {
@@ -31,6 +33,8 @@ class mvChkWithTxt : public QWidget, public plx::BoundControl
     Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabled)
     Q_PROPERTY(qint32 lAltGrayColor READ lAltGrayColor WRITE setLAltGrayColor)
     Q_PROPERTY(bool bBoldOnChk READ bBoldOnChk WRITE setBBoldOnChk)
+    Q_PROPERTY(QStringList sCaptionsTxt READ sCaptionsTxt WRITE setSCaptionsTxt)
+    Q_PROPERTY(QStringList sFieldNamesTxt READ sFieldNamesTxt WRITE setSFieldNamesTxt)
 
 public:
     explicit mvChkWithTxt(QWidget *parent = nullptr);
@@ -56,6 +60,13 @@ public:
     void setSFieldNameChk(const QString &name);
     Q_INVOKABLE QString sFieldNameTxt(qint16 n) const;
     Q_INVOKABLE void setSFieldNameTxt(qint16 n, const QString &name);
+    // The text rows' captions and field names as lists, row 0 first: the rows edited as
+    // one property each (Qt Designer, .ui files). A longer list adds text rows; a shorter
+    // one leaves the rows after it as they are.
+    QStringList sCaptionsTxt() const;
+    void setSCaptionsTxt(const QStringList &captions);
+    QStringList sFieldNamesTxt() const;
+    void setSFieldNamesTxt(const QStringList &names);
 
     // The check box's value text without surrounding blanks (the forms of
     // mervane/mvcheck.h; "" never set). Setting a Null gives "", anything else is shown as

@@ -15,6 +15,7 @@
 #include "services/widgets/boundcontrol.h"
 #include "services/env.h"
 
+#include <QStringList>
 #include <QWidget>
 
 #include <memory>
@@ -35,6 +36,7 @@ class RowStack : public QWidget, public plx::BoundControl
     Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabled)
     Q_PROPERTY(qint32 lAltGrayColor READ lAltGrayColor WRITE setLAltGrayColor)
     Q_PROPERTY(qint32 BackColor READ BackColor WRITE setBackColor)
+    Q_PROPERTY(QStringList sFieldNames READ sFieldNames WRITE setSFieldNames)
 
 public:
     ~RowStack() override;
@@ -83,6 +85,11 @@ public:
     // The row's bound field name; the new name is looked up at the next UpdateDBF.
     Q_INVOKABLE QString sFieldName(qint16 n) const;
     Q_INVOKABLE void setSFieldName(qint16 n, const QString &name);
+    // Every row's field name, row 0 first: the rows edited as one property (Qt Designer,
+    // .ui files). A longer list adds rows (nUbound grows to fit); a shorter one leaves
+    // the rows after it as they are.
+    QStringList sFieldNames() const;
+    void setSFieldNames(const QStringList &names);
     // The row's shown text without surrounding blanks. No bounds check on reading (an index
     // outside 0..nUbound throws std::out_of_range, the row array's indexing error); writing
     // checks (out of range does nothing) and stores "" for a Null. Writing only shows the

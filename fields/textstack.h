@@ -18,6 +18,7 @@ class TextStack : public RowStack
 {
     Q_OBJECT
     Q_PROPERTY(qint32 DescWidthAll READ DescWidthAll WRITE setDescWidthAll)
+    Q_PROPERTY(QStringList sCaptions READ sCaptions WRITE setSCaptions)
 
 public:
     ~TextStack() override;
@@ -26,6 +27,9 @@ public:
     // 0 .. nUbound. Out of range, getters give "" / 0 / false and setters do nothing.
     Q_INVOKABLE QString sCaption(qint16 n) const;
     Q_INVOKABLE void setSCaption(qint16 n, const QString &caption);
+    // Every row's caption as one list, as sFieldNames.
+    QStringList sCaptions() const;
+    void setSCaptions(const QStringList &captions);
     Q_INVOKABLE void setSMode(qint16 n, const QString &mode);
     Q_INVOKABLE void setSFormat(qint16 n, const QString &format);
     Q_INVOKABLE void setMaxLength(qint16 n, qint32 length);

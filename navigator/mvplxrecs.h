@@ -64,8 +64,9 @@ class mvPLXRecs : public QWidget
     Q_PROPERTY(QString sEventInfo READ sEventInfo)
     Q_PROPERTY(bool bRecDisplay READ bRecDisplay WRITE setBRecDisplay)
     Q_PROPERTY(bool bGenerateIDs READ bGenerateIDs WRITE setBGenerateIDs)
-    Q_PROPERTY(qint32 lDelayMS READ lDelayMS WRITE setLDelayMS)
-    Q_PROPERTY(qint32 lListIndex READ lListIndex WRITE setLListIndex)
+    // Obsolete (every access shows a box): a form designer does not offer them.
+    Q_PROPERTY(qint32 lDelayMS READ lDelayMS WRITE setLDelayMS DESIGNABLE false)
+    Q_PROPERTY(qint32 lListIndex READ lListIndex WRITE setLListIndex DESIGNABLE false)
     Q_PROPERTY(qint32 lWatchMS READ lWatchMS WRITE setLWatchMS)
 
 public:

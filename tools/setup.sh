@@ -6,6 +6,7 @@ set -euo pipefail
 packages=(
     cmake ninja-build g++ pkg-config
     qt6-base-dev qt6-base-dev-tools libgl-dev
+    qt6-tools-dev designer-qt6 libqt6opengl6-dev  # the Designer plugin, QUiLoader, designer
     libsqlite3-dev sqlite3
     postgresql libpq-dev         # the PostgreSQL engine and the throwaway servers of its tests
     libgtest-dev libgmock-dev libbenchmark-dev

@@ -42,6 +42,19 @@ if(NOT step_output MATCHES "PASSED  \\] 2 tests")
 endif()
 message(STATUS "the host's test built on the installed kit passes")
 
+# The Designer plugin where cmake --install put it (under the prefix, in Qt's relative
+# plugin folder): it loads from there and makes every control of a designed form.
+if(EXISTS "${BUILD_DIR}/designer/designer_tests")
+    file(GLOB_RECURSE designer_plugin "${WORK_DIR}/prefix/*libplxdesigner.so")
+    if(NOT designer_plugin MATCHES "/designer/libplxdesigner.so$")
+        message(FATAL_ERROR "the Designer plugin was not installed under ${WORK_DIR}/prefix")
+    endif()
+    run_step(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen
+             "PLX_DESIGNER_PLUGIN=${designer_plugin}" "${BUILD_DIR}/designer/designer_tests")
+    file(RELATIVE_PATH plugin_place "${WORK_DIR}/prefix" "${designer_plugin}")
+    message(STATUS "the installed Designer plugin (${plugin_place}) loads and makes every control")
+endif()
+
 # plxform, the project's own program, built the way a host builds: from its sources alone,
 # against the installed package. Its folder is copied so that its include root holds no
 # library header; every other include must come from the prefix. Then it writes its sample
