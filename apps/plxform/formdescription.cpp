@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSet>
 
 namespace plx::form {
@@ -229,6 +230,7 @@ Status readFormSection(const DescriptionReader &in, const QString &path, FormDes
     const QString f = QStringLiteral("FORM");
     form.file = in.value(f, "File");
     form.database = in.value(f, "Database");
+    form.server = in.value(f, "Server");
     form.table = in.value(f, "Table");
     form.desc = in.value(f, "Desc");
     form.idField = in.value(f, "IDField");
@@ -240,12 +242,12 @@ Status readFormSection(const DescriptionReader &in, const QString &path, FormDes
     for (const QString &field : in.value(f, "Required").split(QLatin1Char(','), Qt::SkipEmptyParts))
         form.required << field.trimmed();
     readTableOptions(in, form);
-    if (form.file.isEmpty() == form.database.isEmpty())
-        return Status(
-            Status::Code::InvalidArgument,
-            QStringLiteral("%1 must name either File= (a FoxPro table) or Database= (SQLite)")
-                .arg(path));
-    if (!form.database.isEmpty() && form.table.isEmpty())
+    if (int(!form.file.isEmpty()) + int(!form.database.isEmpty()) + int(form.isServer()) != 1)
+        return Status(Status::Code::InvalidArgument,
+                      QStringLiteral("%1 must name one of File= (a FoxPro table), Database= "
+                                     "(SQLite) or Server= (PostgreSQL)")
+                          .arg(path));
+    if (form.file.isEmpty() && form.table.isEmpty())
         return Status(Status::Code::InvalidArgument,
                       QStringLiteral("%1 names a database but no Table=").arg(path));
     return Status::ok();
@@ -389,6 +391,7 @@ Status saveFormDescription(const FormDescription &form, const QString &path)
     };
     set(f, "File", form.file);
     set(f, "Database", form.database);
+    set(f, "Server", form.server);
     set(f, "Table", form.table);
     set(f, "Desc", form.desc);
     set(f, "IDField", form.idField);
@@ -572,6 +575,41 @@ QStringList checkFieldNames(const FormDescription &form, const QList<FieldInfo> 
         check(form.valueRows[i].field,
               QStringLiteral("Value row %1 (%2)").arg(i + 1).arg(form.valueRows[i].caption));
     return problems;
+}
+
+QString serverDatabaseName(const QString &conninfo)
+{
+    const QString text = conninfo.trimmed();
+    if (text.startsWith(QLatin1String("postgres"), Qt::CaseInsensitive)
+        && text.contains(QLatin1String("://"))) {
+        // postgresql://user@host:port/database?options
+        const QString rest = text.section(QStringLiteral("://"), 1);
+        const qsizetype slash = rest.indexOf(QLatin1Char('/'));
+        return slash < 0 ? QString() : rest.mid(slash + 1).section(QLatin1Char('?'), 0, 0);
+    }
+    // key=value pairs; a value may be quoted ('my db').
+    static const QRegularExpression dbname(
+        QStringLiteral("(?:^|\\s)dbname\\s*=\\s*(?:'((?:[^'\\\\]|\\\\.)*)'|(\\S+))"));
+    const QRegularExpressionMatch m = dbname.match(text);
+    if (!m.hasMatch())
+        return QString();
+    if (m.captured(1).isNull())
+        return m.captured(2);
+    // Inside quotes a backslash keeps the character after it ('it\'s').
+    static const QRegularExpression escaped(QStringLiteral("\\\\(.)"));
+    return m.captured(1).replace(escaped, QStringLiteral("\\1"));
+}
+
+QString FormDescription::databaseLabel() const
+{
+    if (isFoxPro())
+        return QFileInfo(file).fileName();
+    if (isServer()) {
+        const QString name = serverDatabaseName(server);
+        return QStringLiteral("PostgreSQL ")
+            + (name.isEmpty() ? QStringLiteral("(default)") : name);
+    }
+    return QFileInfo(database).fileName();
 }
 
 } // namespace plx::form

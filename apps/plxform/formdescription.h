@@ -71,6 +71,7 @@ struct FormDescription
 {
     QString file; // FoxPro table file
     QString database; // SQLite database file
+    QString server; // PostgreSQL: a libpq connection string or postgresql:// URI
     QString table; // SQLite table (FoxPro: the file's title)
     QString source; // the form description file this was read from ("" when made)
     QString desc;
@@ -88,7 +89,15 @@ struct FormDescription
     QList<ValueRowDescription> valueRows;
 
     bool isFoxPro() const { return !file.isEmpty(); }
+    bool isServer() const { return !server.isEmpty(); }
+    // What the user knows the table's database as: the table file, the SQLite database's
+    // file name, or "PostgreSQL <database>" (never the connection string, which may hold a
+    // password).
+    QString databaseLabel() const;
 };
+
+// The database a libpq connection string or URI names ("" when it names none).
+QString serverDatabaseName(const QString &conninfo);
 
 // Reads a form description. Keys plxform does not know and values it cannot use are told
 // in `warnings`, one line each; a file that is not a form description at all gives an

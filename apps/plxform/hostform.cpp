@@ -73,6 +73,7 @@ FormDescription completedForm(FormDescription form, const QList<FieldInfo> &fiel
             describeTable(fields, form.desc.isEmpty() ? form.table : form.desc, tags);
         generated.file = form.file;
         generated.database = form.database;
+        generated.server = form.server;
         generated.table = form.table;
         generated.source = form.source;
         generated.parentID = form.parentID;
@@ -91,39 +92,6 @@ FormDescription completedForm(FormDescription form, const QList<FieldInfo> &fiel
     if (form.desc.isEmpty())
         form.desc = form.table;
     return form;
-}
-
-// The FoxPro connect string for a form's table options.
-QString foxProConnect(const FormDescription &form)
-{
-    QString connect = QStringLiteral("FoxPro 2.6");
-    if (form.codePage > 0)
-        connect += QStringLiteral(";CodePage=%1").arg(form.codePage);
-    if (!form.collate.isEmpty())
-        connect += QStringLiteral(";Collate=") + form.collate;
-    return connect;
-}
-
-struct OpenedTable
-{
-    std::shared_ptr<Database> db;
-    std::shared_ptr<RecordSource> rs;
-};
-
-// The table file's folder as a FoxPro database, and the table in it.
-Result<OpenedTable> openTableFile(const QString &file, const QString &connect)
-{
-    Result<std::unique_ptr<Database>> db =
-        OpenDatabase(toDiskPath(getFileDir(fromDiskPath(file))), false, false, connect);
-    if (!db.isOk())
-        return db.status();
-    OpenedTable opened{ std::shared_ptr<Database>(std::move(db.value())), nullptr };
-    Result<std::unique_ptr<RecordSource>> rs =
-        opened.db->OpenRecordset(QueryText(getFileTitle(fromDiskPath(file))).selectAll());
-    if (!rs.isOk())
-        return rs.status();
-    opened.rs = std::move(rs.value());
-    return opened;
 }
 
 // How tall a memo's row is: room for a few lines.
@@ -324,8 +292,7 @@ QString HostForm::userSettings() const
 
 QString HostForm::filterFile() const
 {
-    const QString table = m_form.isFoxPro() ? m_form.file : m_form.database;
-    return toDiskPath(filterFilePath(table));
+    return toDiskPath(filterFilePath(sideFile(m_form)));
 }
 
 void HostForm::mirrorToolbar()
@@ -341,74 +308,6 @@ void HostForm::mirrorToolbar()
                     [item, button] { item->setEnabled(button->isEnabled()); });
         }
     }
-}
-
-bool HostForm::openTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
-                         QString *error)
-{
-    return form.isFoxPro() ? openFoxProTable(form, nav, db, error)
-                           : openSqliteTable(form, nav, db, error);
-}
-
-bool HostForm::openFoxProTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
-                               QString *error) const
-{
-    if (!QFileInfo(form.file).isFile()) {
-        *error = tr("The table file %1 was not found.").arg(form.file);
-        return false;
-    }
-    // A DOS table (no code page in its header) is read in the code page the user chose for
-    // it last, unless this opening names one.
-    if (form.codePage == 0 && codePageMark(form.file) == 0)
-        form.codePage = rememberedCodePage(form.file);
-    const QString connect = foxProConnect(form);
-    if (connect == QLatin1String("FoxPro 2.6")) {
-        nav.setSDBFPathFileName(form.file);
-        if (nav.rs()) {
-            db = nav.database();
-            form.table = nav.tableName();
-            return true;
-        }
-    }
-    // Opened here when it has options the navigator's own connection does not take, and
-    // again when the navigator could not open it, to learn why.
-    Result<OpenedTable> opened = openTableFile(form.file, connect);
-    if (!opened.isOk()) {
-        *error =
-            tr("The table %1 could not be opened: %2").arg(form.file, opened.status().message());
-        return false;
-    }
-    db = opened.value().db;
-    form.table = getFileTitle(fromDiskPath(form.file));
-    nav.setDatabase(db, form.table, form.file);
-    nav.setRs(opened.value().rs);
-    return true;
-}
-
-bool HostForm::openSqliteTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
-                               QString *error)
-{
-    // Opening a file that is not there would make a new, empty database.
-    if (!QFileInfo(form.database).isFile()) {
-        *error = tr("The SQLite database %1 was not found.").arg(form.database);
-        return false;
-    }
-    Result<std::unique_ptr<Database>> opened = OpenDatabase(form.database, false, false, QString());
-    if (!opened.isOk()) {
-        *error = tr("The SQLite database %1 could not be opened: %2")
-                     .arg(form.database, opened.status().message());
-        return false;
-    }
-    db = std::move(opened.value());
-    Result<std::unique_ptr<RecordSource>> rs = db->OpenRecordset(QueryText(form.table).selectAll());
-    if (!rs.isOk()) {
-        *error = tr("The table %1 of %2 could not be opened: %3")
-                     .arg(form.table, form.database, rs.status().message());
-        return false;
-    }
-    nav.setDatabase(db, form.table, form.database);
-    nav.setRs(std::shared_ptr<RecordSource>(std::move(rs.value())));
-    return true;
 }
 
 void HostForm::configureNavigator(mvPLXRecs &nav, const FormDescription &form)
@@ -556,9 +455,11 @@ bool HostForm::openForm(const FormDescription &form, QStringList *warnings, QStr
     restoreFormPlacement(this, m_form.desc, userSettings());
     fitOnScreen(this);
     // A form description is what the user opened: it comes back from the recent files.
-    rememberRecent(!shown.source.isEmpty() ? QFileInfo(shown.source).absoluteFilePath()
-                       : shown.isFoxPro()  ? shown.file
-                                           : shown.database);
+    // A server's table has no file to open again: it comes back through a form description.
+    if (!shown.source.isEmpty())
+        rememberRecent(QFileInfo(shown.source).absoluteFilePath());
+    else if (!shown.isServer())
+        rememberRecent(shown.isFoxPro() ? shown.file : shown.database);
     m_codePageAction->setEnabled(m_form.isFoxPro() && codePageMark(m_form.file) == 0);
     updateStatus();
     return true;
@@ -668,7 +569,7 @@ void HostForm::updateStatus()
         return;
     std::shared_ptr<RecordSource> rs = m_nav->rs();
     m_statusTable->setText(
-        QFileInfo(m_form.isFoxPro() ? m_form.file : m_form.database).fileName()
+        m_form.databaseLabel()
         + (m_form.isFoxPro() ? QString() : QStringLiteral(" : ") + m_form.table));
     const QLocale english(QLocale::English);
     const qint32 count = rs->RecordCount();

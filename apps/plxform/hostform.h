@@ -105,6 +105,11 @@ private:
                          QString *error) const;
     bool openSqliteTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
                          QString *error);
+    bool openServerTable(FormDescription &form, mvPLXRecs &nav, std::shared_ptr<Database> &db,
+                         QString *error);
+    // The file the form's side files (its filters) are named after: the table file, the
+    // SQLite database, or for a server's table a file in a work-directory folder of its own.
+    QString sideFile(const FormDescription &form) const;
     void placeWidgets(mvPLXRecs *nav, mvName *rows, const QList<mvVIText *> &valueRows,
                       mvChecks *checks, const QList<mvChkWithTxt *> &pairs);
     void configureNavigator(mvPLXRecs &nav, const FormDescription &form);

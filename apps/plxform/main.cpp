@@ -80,6 +80,11 @@ bool readRequest(const QCommandLineParser &args, OpenRequest *request)
 {
     request->target = args.positionalArguments().value(0);
     request->sqlite = args.value(QStringLiteral("sqlite"));
+    request->postgres = args.value(QStringLiteral("postgres"));
+    if (!request->sqlite.isEmpty() && !request->postgres.isEmpty()) {
+        say(QStringLiteral("--sqlite and --postgres name two databases: give one"));
+        return false;
+    }
     request->table = args.value(QStringLiteral("table"));
     if (args.isSet(QStringLiteral("codepage"))) {
         request->codePage = parseCodePage(args.value(QStringLiteral("codepage")));
@@ -112,7 +117,8 @@ void quietOffscreenNotes()
 void defineOptions(QCommandLineParser &args)
 {
     args.setApplicationDescription(
-        QStringLiteral("A data-entry form for a FoxPro table file or a SQLite table."));
+        QStringLiteral("A data-entry form for a FoxPro table file, a SQLite table or a PostgreSQL "
+                       "table."));
     args.addHelpOption();
     args.addVersionOption();
     args.addPositionalArgument(
@@ -121,7 +127,12 @@ void defineOptions(QCommandLineParser &args)
         QStringLiteral("[TABLE.DBF | FORM.INI]"));
     args.addOption({ QStringLiteral("sqlite"), QStringLiteral("A SQLite database file."),
                      QStringLiteral("FILE") });
-    args.addOption({ QStringLiteral("table"), QStringLiteral("The table of the SQLite database."),
+    args.addOption({ QStringLiteral("postgres"),
+                     QStringLiteral("A PostgreSQL database: a libpq connection string "
+                                    "(\"host=... dbname=... user=...\") or a postgresql:// URI."),
+                     QStringLiteral("CONNINFO") });
+    args.addOption({ QStringLiteral("table"),
+                     QStringLiteral("The table of the SQLite or PostgreSQL database."),
                      QStringLiteral("T") });
     args.addOption({ QStringLiteral("save-form"),
                      QStringLiteral("Write the form description and exit."),

@@ -22,8 +22,36 @@ Status notFound(const QString &what, const QString &path)
     return Status(Status::Code::NotFound, QStringLiteral("%1 %2 was not found.").arg(what, path));
 }
 
-// A SQLite database file and one of its tables: `table`, else its only table, else the
-// one the user picks.
+// `form` with the table of `tables` it shows: `table`, else the only one, else the one the
+// user picks. `where` names the database in messages.
+Result<FormDescription> withTable(FormDescription form, const QStringList &tables,
+                                  const QString &table, const QString &where,
+                                  const TableChooserFn &chooseTable)
+{
+    if (!table.isEmpty()) {
+        const auto named = std::find_if(tables.begin(), tables.end(), [&](const QString &t) {
+            return t.compare(table, Qt::CaseInsensitive) == 0;
+        });
+        if (named == tables.end())
+            return Status(Status::Code::NotFound,
+                          QStringLiteral("%1 has no table %2.").arg(where, table));
+        form.table = *named;
+        return form;
+    }
+    if (tables.isEmpty())
+        return Status(Status::Code::NotFound, QStringLiteral("%1 holds no table.").arg(where));
+    if (tables.size() == 1) {
+        form.table = tables.first();
+        return form;
+    }
+    const std::optional<QString> chosen = chooseTable ? chooseTable(where, tables) : std::nullopt;
+    if (!chosen)
+        return Status(Status::Code::InvalidArgument, kDeclined);
+    form.table = *chosen;
+    return form;
+}
+
+// A SQLite database file and one of its tables.
 Result<FormDescription> describeDatabase(const QString &path, const QString &table,
                                          const TableChooserFn &chooseTable)
 {
@@ -34,31 +62,24 @@ Result<FormDescription> describeDatabase(const QString &path, const QString &tab
         return Status(
             db.status().code(),
             QStringLiteral("%1 is not a SQLite database: %2").arg(path, db.status().message()));
-    const QStringList tables = db.value()->tableNames();
     FormDescription form;
     form.database = QFileInfo(path).absoluteFilePath();
-    if (!table.isEmpty()) {
-        const auto named = std::find_if(tables.begin(), tables.end(), [&](const QString &t) {
-            return t.compare(table, Qt::CaseInsensitive) == 0;
-        });
-        if (named == tables.end())
-            return Status(Status::Code::NotFound,
-                          QStringLiteral("%1 has no table %2.").arg(path, table));
-        form.table = *named;
-        return form;
-    }
-    if (tables.isEmpty())
-        return Status(Status::Code::NotFound, QStringLiteral("%1 holds no table.").arg(path));
-    if (tables.size() == 1) {
-        form.table = tables.first();
-        return form;
-    }
-    const std::optional<QString> chosen =
-        chooseTable ? chooseTable(form.database, tables) : std::nullopt;
-    if (!chosen)
-        return Status(Status::Code::InvalidArgument, kDeclined);
-    form.table = *chosen;
-    return form;
+    return withTable(form, db.value()->tableNames(), table, form.database, chooseTable);
+}
+
+// A PostgreSQL database and one of its tables.
+Result<FormDescription> describeServer(const QString &conninfo, const QString &table,
+                                       const TableChooserFn &chooseTable)
+{
+    FormDescription form;
+    form.server = conninfo;
+    Result<std::unique_ptr<Database>> db =
+        OpenDatabase(conninfo, false, true, QStringLiteral("PostgreSQL"));
+    if (!db.isOk())
+        return Status(db.status().code(),
+                      QStringLiteral("%1 cannot be reached: %2")
+                          .arg(form.databaseLabel(), db.status().message()));
+    return withTable(form, db.value()->tableNames(), table, form.databaseLabel(), chooseTable);
 }
 
 } // namespace
@@ -85,7 +106,9 @@ Result<FormDescription> describeRequest(const OpenRequest &request,
                                         const TableChooserFn &chooseTable, QStringList *warnings)
 {
     Result<FormDescription> described = Status(Status::Code::Internal, QString());
-    if (!request.sqlite.isEmpty()) {
+    if (!request.postgres.isEmpty()) {
+        described = describeServer(request.postgres, request.table, chooseTable);
+    } else if (!request.sqlite.isEmpty()) {
         described = describeDatabase(request.sqlite, request.table, chooseTable);
     } else if (!request.target.isEmpty()) {
         described = describePath(request.target, chooseTable, warnings);

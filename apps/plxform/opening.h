@@ -15,7 +15,8 @@ struct OpenRequest
 {
     QString target; // a .DBF, a form description (.ini) or a SQLite file; "" with sqlite
     QString sqlite; // --sqlite FILE
-    QString table; // --table T (SQLite)
+    QString postgres; // --postgres CONNINFO
+    QString table; // --table T (SQLite, PostgreSQL)
     std::optional<int> codePage; // --codepage N: wins over the form description's
     std::optional<QString> collate; // --collate general|machine
 };
@@ -24,8 +25,8 @@ struct OpenRequest
 using TableChooserFn =
     std::function<std::optional<QString>(const QString &database, const QStringList &tables)>;
 
-// The form `request` asks for: the sample when it names nothing. A SQLite database with
-// several tables and no table named asks `chooseTable`. NotFound for a file that is not
+// The form `request` asks for: the sample when it names nothing. A SQLite or PostgreSQL
+// database with several tables and no table named asks `chooseTable`. NotFound for a file that is not
 // there (a SQLite database is never made by asking for it) or a table the database lacks.
 Result<FormDescription> describeRequest(const OpenRequest &request,
                                         const TableChooserFn &chooseTable, QStringList *warnings);

@@ -175,6 +175,36 @@ TEST(FormDescription, FilesThatAreNoDescriptionAreRefusedWithAReason)
     writeText(noTable, "[FORM]\nDatabase=b.sqlite\n");
     EXPECT_EQ(loadFormDescription(noTable, &warnings).status().code(),
               Status::Code::InvalidArgument);
+    writeText(noTable, "[FORM]\nServer=dbname=crm\n");
+    EXPECT_EQ(loadFormDescription(noTable, &warnings).status().code(),
+              Status::Code::InvalidArgument);
+    writeText(both, "[FORM]\nServer=dbname=crm\nDatabase=b.sqlite\nTable=T\n");
+    EXPECT_EQ(loadFormDescription(both, &warnings).status().code(), Status::Code::InvalidArgument);
+}
+
+// A server's table is kept as its connection string, and known to the user by its database.
+TEST(FormDescription, AServerTableKeepsItsConnectionAndShowsItsDatabase)
+{
+    QTemporaryDir dir;
+    FormDescription form;
+    form.server = QStringLiteral("host=db.example.org user=anna dbname='sales 2026' password=x");
+    form.table = QStringLiteral("ORDERS");
+    const QString path = dir.filePath(QStringLiteral("server.ini"));
+    ASSERT_TRUE(saveFormDescription(form, path).isOk());
+    QStringList warnings;
+    Result<FormDescription> read = loadFormDescription(path, &warnings);
+    ASSERT_TRUE(read.isOk()) << read.status().message().toStdString();
+    EXPECT_EQ(read.value().server, form.server);
+    EXPECT_TRUE(read.value().isServer());
+    EXPECT_EQ(read.value().databaseLabel(), QStringLiteral("PostgreSQL sales 2026"));
+
+    EXPECT_EQ(serverDatabaseName(QStringLiteral("dbname=crm host=/tmp")), QStringLiteral("crm"));
+    EXPECT_EQ(serverDatabaseName(QStringLiteral("host=x mydbname=no")), QString());
+    EXPECT_EQ(serverDatabaseName(QStringLiteral("dbname = 'it\\'s' user=a")),
+              QStringLiteral("it's"));
+    EXPECT_EQ(serverDatabaseName(QStringLiteral("postgresql://anna@db:5433/crm?sslmode=require")),
+              QStringLiteral("crm"));
+    EXPECT_EQ(serverDatabaseName(QStringLiteral("postgres://db")), QString());
 }
 
 TEST(FormDescription, ATableDescribesItsOwnForm)

@@ -8,12 +8,16 @@
 
 #include "fields/mvname.h"
 #include "navigator/mvplxrecs.h"
+#include "services/recordsource/postgres/tests/pgserver.h"
 #include "services/recordsource/recordsource.h"
+#include "services/recordsource/tests/postgresbackend.h"
 #include "testing/fakeenv.h"
 #include "tests/support/fulldisk.h"
 
 #include <QAction>
 #include <QComboBox>
+#include <QDir>
+#include <QFileInfo>
 #include <QGroupBox>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -43,6 +47,12 @@ protected:
         if (GetParam() == "SQLite") {
             description.file.clear();
             description.database = paths.sqliteFile;
+            description.table = QStringLiteral("FACILITY");
+        }
+        if (isServer()) {
+            ASSERT_NO_FATAL_FAILURE(copySampleToServer());
+            description.file.clear();
+            description.server = testing::PgServer::instance().conninfo(serverDatabase());
             description.table = QStringLiteral("FACILITY");
         }
         window = std::make_unique<HostForm>(env.services());
@@ -81,9 +91,47 @@ protected:
         return nav()->findChild<QGroupBox *>(QStringLiteral("fraControls"))->title();
     }
 
-    // NAME of the record with `id` as another program reads the file, "" when it is gone.
+    QString serverDatabase() const { return testing::postgresDatabaseFor(dir.path()); }
+    // The SQLite sample's table made on the test's server database, with the sample's saved
+    // filters in the folder plxform keeps a server table's filters in.
+    void copySampleToServer()
+    {
+        Result<std::unique_ptr<Database>> sqlite =
+            OpenDatabase(paths.sqliteFile, false, true, QString());
+        ASSERT_TRUE(sqlite.isOk());
+        testing::TableDef table;
+        table.name = QStringLiteral("FACILITY");
+        Result<TableDescription> described =
+            sqlite.value()->describeTable(QStringLiteral("FACILITY"));
+        ASSERT_TRUE(described.isOk());
+        table.fields = described.value().fields;
+        Result<std::unique_ptr<RecordSource>> rs =
+            sqlite.value()->OpenRecordset(QStringLiteral("SELECT * FROM FACILITY"));
+        ASSERT_TRUE(rs.isOk());
+        for (RecordSource &r = *rs.value(); !r.isEOF(); (void)r.MoveNext()) {
+            QVariantList row;
+            for (const FieldInfo &f : table.fields)
+                row << r.value(f.name).value();
+            table.rows << row;
+        }
+        const Status made = testing::makePostgresBackEnd()->createTables(dir.path(), { table });
+        ASSERT_TRUE(made.isOk()) << made.message().toStdString();
+        const QString folder =
+            dir.filePath(QStringLiteral("WORK-PLX/PostgreSQL/") + serverDatabase());
+        ASSERT_TRUE(QDir().mkpath(folder));
+        ASSERT_TRUE(QFile::copy(
+            QFileInfo(paths.sqliteFile).dir().filePath(QStringLiteral("HBFiltersPLX.INI")),
+            folder + QStringLiteral("/HBFiltersPLX.INI")));
+    }
+
+    // NAME of the record with `id` as another program reads the file (or the server),
+    // "" when it is gone.
     QString nameOnDisk(const QString &id)
     {
+        if (isServer())
+            return testing::PgServer::instance().psql(
+                serverDatabase(),
+                QStringLiteral("SELECT \"NAME\" FROM \"FACILITY\" WHERE \"ID\" = '%1'").arg(id));
         QProcess reader;
         if (GetParam() == "FoxPro") {
             reader.start(
@@ -107,6 +155,7 @@ protected:
     }
 
     bool isFoxPro() const { return GetParam() == "FoxPro"; }
+    bool isServer() const { return GetParam() == "PostgreSQL"; }
     // The table's files as they are on disk: the table and memo, or the database.
     QByteArray tableBytes() const
     {
@@ -229,6 +278,8 @@ TEST_P(SampleForm, SortFindFilterNewEditCancelDeleteThroughTheMenus)
 // the same SAVE stores it. For an edit, and for a new record with a memo.
 TEST_P(SampleForm, AFullDiskDuringSaveKeepsWhatWasTypedAndChangesNothing)
 {
+    if (isServer())
+        GTEST_SKIP() << "the server's disk is not this machine's";
     const QString notSaved = QStringLiteral("'Facilities' record has NOT been saved.");
     auto saveOnFullDisk = [&](const char *what) {
         SCOPED_TRACE(what);
@@ -299,7 +350,15 @@ TEST_P(SampleForm, FiltersAreCheckedOnTheTableBeforeTheyAreKept)
     EXPECT_GE(shown("BEDS").remove(QLatin1Char(',')).toInt(), 250);
 }
 
-INSTANTIATE_TEST_SUITE_P(BackEnds, SampleForm, ::testing::Values("FoxPro", "SQLite"),
+std::vector<std::string> sampleBackEnds()
+{
+    std::vector<std::string> names{ "FoxPro", "SQLite" };
+    if (testing::postgresJoinsTheSuite())
+        names.emplace_back("PostgreSQL");
+    return names;
+}
+
+INSTANTIATE_TEST_SUITE_P(BackEnds, SampleForm, ::testing::ValuesIn(sampleBackEnds()),
                          [](const auto &param) { return param.param; });
 
 } // namespace
