@@ -2,6 +2,7 @@
 // table, with fast paths for the shapes the controls send on every keystroke and every save.
 #include "services/recordsource/foxpro/internal/foxprorecordsource.h"
 #include "services/recordsource/foxpro/distinctranker_p.h"
+#include "services/recordsource/foxpro/cdxseek_p.h"
 #include "services/recordsource/foxpro/idindex_p.h"
 #include "services/recordsource/foxpro/prefixscan_p.h"
 #include "services/recordsource/foxpro/internal/rankcache.h"
@@ -138,6 +139,15 @@ std::optional<std::vector<quint32>> indexedMatches(const DbfTable &table, const 
     const Node *constant = node.args[1].get();
     if (column->kind != NodeKind::Column)
         std::swap(column, constant);
+    if (collate == TextCompare::Binary) {
+        const Result<QByteArray> bytes = table.encode(constant->value.toString());
+        std::optional<std::vector<quint32>> viaTag =
+            bytes.isOk() ? cdxCandidates(table, column->column, bytes.value()) : std::nullopt;
+        if (viaTag) {
+            std::erase_if(*viaTag, [&equal](quint32 recno) { return !equal(recno); });
+            return viaTag;
+        }
+    }
     ByteFold fold{};
     if (collate == TextCompare::NoCase) {
         const std::optional<ByteClasses> classes = generalByteClasses(table);
