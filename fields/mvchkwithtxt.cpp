@@ -162,18 +162,18 @@ void mvChkWithTxt::Edit()
     d->chk->Edit();
 }
 
-bool mvChkWithTxt::bEdit(bool bSilent, QString *vReturn)
+bool mvChkWithTxt::bEdit(bool bSilent, QVariant &vReturn)
 {
     Q_D(mvChkWithTxt);
-    QString collected;
-    const bool texts = d->txt->bEdit(bSilent, &collected);
+    QVariant textRefusals;
+    const bool texts = d->txt->bEdit(bSilent, textRefusals);
+    QString collected = textRefusals.toString();
     QString reason;
     const bool check = d->chk->bValidate(bSilent, &reason);
     if (!check)
         collected = plx::modAddALine(collected, d->chk->sCaption() + QLatin1Char(' ') + reason,
                                      QStringLiteral("\r\n"), false);
-    if (vReturn)
-        *vReturn = collected;
+    vReturn = collected;
     return texts && check;
 }
 

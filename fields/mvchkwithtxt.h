@@ -61,6 +61,11 @@ public:
     Q_INVOKABLE QString sFieldNameTxt(qint16 n) const;
     Q_INVOKABLE void setSFieldNameTxt(qint16 n, const QString &name);
     // The text rows' captions and field names as lists, row 0 first: the rows edited as
+
+    // Host rules (mvRow::setRule) for the check box and for text row n (out of range:
+    // nothing); bEdit lists their refusals with the parts' own.
+    void setRuleChk(mvRow::Rule rule);
+    void setRuleTxt(qint16 n, mvRow::Rule rule);
     // one property each (Qt Designer, .ui files). A longer list adds text rows; a shorter
     // one leaves the rows after it as they are.
     QStringList sCaptionsTxt() const;
@@ -135,7 +140,8 @@ public:
     // or disabling sets both parts explicitly, through setEnabled or QWidget's alike, as
     // RowStack does.
     void UpdateDBF() override;
-    Q_INVOKABLE bool bEdit(bool bSilent, QString *vReturn = nullptr) override;
+    Q_INVOKABLE bool bEdit(bool bSilent, QVariant &vReturn) override;
+    using plx::BoundControl::bEdit;
     Q_INVOKABLE void EditUpdate() override;
     Q_INVOKABLE void CancelEdit() override;
     Q_INVOKABLE QString Save() override;

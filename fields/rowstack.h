@@ -112,7 +112,8 @@ public:
     // "\r\n" into vReturn; Save is SaveDBF. Locked reads row 0; setLocked reaches the rows
     // that exist now. RecordSet is row 0's source (nullptr before any).
     Q_INVOKABLE void UpdateDBF() override;
-    Q_INVOKABLE bool bEdit(bool bSilent, QString *vReturn = nullptr) override;
+    Q_INVOKABLE bool bEdit(bool bSilent, QVariant &vReturn) override;
+    using plx::BoundControl::bEdit;
     Q_INVOKABLE void EditUpdate() override;
     Q_INVOKABLE void CancelEdit() override;
     Q_INVOKABLE QString Save() override;
@@ -133,6 +134,20 @@ public:
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
+    // A host's own rule for row n ("is required"; see mvRow::setRule), asked while the row
+    // is unlocked; out of range does nothing. A row the rule refuses is one line of bEdit's
+    // text like a row the field refuses: "caption reason".
+    //
+    //     names->setRule(0, [](const QString &text) {
+    //         return text.trimmed().isEmpty() ? QStringLiteral("is required") : QString();
+    //     });
+    //
+    // A host that connects instead answers ValidateRow.
+    void setRule(qint16 n, mvRow::Rule rule);
+    // What row n's rule, then a ValidateRow slot, says of its shown text: "" when they
+    // accept (or n is outside 0..nUbound), else the reason.
+    Q_INVOKABLE QString sRefusal(qint16 n);
+
 
 protected:
     // Takes `dd`, the state of the concrete stack, which makes its rows; row 0 is made here.

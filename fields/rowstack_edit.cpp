@@ -86,7 +86,7 @@ void RowStack::UpdateDBF()
     d_func()->forEachRow([](mvRow *r, qint16) { (void)r->UpdateDBF(); });
 }
 
-bool RowStack::bEdit(bool bSilent, QString *vReturn)
+bool RowStack::bEdit(bool bSilent, QVariant &vReturn)
 {
     bool result = true;
     QString collected;
@@ -98,8 +98,7 @@ bool RowStack::bEdit(bool bSilent, QString *vReturn)
             result = false;
         }
     });
-    if (vReturn)
-        *vReturn = collected;
+    vReturn = collected;
     return result;
 }
 

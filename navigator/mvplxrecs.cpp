@@ -350,18 +350,27 @@ Services *mvPLXRecs::services() const
     return d_ptr->services;
 }
 
-void mvPLXRecs::setCMervaneControls(const QList<BoundControl *> &controls)
+HostControl mvPLXRecsPrivate::hostControl(QObject *object) const
+{
+    HostControl entry{ object, dynamic_cast<BoundControl *>(object), nullptr };
+    if (!entry.control) {
+        // What a host's control lacks is for its developer to read, not for the user.
+        entry.adapter = std::make_shared<LateBoundControl>(object, [this](const QString &line) {
+            logEntry(sUser, messageTitle() + QStringLiteral(": ") + line, services);
+        });
+        entry.control = entry.adapter.get();
+    }
+    return entry;
+}
+
+void mvPLXRecs::setCMervaneControls(const QList<QObject *> &controls)
 {
     Q_D(mvPLXRecs);
     d->trapped("setCMervaneControls", [&] {
-        d->mervane = controls;
-        d->mervaneObjects.clear();
-        d->mervaneTracked.clear();
-        for (BoundControl *control : controls) {
-            auto *object = dynamic_cast<QObject *>(control);
-            d->mervaneObjects.append(object);
-            d->mervaneTracked.append(object != nullptr);
-        }
+        d->mervane.clear();
+        for (QObject *object : controls)
+            if (object)
+                d->mervane.append(d->hostControl(object));
         d->lendServicesToFields();
         d->shareRsWithFields();
     });
@@ -383,43 +392,58 @@ void mvPLXRecsPrivate::shareRsWithFields() const
         control->setRecordSet(rs);
 }
 
-QList<BoundControl *> mvPLXRecsPrivate::fieldControls() const
+namespace {
+
+// A control the host deleted drops out of its collection.
+QList<BoundControl *> aliveControls(const QList<HostControl> &controls)
 {
-    // A field control the host deleted drops out of the collection.
     QList<BoundControl *> alive;
-    for (qsizetype i = 0; i < mervane.size(); ++i)
-        if (!mervaneTracked[i] || mervaneObjects[i])
-            alive.append(mervane[i]);
+    for (const HostControl &entry : controls)
+        if (entry.object)
+            alive.append(entry.control);
     return alive;
 }
 
-QList<BoundControl *> mvPLXRecs::cMervaneControls() const
+QList<QObject *> aliveObjects(const QList<HostControl> &controls)
 {
-    return d_ptr->trapped("cMervaneControls", [&] { return d_ptr->fieldControls(); });
+    QList<QObject *> alive;
+    for (const HostControl &entry : controls)
+        if (entry.object)
+            alive.append(entry.object);
+    return alive;
 }
 
-void mvPLXRecs::setCOtherControls(const QList<QWidget *> &controls)
+} // namespace
+
+QList<BoundControl *> mvPLXRecsPrivate::fieldControls() const
+{
+    return aliveControls(mervane);
+}
+
+QList<QObject *> mvPLXRecs::cMervaneControls() const
+{
+    return d_ptr->trapped("cMervaneControls", [&] { return aliveObjects(d_ptr->mervane); });
+}
+
+void mvPLXRecs::setCOtherControls(const QList<QObject *> &controls)
 {
     Q_D(mvPLXRecs);
     d->trapped("setCOtherControls", [&] {
         d->others.clear();
-        for (QWidget *widget : controls)
-            d->others.append(widget);
+        for (QObject *object : controls)
+            if (object)
+                d->others.append(d->hostControl(object));
     });
 }
 
-QList<QWidget *> mvPLXRecsPrivate::otherControls() const
+QList<BoundControl *> mvPLXRecsPrivate::otherControls() const
 {
-    QList<QWidget *> alive;
-    for (const QPointer<QWidget> &widget : others)
-        if (widget)
-            alive.append(widget);
-    return alive;
+    return aliveControls(others);
 }
 
-QList<QWidget *> mvPLXRecs::cOtherControls() const
+QList<QObject *> mvPLXRecs::cOtherControls() const
 {
-    return d_ptr->trapped("cOtherControls", [&] { return d_ptr->otherControls(); });
+    return d_ptr->trapped("cOtherControls", [&] { return aliveObjects(d_ptr->others); });
 }
 
 void mvPLXRecsPrivate::setEnableFind(bool enable)

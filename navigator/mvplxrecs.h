@@ -58,7 +58,8 @@ class mvPLXRecs : public QWidget
     Q_PROPERTY(QString sUserINIFile READ sUserINIFile WRITE setSUserINIFile)
     Q_PROPERTY(QString sSQLWhere READ sSQLWhere WRITE setSSQLWhere)
     Q_PROPERTY(QString sSQLJOIN READ sSQLJOIN WRITE setSSQLJOIN)
-    Q_PROPERTY(qint16 MyLevel READ MyLevel WRITE setMyLevel)
+    // An int property (the accessors stay 16-bit): form designers know no 16-bit numbers.
+    Q_PROPERTY(int MyLevel READ MyLevel WRITE setMyLevel)
     Q_PROPERTY(QString sParentID READ sParentID WRITE setSParentID)
     Q_PROPERTY(bool bInitiator READ bInitiator WRITE setBInitiator)
     Q_PROPERTY(QString sEventInfo READ sEventInfo)
@@ -68,6 +69,9 @@ class mvPLXRecs : public QWidget
     Q_PROPERTY(qint32 lDelayMS READ lDelayMS WRITE setLDelayMS DESIGNABLE false)
     Q_PROPERTY(qint32 lListIndex READ lListIndex WRITE setLListIndex DESIGNABLE false)
     Q_PROPERTY(qint32 lWatchMS READ lWatchMS WRITE setLWatchMS)
+    Q_PROPERTY(QList<QObject *> cMervaneControls READ cMervaneControls WRITE setCMervaneControls)
+    Q_PROPERTY(QList<QObject *> cOtherControls READ cOtherControls WRITE setCOtherControls)
+    Q_PROPERTY(QObject *fParent READ fParent WRITE setFParent)
 
 public:
     explicit mvPLXRecs(QWidget *parent = nullptr);
@@ -95,14 +99,20 @@ public:
     std::shared_ptr<RecordSource> rs() const;
 
     // The bound field controls the record commands drive (bEdit, EditUpdate, Save,
-    // CancelEdit, UpdateDBF, Locked), in this order. Setting replaces the list and hands them
-    // the current record source. Reading leaves out controls (QObjects) deleted since.
-    void setCMervaneControls(const QList<BoundControl *> &controls);
-    QList<BoundControl *> cMervaneControls() const;
-    // Other widgets that are enabled while a record is edited and disabled after SAVE and
-    // CANCEL. Reading leaves out widgets deleted since.
-    void setCOtherControls(const QList<QWidget *> &controls);
-    QList<QWidget *> cOtherControls() const;
+    // CancelEdit, UpdateDBF, Locked), in this order. Setting replaces the list; the
+    // library's own (plx::BoundControl) get the current record source. Any other QObject
+    // is driven by operation name: invokable methods or properties named UpdateDBF,
+    // bEdit(bool, QVariant &) (or bEdit(bool)), EditUpdate, CancelEdit, Save, Locked /
+    // setLocked, Enabled / setEnabled and Name (else its objectName). An operation it lacks
+    // is skipped, and the first skip of each is written to the activity log as
+    // "<Name> has no <operation>; skipped". Reading leaves out controls deleted since.
+    void setCMervaneControls(const QList<QObject *> &controls);
+    QList<QObject *> cMervaneControls() const;
+    // Other controls, enabled while a record is edited and disabled after SAVE and CANCEL
+    // (a QWidget's own setEnabled, or Enabled by name as above). Reading leaves out
+    // controls deleted since.
+    void setCOtherControls(const QList<QObject *> &controls);
+    QList<QObject *> cOtherControls() const;
     // The host form; it may offer `bool OKtoSave(qint16)` as a slot or Q_INVOKABLE.
     void setFParent(QObject *parent);
     QObject *fParent() const;

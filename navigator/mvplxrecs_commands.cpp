@@ -160,7 +160,7 @@ bool mvPLXRecsPrivate::commandEdit(const QString &id)
     pump();
     for (BoundControl *control : fieldControls())
         control->setLocked(false);
-    for (QWidget *other : otherControls())
+    for (BoundControl *other : otherControls())
         other->setEnabled(true);
     bInitiator = false;
     sEventInfo = QStringLiteral("ButtonClick: edit");
@@ -284,7 +284,7 @@ bool mvPLXRecsPrivate::commandSave()
     pump();
     for (BoundControl *control : fields)
         control->setLocked(true);
-    for (QWidget *other : otherControls())
+    for (BoundControl *other : otherControls())
         other->setEnabled(false);
     if (rs) {
         bInitiator = false;
@@ -363,7 +363,7 @@ bool mvPLXRecsPrivate::commandCancel(const QString &id)
     }
     for (BoundControl *control : fields)
         control->setLocked(true);
-    for (QWidget *other : otherControls())
+    for (BoundControl *other : otherControls())
         other->setEnabled(false);
     for (BoundControl *control : fields)
         control->UpdateDBF();

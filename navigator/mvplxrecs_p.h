@@ -10,6 +10,7 @@
 
 #include "navigator/findsession_p.h"
 #include "navigator/idallocator_p.h"
+#include "navigator/latebound_p.h"
 #include "navigator/mvplxrecs.h"
 #include "services/recordsource/querytext.h"
 #include "navigator/recordcommands_p.h"
@@ -33,6 +34,15 @@ namespace plx {
 
 class FloatingMessage;
 class Status;
+
+// A control the host registered, watched so that a deleted one drops out. `control` is
+// the object itself when it is one of the library's, else `adapter`.
+struct HostControl
+{
+    QPointer<QObject> object;
+    BoundControl *control = nullptr;
+    std::shared_ptr<LateBoundControl> adapter;
+};
 
 class mvPLXRecsPrivate
 {
@@ -63,7 +73,9 @@ public:
     void lendServicesToFields();
     void shareRsWithFields() const;
     QList<BoundControl *> fieldControls() const;
-    QList<QWidget *> otherControls() const;
+    // The library's own controls as they are; any other QObject through a LateBoundControl.
+    HostControl hostControl(QObject *object) const;
+    QList<BoundControl *> otherControls() const;
     void setEnableFind(bool enable);
     void setEnableSort(bool enable);
     void setEnableFilter(bool enable);
@@ -177,10 +189,8 @@ public:
     QString dataPath;
 
     // The host's controls, watched so that deleted ones drop out.
-    QList<QPointer<QObject>> mervaneObjects;
-    QList<BoundControl *> mervane;
-    QList<bool> mervaneTracked; // a QObject, so its deletion is noticed
-    QList<QPointer<QWidget>> others;
+    QList<HostControl> mervane;
+    QList<HostControl> others;
     QPointer<QObject> fParent;
 
     // Properties.

@@ -420,7 +420,7 @@ bool HostForm::openForm(const FormDescription &form, QStringList *warnings, QStr
     for (const PairDescription &p : withKnownField(shown.pairs, fields))
         pairs << makePair(p, pairs.size() + 1, fields);
     const QList<mvVIText *> valueRows = makeValueRows(withKnownField(shown.valueRows, fields));
-    QList<BoundControl *> bound{ rows };
+    QList<QObject *> bound{ rows };
     for (mvVIText *valueRow : valueRows)
         bound << valueRow;
     if (!shownChecks.isEmpty())

@@ -44,21 +44,21 @@ TEST_F(ChkWithTxtTest, EitherPartRefusingRefusesTheUnit)
     unit.Update();
     EXPECT_EQ(unit.sValueChk(), QStringLiteral("True"));
     EXPECT_EQ(unit.sValueTxt(0), QStringLiteral("SMITH"));
-    QString vReturn;
-    EXPECT_TRUE(unit.bEdit(true, &vReturn));
+    QVariant vReturn;
+    EXPECT_TRUE(unit.bEdit(true, vReturn));
 
     unit.setSValueTxt(1, QStringLiteral("many"));
-    EXPECT_FALSE(unit.bEdit(true, &vReturn));
-    EXPECT_EQ(vReturn, QStringLiteral("Amount is not a number"));
+    EXPECT_FALSE(unit.bEdit(true, vReturn));
+    EXPECT_EQ(vReturn.toString(), QStringLiteral("Amount is not a number"));
 
     unit.setSValueTxt(1, QStringLiteral("10.50"));
     unit.setSValueChk(QStringLiteral("perhaps"));
-    EXPECT_FALSE(unit.bEdit(true, &vReturn));
-    EXPECT_EQ(vReturn, QStringLiteral("Active is not Yes or No"));
+    EXPECT_FALSE(unit.bEdit(true, vReturn));
+    EXPECT_EQ(vReturn.toString(), QStringLiteral("Active is not Yes or No"));
 
     unit.setSValueTxt(0, QString(21, QLatin1Char('x')));
-    EXPECT_FALSE(unit.bEdit(true, &vReturn));
-    EXPECT_EQ(vReturn,
+    EXPECT_FALSE(unit.bEdit(true, vReturn));
+    EXPECT_EQ(vReturn.toString(),
               QStringLiteral("Name is longer than 20 characters\r\nActive is not Yes or No"));
 }
 
@@ -102,7 +102,7 @@ TEST_F(ChkWithTxtTest, TableFileAndTheNavigatorsCycleCoverBothParts)
     control->setLocked(false);
     unit.setSValueChk(QStringLiteral("False"));
     unit.setSValueTxt(0, QStringLiteral("Жук"));
-    EXPECT_TRUE(control->bEdit(true, nullptr));
+    EXPECT_TRUE(control->bEdit(true));
     control->EditUpdate();
     EXPECT_EQ(control->Save(), QString());
     ASSERT_TRUE(rs->Update().isOk());

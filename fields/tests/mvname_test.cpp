@@ -123,19 +123,28 @@ TEST_F(NameStackTest, TwoFailingRowsGiveTwoLinesInRowOrder)
 {
     bindThreeRows();
     names.UpdateDBF();
-    QString vReturn = QStringLiteral("stale");
-    EXPECT_TRUE(names.bEdit(true, &vReturn));
-    EXPECT_EQ(vReturn, QString());
+    QVariant vReturn = QStringLiteral("stale");
+    EXPECT_TRUE(names.bEdit(true, vReturn));
+    EXPECT_EQ(vReturn.toString(), QString());
 
     names.setSValue(2, QStringLiteral("31/31/2000"));
     names.setSValue(0, QString(25, QLatin1Char('x')));
     names.setSValue(1, QStringLiteral("ten"));
-    EXPECT_FALSE(names.bEdit(true, &vReturn));
-    EXPECT_EQ(vReturn,
+    EXPECT_FALSE(names.bEdit(true, vReturn));
+    EXPECT_EQ(vReturn.toString(),
               QStringLiteral("Name is longer than 20 characters\r\n"
                              "Amount is not a number\r\n"
                              "Born is not a date (mm/dd/yyyy)"));
     EXPECT_FALSE(names.bEdit(true)) << "vReturn is optional";
+
+    // A host that knows the stack only by name reads the same text through the reference.
+    const QString direct = vReturn.toString();
+    QVariant byName;
+    bool accepted = true;
+    ASSERT_TRUE(QMetaObject::invokeMethod(&names, "bEdit", Q_RETURN_ARG(bool, accepted),
+                                          Q_ARG(bool, true), Q_ARG(QVariant &, byName)));
+    EXPECT_FALSE(accepted);
+    EXPECT_EQ(byName.toString(), direct);
 }
 
 TEST_F(NameStackTest, AFailingRowDoesNotStopTheOthers)
@@ -174,7 +183,7 @@ TEST_F(NameStackTest, TheNavigatorsCycleThroughTheSharedInterface)
     control->setLocked(true);
     control->UpdateDBF();
     ASSERT_TRUE(rs->Edit().isOk());
-    EXPECT_TRUE(control->bEdit(false, nullptr));
+    EXPECT_TRUE(control->bEdit(false));
     control->setLocked(false);
     names.setSValue(0, QStringLiteral("JONES"));
     names.setSValue(1, QStringLiteral("99.5"));

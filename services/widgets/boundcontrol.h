@@ -9,6 +9,7 @@
 #pragma once
 
 #include <QString>
+#include <QVariant>
 
 #include <memory>
 
@@ -27,9 +28,17 @@ public:
     virtual void UpdateDBF() = 0;
 
     // Enters edit mode and validates: true when every row accepts. With `bSilent` false a
-    // row may tell the user itself; `vReturn`, when given, receives one line per refusing
-    // row ("caption reason"), joined with "\r\n", or "" when all accept.
-    virtual bool bEdit(bool bSilent, QString *vReturn) = 0;
+    // row may tell the user itself; `vReturn` receives one line per refusing row ("caption
+    // reason"), joined with "\r\n", or "" when all accept. The text comes back through a
+    // reference so that a call by name (QMetaObject::invokeMethod with
+    // Q_ARG(QVariant &, text)) reads it as a direct call does.
+    virtual bool bEdit(bool bSilent, QVariant &vReturn) = 0;
+    // The same, for a caller that needs only the answer.
+    bool bEdit(bool bSilent)
+    {
+        QVariant unused;
+        return bEdit(bSilent, unused);
+    }
 
     // Ends editing and writes the rows' changed values into the record source's edit
     // buffer; the navigator's Update commits them.
