@@ -60,13 +60,13 @@ public:
     void setSFieldNameChk(const QString &name);
     Q_INVOKABLE QString sFieldNameTxt(qint16 n) const;
     Q_INVOKABLE void setSFieldNameTxt(qint16 n, const QString &name);
-    // The text rows' captions and field names as lists, row 0 first: the rows edited as
 
     // Host rules (mvRow::setRule) for the check box and for text row n (out of range:
     // nothing); bEdit lists their refusals with the parts' own.
     void setRuleChk(mvRow::Rule rule);
     void setRuleTxt(qint16 n, mvRow::Rule rule);
     // one property each (Qt Designer, .ui files). A longer list adds text rows; a shorter
+    // The text rows' captions and field names as lists, row 0 first: the rows edited as
     // one leaves the rows after it as they are.
     QStringList sCaptionsTxt() const;
     void setSCaptionsTxt(const QStringList &captions);

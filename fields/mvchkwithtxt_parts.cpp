@@ -5,6 +5,8 @@
 
 #include "services/texthelpers.h"
 
+#include <utility>
+
 namespace plx {
 
 QString mvChkWithTxt::sCaptionChk() const
@@ -50,6 +52,16 @@ QString mvChkWithTxt::sFieldNameTxt(qint16 n) const
 void mvChkWithTxt::setSFieldNameTxt(qint16 n, const QString &name)
 {
     d_func()->txt->setSFieldName(n, name);
+}
+
+void mvChkWithTxt::setRuleChk(mvRow::Rule rule)
+{
+    d_func()->chk->setRule(std::move(rule));
+}
+
+void mvChkWithTxt::setRuleTxt(qint16 n, mvRow::Rule rule)
+{
+    d_func()->txt->setRule(n, std::move(rule));
 }
 
 QString mvChkWithTxt::sValueChk() const

@@ -73,6 +73,9 @@ void RowStackPrivate::addRow()
     if (index > 0)
         QWidget::setTabOrder(rows.at(index - 1), r);
     QObject::connect(r, &mvRow::DblClick, q, [this, index] { rowDoubleClicked(index); });
+    QObject::connect(r, &mvRow::Validate, q, [q, index](const QString &value, QString &reason) {
+        Q_EMIT q->ValidateRow(index, value, reason);
+    });
 }
 
 qint16 RowStack::nUbound() const

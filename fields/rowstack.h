@@ -132,8 +132,6 @@ public:
     // Row n (nullptr outside 0..nUbound).
     mvRow *row(qint16 n) const;
 
-    QSize sizeHint() const override;
-    QSize minimumSizeHint() const override;
     // A host's own rule for row n ("is required"; see mvRow::setRule), asked while the row
     // is unlocked; out of range does nothing. A row the rule refuses is one line of bEdit's
     // text like a row the field refuses: "caption reason".
@@ -150,6 +148,13 @@ public:
 
 
 protected:
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+Q_SIGNALS:
+    // Row `Index` asks after its rule accepted: a slot refuses `sValue` by setting
+    // `sReason`, which comes back through the reference (direct connections only).
+    void ValidateRow(qint16 Index, const QString &sValue, QString &sReason);
     // Takes `dd`, the state of the concrete stack, which makes its rows; row 0 is made here.
     RowStack(std::unique_ptr<RowStackPrivate> dd, QWidget *parent);
 

@@ -5,6 +5,8 @@
 
 #include "services/texthelpers.h"
 
+#include <utility>
+
 namespace plx {
 
 namespace {
@@ -100,6 +102,18 @@ bool RowStack::bEdit(bool bSilent, QVariant &vReturn)
     });
     vReturn = collected;
     return result;
+}
+
+void RowStack::setRule(qint16 n, mvRow::Rule rule)
+{
+    if (mvRow *r = d_func()->rowAt(n))
+        r->setRule(std::move(rule));
+}
+
+QString RowStack::sRefusal(qint16 n)
+{
+    mvRow *r = d_func()->rowAt(n);
+    return r ? r->hostRefusal() : QString();
 }
 
 void RowStack::EditUpdate()

@@ -10,6 +10,7 @@
 #include <QScrollArea>
 
 #include <cmath>
+#include <utility>
 
 namespace plx {
 
@@ -287,17 +288,35 @@ bool mvRow::bValidate(bool bSilent, QString *reason)
 {
     Q_D(mvRow);
     const QString text = d->currentText();
-    if (text == d->loadedText || d->boundField() < 0)
-        return true;
     QString why;
-    if (d->storedOf(text, d->binding->fieldInfo(), &why))
-        return true;
+    const bool fieldTakesIt = text == d->loadedText || d->boundField() < 0
+        || d->storedOf(text, d->binding->fieldInfo(), &why).has_value();
+    if (fieldTakesIt) {
+        why = d->locked ? QString() : hostRefusal();
+        if (why.isEmpty())
+            return true;
+    }
     if (reason)
         *reason = why;
     if (!bSilent)
         d->showProblem(QStringLiteral("Invalid Entry"), sCaption() + QLatin1Char(' ') + why,
                        plx::MsgStyle::Exclamation);
     return false;
+}
+
+void mvRow::setRule(Rule rule)
+{
+    d_func()->rule = std::move(rule);
+}
+
+QString mvRow::hostRefusal()
+{
+    Q_D(mvRow);
+    const QString text = d->currentText();
+    QString why = d->rule ? d->rule(text) : QString();
+    if (why.isEmpty())
+        Q_EMIT Validate(text, why);
+    return why;
 }
 
 void mvRow::EditUpdate()

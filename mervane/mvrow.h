@@ -26,6 +26,7 @@
 
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
 namespace plx {
@@ -105,8 +106,22 @@ public:
     Q_INVOKABLE void CancelEdit();
     // True when the row accepts its value. A changed value that the field cannot take
     // gives false and a reason in words for the user ("is longer than 10 characters"),
-    // which the stack puts behind the caption. Not silent: the row also shows it in a box.
+    // which the stack puts behind the caption. A value the field takes is then put to the
+    // host's rule (hostRefusal) while the row is unlocked; its reason is reported alike.
+    // Not silent: the row also shows the reason in a box.
     Q_INVOKABLE bool bValidate(bool bSilent, QString *reason);
+
+    // A host's own rule for the row ("is required", "must be a ZIP code"): given the shown
+    // text it returns "" to accept, or the reason it refuses. An empty Rule removes it.
+    // bValidate asks it only while the row is unlocked: a locked row shows the record as
+    // stored, which the user cannot change there, so the navigator's question before it
+    // unlocks the rows for an edit never refuses a record over a rule the user could not
+    // yet satisfy.
+    using Rule = std::function<QString(const QString &text)>;
+    void setRule(Rule rule);
+    // The reason the rule, then a slot connected to Validate, gives for the shown text;
+    // "" when both accept (or there is neither). Asked whether or not the row is locked.
+    QString hostRefusal();
     // "" when the row's value is in the table (or nothing was to be written), else why not;
     // a failure is also shown to the user ("Value Not Saved"), because the stack does not
     // report it. A record in Edit is updated here; one in AddNew only gets the value (its
@@ -117,6 +132,10 @@ public:
 Q_SIGNALS:
     // A double click on any part of the row.
     void DblClick();
+    // Asked after the rule accepted, for a host that connects (a form loaded by name, a
+    // script) rather than sets a rule: a slot refuses by setting `sReason`. The reason
+    // travels back through the reference, so only direct connections can refuse.
+    void Validate(const QString &sValue, QString &sReason);
 
 protected:
     // Takes `dd`, the state of the concrete row (mvText, mvCheck).

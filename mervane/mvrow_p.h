@@ -74,6 +74,7 @@ public:
     QString beforeEdit; // what CancelEdit shows again
     std::optional<QVariant> pending; // written by EditUpdate, not yet known to be saved
     QString problem; // why EditUpdate could not write, reported by Save
+    mvRow::Rule rule; // the host's own, asked after the field's checks
 };
 
 } // namespace plx

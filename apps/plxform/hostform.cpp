@@ -136,6 +136,18 @@ mvName *makeTextRows(const QList<RowDescription> &shownRows, const QList<FieldIn
     return rows;
 }
 
+// The rows of the fields the form requires refuse a blank value, as a rule of the row:
+// the stack's own validation then names them like any row it refuses.
+void requireValues(mvName &rows, const QStringList &required)
+{
+    for (qint16 n = 0; n <= rows.nUbound(); ++n)
+        for (const QString &field : required)
+            if (rows.sFieldName(n).compare(field.trimmed(), Qt::CaseInsensitive) == 0)
+                rows.setRule(n, [](const QString &text) {
+                    return getLenTrim(text) < 1 ? QStringLiteral("is required") : QString();
+                });
+}
+
 mvChecks *makeCheckBoxes(const QList<CheckDescription> &shownChecks)
 {
     auto *checks = new mvChecks;
@@ -414,6 +426,7 @@ bool HostForm::openForm(const FormDescription &form, QStringList *warnings, QStr
     configureNavigator(*nav, shown);
 
     mvName *rows = makeTextRows(withKnownField(shown.rows, fields), fields);
+    requireValues(*rows, shown.required);
     const QList<CheckDescription> shownChecks = withKnownField(shown.checks, fields);
     mvChecks *checks = makeCheckBoxes(shownChecks);
     QList<mvChkWithTxt *> pairs;
@@ -509,11 +522,13 @@ void HostForm::showRecord()
 
 bool HostForm::OKtoSave(qint16)
 {
+    // The required rows carry their rule (requireValues); the box names the refusing ones
+    // in the order the form lists its required fields.
     QStringList missing;
     for (const QString &field : m_form.required) {
         for (qint16 n = 0; m_rows && n <= m_rows->nUbound(); ++n) {
             if (m_rows->sFieldName(n).compare(field.trimmed(), Qt::CaseInsensitive) == 0
-                && getLenTrim(m_rows->sValue(n)) < 1)
+                && !m_rows->sRefusal(n).isEmpty())
                 missing << m_rows->sCaption(n);
         }
     }

@@ -147,6 +147,46 @@ TEST_F(NameStackTest, TwoFailingRowsGiveTwoLinesInRowOrder)
     EXPECT_EQ(byName.toString(), direct);
 }
 
+// A host's rule (set as a callable, or answered through ValidateRow) refuses like the
+// field itself: one "caption reason" line per refusing row, in row order; a row the field
+// already refuses is not put to the host's rule, and a locked row is put to neither.
+TEST_F(NameStackTest, HostRulesRefuseLineByLineBesideTheFieldsOwnChecks)
+{
+    bindThreeRows();
+    names.UpdateDBF();
+    names.setRule(0, [](const QString &text) {
+        return text.trimmed().isEmpty() ? QStringLiteral("is required") : QString();
+    });
+    QList<qint16> asked;
+    QObject::connect(&names, &mvName::ValidateRow,
+                     [&](qint16 index, const QString &value, QString &reason) {
+                         asked << index;
+                         if (index == 2 && value.right(4) < QStringLiteral("2000"))
+                             reason = QStringLiteral("must be 2000 or later");
+                     });
+    names.setSValue(0, QStringLiteral("  "));
+    env.prompter.expectMsgBox(QStringLiteral("Invalid Entry"), QStringLiteral("Name is required"),
+                              MsgStyle::Exclamation, MsgAnswer::OK);
+    env.prompter.expectMsgBox(QStringLiteral("Invalid Entry"),
+                              QStringLiteral("Born must be 2000 or later"), MsgStyle::Exclamation,
+                              MsgAnswer::OK);
+    QVariant vReturn;
+    EXPECT_FALSE(names.bEdit(false, vReturn));
+    EXPECT_EQ(vReturn.toString(), QStringLiteral("Name is required\r\nBorn must be 2000 or later"));
+    EXPECT_EQ(asked, (QList<qint16>{ 1, 2 })) << "row 0's callable refused before the signal";
+    EXPECT_EQ(names.sRefusal(2), QStringLiteral("must be 2000 or later"));
+
+    names.setSValue(1, QStringLiteral("ten"));
+    EXPECT_FALSE(names.bEdit(true, vReturn));
+    EXPECT_EQ(vReturn.toString(),
+              QStringLiteral("Name is required\r\nAmount is not a number\r\n"
+                             "Born must be 2000 or later"));
+
+    names.setLocked(true);
+    names.setSValue(1, QStringLiteral("10.5"));
+    EXPECT_TRUE(names.bEdit(true, vReturn)) << "a locked row's text is the record's own";
+}
+
 TEST_F(NameStackTest, AFailingRowDoesNotStopTheOthers)
 {
     bindThreeRows();
