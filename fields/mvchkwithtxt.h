@@ -65,8 +65,8 @@ public:
     // nothing); bEdit lists their refusals with the parts' own.
     void setRuleChk(mvRow::Rule rule);
     void setRuleTxt(qint16 n, mvRow::Rule rule);
-    // one property each (Qt Designer, .ui files). A longer list adds text rows; a shorter
     // The text rows' captions and field names as lists, row 0 first: the rows edited as
+    // one property each (Qt Designer, .ui files). A longer list adds text rows; a shorter
     // one leaves the rows after it as they are.
     QStringList sCaptionsTxt() const;
     void setSCaptionsTxt(const QStringList &captions);

@@ -146,8 +146,6 @@ public:
     // accept (or n is outside 0..nUbound), else the reason.
     Q_INVOKABLE QString sRefusal(qint16 n);
 
-
-protected:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
@@ -155,6 +153,8 @@ Q_SIGNALS:
     // Row `Index` asks after its rule accepted: a slot refuses `sValue` by setting
     // `sReason`, which comes back through the reference (direct connections only).
     void ValidateRow(qint16 Index, const QString &sValue, QString &sReason);
+
+protected:
     // Takes `dd`, the state of the concrete stack, which makes its rows; row 0 is made here.
     RowStack(std::unique_ptr<RowStackPrivate> dd, QWidget *parent);
 
