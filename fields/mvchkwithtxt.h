@@ -23,7 +23,8 @@ class mvChkWithTxt : public QWidget, public plx::BoundControl
 {
     Q_OBJECT
     Q_PROPERTY(QString sCaptionChk READ sCaptionChk WRITE setSCaptionChk)
-    Q_PROPERTY(qint16 nUbound READ nUbound WRITE setNUbound)
+    // An int property, as RowStack's.
+    Q_PROPERTY(int nUbound READ nUbound WRITE setNUbound)
     Q_PROPERTY(QString sFieldNameChk READ sFieldNameChk WRITE setSFieldNameChk)
     Q_PROPERTY(QString sValueChk READ sValueChk WRITE setSValueChk)
     Q_PROPERTY(qint32 DescWidthAll READ DescWidthAll WRITE setDescWidthAll)

@@ -27,8 +27,10 @@ class RowStackPrivate;
 class RowStack : public QWidget, public plx::BoundControl
 {
     Q_OBJECT
-    Q_PROPERTY(qint16 nUbound READ nUbound WRITE setNUbound)
-    Q_PROPERTY(qint16 iVspacing READ iVspacing WRITE setIVspacing)
+    // The row count and spacing are int properties (their accessors stay 16-bit): form
+    // designers and .ui files know no 16-bit numbers.
+    Q_PROPERTY(int nUbound READ nUbound WRITE setNUbound)
+    Q_PROPERTY(int iVspacing READ iVspacing WRITE setIVspacing)
     Q_PROPERTY(qint16 DBFType READ DBFType WRITE setDBFType)
     Q_PROPERTY(QString Filter READ Filter)
     Q_PROPERTY(QString sDBFPathFileName READ sDBFPathFileName WRITE setSDBFPathFileName)

@@ -118,6 +118,7 @@ TEST_F(DesignedForm, NavigatorPropertiesArrive)
     EXPECT_EQ(str(nav->property("sDesc").toString()), "Facilities");
     EXPECT_EQ(str(nav->property("sUser").toString()), "designer");
     EXPECT_FALSE(nav->property("EnableBrowse").toBool());
+    EXPECT_EQ(nav->property("MyLevel").toInt(), 2);
     EXPECT_TRUE(nav->property("EnableFind").toBool()); // not in the form: the default
 }
 
@@ -125,15 +126,16 @@ TEST_F(DesignedForm, StackRowsArriveAsListsAndReachEveryRow)
 {
     QObject *names = control("names", "plx::mvName");
     ASSERT_TRUE(names);
-    // The lists made the rows: nUbound was never written in the form.
-    EXPECT_EQ(names->property("nUbound").toInt(), 2);
-    EXPECT_EQ(
-        names->property("sCaptions").toStringList(),
-        (QStringList{ QStringLiteral("ID"), QStringLiteral("Name"), QStringLiteral("City") }));
+    // Four rows as the form says, the last one left without a caption by the list.
+    EXPECT_EQ(names->property("nUbound").toInt(), 3);
+    EXPECT_EQ(names->property("sCaptions").toStringList(),
+              (QStringList{ QStringLiteral("ID"), QStringLiteral("Name"), QStringLiteral("City"),
+                            QString() }));
     EXPECT_EQ(str(rowText(names, "sCaption", 2)), "City");
     EXPECT_EQ(str(rowText(names, "sFieldName", 1)), "NAME");
     EXPECT_EQ(names->property("DescWidthAll").toInt(), 1200);
 
+    // The other stacks' rows were made by their lists alone.
     QObject *valueItems = control("valueItems", "plx::mvVIText");
     ASSERT_TRUE(valueItems);
     EXPECT_EQ(valueItems->property("nUbound").toInt(), 0);
