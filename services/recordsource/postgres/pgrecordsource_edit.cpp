@@ -1,9 +1,7 @@
-// services/recordsource/postgres/pgrecordsource_edit.cpp: the edit buffer, record locks and
-// writes.
+// services/recordsource/postgres/pgrecordsource_edit.cpp: record locks and writes.
 //
-// Edit takes the record's advisory lock first, then re-reads the record so that the buffer
-// starts from the latest committed values. Update writes only the fields that were set, in
-// one statement (its own transaction), and returns once the server has committed it.
+// A record's lock is an advisory lock. Update writes only the fields that were set, in one
+// statement (its own transaction), and returns once the server has committed it.
 #include "services/recordsource/postgres/pgrecordsource_p.h"
 
 #include "services/recordsource/postgres/pgvalues_p.h"
@@ -13,12 +11,6 @@
 namespace plx::postgres {
 
 namespace {
-
-Status notEditing()
-{
-    return Status(Status::Code::InvalidArgument,
-                  QStringLiteral("Update or CancelUpdate without AddNew or Edit"));
-}
 
 // The value as the field will hold it: a text within its size, a number, a date; the
 // same checks the other engines make before anything is written.
@@ -50,69 +42,30 @@ Result<QVariant> normalized(const QVariant &value, const FieldInfo &field)
 
 } // namespace
 
-void PgRecordSource::endEdit()
+Status PgRecordSource::lockCurrent()
 {
-    m_mode = EditMode::None;
-    m_buffer.clear();
-    m_dirty.clear();
+    return m_lock.acquire(baseTable(), m_keys[size_t(m_pos)]);
+}
+
+void PgRecordSource::releaseLock()
+{
     m_lock.release();
 }
 
-Status PgRecordSource::AddNew()
+Result<QVariantList> PgRecordSource::freshCurrentRow()
 {
-    Status s = checkOpenAndWritable();
-    if (!s.isOk())
-        return s;
-    endEdit();
-    m_buffer = QVariantList(m_select.fields.size());
-    m_dirty = QList<bool>(m_select.fields.size(), false);
-    m_mode = EditMode::AddNew;
-    return Status::ok();
+    forgetRows();
+    return currentRow();
 }
 
-Status PgRecordSource::Edit()
+bool PgRecordSource::isComputed(int index) const
 {
-    Status s = checkOpenAndWritable();
-    if (!s.isOk())
-        return s;
-    if (!hasCurrent())
-        return Status(Status::Code::NotFound, QStringLiteral("no current record"));
-    endEdit();
-    s = m_lock.acquire(baseTable(), m_keys[size_t(m_pos)]);
-    if (!s.isOk())
-        return s;
-    forgetRows(); // another user may have saved this record since it was read
-    Result<QVariantList> row = currentRow();
-    if (!row.isOk()) {
-        m_lock.release();
-        return row.status();
-    }
-    m_buffer = row.value();
-    m_dirty = QList<bool>(m_select.fields.size(), false);
-    m_mode = EditMode::Edit;
-    return Status::ok();
+    return m_select.baseColumns.at(index).isEmpty();
 }
 
-Status PgRecordSource::setValue(int index, const QVariant &newValue)
+Result<QVariant> PgRecordSource::normalizedValue(const QVariant &value, int index) const
 {
-    Status s = checkOpen();
-    if (!s.isOk())
-        return s;
-    if (m_mode == EditMode::None)
-        return Status(Status::Code::InvalidArgument,
-                      QStringLiteral("a field can only be set between AddNew or Edit and Update"));
-    if (index < 0 || index >= m_select.fields.size())
-        return Status(Status::Code::InvalidArgument, QStringLiteral("no field %1").arg(index));
-    if (m_select.baseColumns.at(index).isEmpty())
-        return Status(Status::Code::NotSupported,
-                      QStringLiteral("field %1 is computed and cannot be set")
-                          .arg(m_select.fields.at(index).name));
-    Result<QVariant> value = normalized(newValue, m_select.fields.at(index));
-    if (!value.isOk())
-        return value.status();
-    m_buffer[index] = value.value();
-    m_dirty[index] = true;
-    return Status::ok();
+    return normalized(value, m_select.fields.at(index));
 }
 
 Status PgRecordSource::insertBuffer()
@@ -168,33 +121,6 @@ Status PgRecordSource::updateBuffer()
     if (r->affected() == 0)
         return Status(Status::Code::NotFound,
                       QStringLiteral("the record was deleted by another user"));
-    return Status::ok();
-}
-
-Status PgRecordSource::Update()
-{
-    Status s = checkOpen();
-    if (!s.isOk())
-        return s;
-    if (m_mode == EditMode::None)
-        return notEditing();
-    s = m_mode == EditMode::AddNew ? insertBuffer() : updateBuffer();
-    // A refused value or a lost connection keeps the edit, buffer and lock (the user can
-    // change the value or retry); a record deleted meanwhile ends it.
-    if (s.isOk() || s.code() == Status::Code::NotFound)
-        endEdit();
-    forgetRows();
-    return s;
-}
-
-Status PgRecordSource::CancelUpdate()
-{
-    Status s = checkOpen();
-    if (!s.isOk())
-        return s;
-    if (m_mode == EditMode::None)
-        return notEditing();
-    endEdit();
     return Status::ok();
 }
 

@@ -12,7 +12,7 @@
 // in memory and is read-only.
 #pragma once
 
-#include "services/recordsource/internal/positionedrecordsource.h"
+#include "services/recordsource/internal/bufferedrecordsource.h"
 #include "services/recordsource/jet/internal/ast.h"
 #include "services/recordsource/postgres/pgrecordlock_p.h"
 #include "services/recordsource/postgres/pgtranslate_p.h"
@@ -24,7 +24,7 @@
 
 namespace plx::postgres {
 
-class PgRecordSource final : public PositionedRecordSource, public TableChanges
+class PgRecordSource final : public BufferedRecordSource, public TableChanges
 {
 public:
     static Result<std::unique_ptr<RecordSource>> open(std::shared_ptr<Connection> connection,
@@ -33,14 +33,8 @@ public:
 
     const QList<FieldInfo> &fieldInfos() const override { return m_select.fields; }
     Result<QVariant> value(int index) const override;
-    Status setValue(int index, const QVariant &value) override;
 
-    EditMode editMode() const override { return m_mode; }
     QString readOnlyReason() const override { return m_readOnlyReason; }
-    Status AddNew() override;
-    Status Edit() override;
-    Status Update() override;
-    Status CancelUpdate() override;
     Status Delete() override;
     void Close() override;
 
@@ -51,8 +45,15 @@ public:
 
 protected:
     qint64 size() const override;
-    void endEdit() override;
     Result<qint64> locate(const QString &criterion, qint64 start) const override;
+    Status lockCurrent() override;
+    void releaseLock() override;
+    Result<QVariantList> freshCurrentRow() override;
+    bool isComputed(int index) const override;
+    Result<QVariant> normalizedValue(const QVariant &value, int index) const override;
+    Status insertBuffer() override;
+    Status updateBuffer() override;
+    void forgetReadValues() override { forgetRows(); }
 
 private:
     explicit PgRecordSource(std::shared_ptr<Connection> connection);
@@ -62,8 +63,6 @@ private:
     Result<QVariantList> currentRow() const;
     void forgetRows() const;
     Status fetchBatch(qint64 position) const;
-    Status insertBuffer();
-    Status updateBuffer();
     QString baseTable() const { return m_select.sources.front().table.name; }
 
     std::shared_ptr<Connection> m_conn;
@@ -75,9 +74,6 @@ private:
     mutable QHash<qint64, QVariantList> m_batch; // rows by key around the current one
     mutable qint64 m_batchPos = -2; // the position the batch was last used at
 
-    EditMode m_mode = EditMode::None;
-    QVariantList m_buffer;
-    QList<bool> m_dirty;
     RecordLock m_lock;
     quint64 m_heardChanges = 0; // the connection's count of notices when last read or asked
 };

@@ -1,10 +1,7 @@
-// services/recordsource/sqlite/sqliterecordsource_edit.cpp: the edit buffer, record locks
-// and writes.
+// services/recordsource/sqlite/sqliterecordsource_edit.cpp: record locks and writes.
 //
-// Edit takes the record's lock in the sidecar lock file before anything else, then
-// re-reads the record so that the buffer starts from the latest committed values. Update
-// writes only the fields that were set, in one transaction, and returns once SQLite has
-// synced it (synchronous=FULL).
+// A record's lock lives in the sidecar lock file. Update writes only the fields that were
+// set, in one transaction, and returns once SQLite has synced it (synchronous=FULL).
 #include "services/recordsource/sqlite/internal/sqliterecordsource.h"
 
 #include "services/recordsource/sqlite/internal/sqlitevalues.h"
@@ -21,12 +18,6 @@ QString quoted(const QString &name)
         + QLatin1Char('"');
 }
 
-Status notEditing()
-{
-    return Status(Status::Code::InvalidArgument,
-                  QStringLiteral("Update or CancelUpdate without AddNew or Edit"));
-}
-
 } // namespace
 
 QString SqliteRecordSource::quotedBase() const
@@ -34,71 +25,32 @@ QString SqliteRecordSource::quotedBase() const
     return quoted(m_select.baseTable);
 }
 
-void SqliteRecordSource::endEdit()
+Status SqliteRecordSource::lockCurrent()
 {
-    m_mode = EditMode::None;
-    m_buffer.clear();
-    m_dirty.clear();
+    return m_lock.acquire(m_select.baseTable, m_keys.at(m_pos));
+}
+
+void SqliteRecordSource::releaseLock()
+{
     m_lock.release();
 }
 
-Status SqliteRecordSource::AddNew()
+Result<QVariantList> SqliteRecordSource::freshCurrentRow()
 {
-    Status s = checkOpenAndWritable();
-    if (!s.isOk())
-        return s;
-    endEdit();
-    m_buffer = QVariantList(m_fields.size());
-    m_dirty = QList<bool>(m_fields.size(), false);
-    m_mode = EditMode::AddNew;
-    return Status::ok();
-}
-
-Status SqliteRecordSource::Edit()
-{
-    Status s = checkOpenAndWritable();
-    if (!s.isOk())
-        return s;
-    if (!hasCurrent())
-        return Status(Status::Code::NotFound, QStringLiteral("no current record"));
-    endEdit();
-    const qint64 key = m_keys.at(m_pos);
-    s = m_lock.acquire(m_select.baseTable, key);
-    if (!s.isOk())
-        return s;
-    // Another user may have saved this record since we read it; start from their values.
     m_cacheValid = false;
-    s = loadCurrent();
-    if (!s.isOk()) {
-        m_lock.release();
+    if (Status s = loadCurrent(); !s.isOk())
         return s;
-    }
-    m_buffer = m_cache;
-    m_dirty = QList<bool>(m_fields.size(), false);
-    m_mode = EditMode::Edit;
-    return Status::ok();
+    return m_cache;
 }
 
-Status SqliteRecordSource::setValue(int index, const QVariant &newValue)
+bool SqliteRecordSource::isComputed(int index) const
 {
-    Status s = checkOpen();
-    if (!s.isOk())
-        return s;
-    if (m_mode == EditMode::None)
-        return Status(Status::Code::InvalidArgument,
-                      QStringLiteral("a field can only be set between AddNew or Edit and Update"));
-    if (index < 0 || index >= m_fields.size())
-        return Status(Status::Code::InvalidArgument, QStringLiteral("no field %1").arg(index));
-    if (m_baseColumns.at(index).isEmpty())
-        return Status(
-            Status::Code::NotSupported,
-            QStringLiteral("field %1 is computed and cannot be set").arg(m_fields.at(index).name));
-    Result<QVariant> normal = normalizeValue(newValue, m_fields.at(index));
-    if (!normal.isOk())
-        return normal.status();
-    m_buffer[index] = normal.value();
-    m_dirty[index] = true;
-    return Status::ok();
+    return m_baseColumns.at(index).isEmpty();
+}
+
+Result<QVariant> SqliteRecordSource::normalizedValue(const QVariant &value, int index) const
+{
+    return normalizeValue(value, m_fields.at(index));
 }
 
 Status SqliteRecordSource::runWrite(Statement &stmt)
@@ -174,35 +126,6 @@ Status SqliteRecordSource::updateBuffer()
     }
     sqlite3_bind_int64(stmt->get(), ++parameter, m_keys.at(m_pos));
     return runWrite(stmt.value());
-}
-
-Status SqliteRecordSource::Update()
-{
-    Status s = checkOpen();
-    if (!s.isOk())
-        return s;
-    if (m_mode == EditMode::None)
-        return notEditing();
-    s = m_mode == EditMode::AddNew ? insertBuffer() : updateBuffer();
-    // A write that failed for a full disk, an I/O error or a refused value keeps the edit,
-    // buffer and lock, as the FoxPro engine does: the user can make room or change the
-    // value and write again, or cancel. Only a record deleted meanwhile ends it, as its
-    // lock protects nothing any more.
-    if (s.isOk() || s.code() == Status::Code::NotFound)
-        endEdit();
-    m_cacheValid = false;
-    return s;
-}
-
-Status SqliteRecordSource::CancelUpdate()
-{
-    Status s = checkOpen();
-    if (!s.isOk())
-        return s;
-    if (m_mode == EditMode::None)
-        return notEditing();
-    endEdit();
-    return Status::ok();
 }
 
 Status SqliteRecordSource::Delete()

@@ -12,7 +12,7 @@
 // no rowid to key on; its rows are held in memory and it is read-only.
 #pragma once
 
-#include "services/recordsource/internal/positionedrecordsource.h"
+#include "services/recordsource/internal/bufferedrecordsource.h"
 #include "services/recordsource/keptorder.h"
 #include "services/recordsource/tablechanges.h"
 #include "services/recordsource/sqlite/internal/keyset.h"
@@ -23,9 +23,7 @@
 
 namespace plx::sqlite {
 
-class SqliteRecordSource final : public PositionedRecordSource,
-                                 public KeptOrder,
-                                 public TableChanges
+class SqliteRecordSource final : public BufferedRecordSource, public KeptOrder, public TableChanges
 {
 public:
     // Opens a record source on a table name or a Jet SELECT. NotFound for an unknown
@@ -39,16 +37,10 @@ public:
 
     const QList<FieldInfo> &fieldInfos() const override { return m_fields; }
     Result<QVariant> value(int index) const override;
-    Status setValue(int index, const QVariant &value) override;
 
-    EditMode editMode() const override { return m_mode; }
     // The connection's reason (a write-protected file or folder, a read-only open), or that
     // the statement reads no single table.
     QString readOnlyReason() const override { return m_readOnlyReason; }
-    Status AddNew() override;
-    Status Edit() override;
-    Status Update() override;
-    Status CancelUpdate() override;
     Status Delete() override;
 
     void Close() override;
@@ -66,8 +58,15 @@ public:
 
 protected:
     qint64 size() const override;
-    void endEdit() override;
     Result<qint64> locate(const QString &criterion, qint64 start) const override;
+    Status lockCurrent() override;
+    void releaseLock() override;
+    Result<QVariantList> freshCurrentRow() override;
+    bool isComputed(int index) const override;
+    Result<QVariant> normalizedValue(const QVariant &value, int index) const override;
+    Status insertBuffer() override;
+    Status updateBuffer() override;
+    void forgetReadValues() override { m_cacheValid = false; }
 
 private:
     explicit SqliteRecordSource(std::shared_ptr<Connection> connection);
@@ -78,8 +77,6 @@ private:
     Status loadCurrent() const;
     Result<qint64> findKeyed(const QString &sqlCriterion, qint64 start) const;
     Result<qint64> findHeld(const QString &sqlCriterion, qint64 start) const;
-    Status insertBuffer();
-    Status updateBuffer();
     Status runWrite(Statement &stmt);
     QString quotedBase() const;
     Result<bool> satisfiesWhere(qint64 key) const;
@@ -102,9 +99,6 @@ private:
     mutable bool m_cacheValid = false;
     mutable QVariantList m_cache;
 
-    EditMode m_mode = EditMode::None;
-    QVariantList m_buffer;
-    QList<bool> m_dirty;
     RecordLock m_lock;
     qint64 m_dataVersion = -1; // the file's data version when last read or asked
 };
