@@ -13,19 +13,32 @@ namespace plx::designer {
 
 namespace {
 
-// A new form entry: the object name Designer numbers from, and a size in pixels.
-QString entry(const QString &className, const QString &objectName, int width, int height)
+// A new form entry: the object name Designer numbers from, a size in pixels, and the
+// properties (as .ui XML) that give its first row a caption, as Designer's own widgets
+// start with "TextLabel" or "CheckBox", so the row is seen on the form.
+QString entry(const QString &className, const QString &objectName, int width, int height,
+              const QString &properties = QString())
 {
     return QStringLiteral("<ui language=\"c++\">\n"
                           " <widget class=\"%1\" name=\"%2\">\n"
                           "  <property name=\"geometry\">\n"
                           "   <rect><x>0</x><y>0</y><width>%3</width><height>%4</height></rect>\n"
                           "  </property>\n"
+                          "%5"
                           " </widget>\n"
                           "</ui>\n")
         .arg(className, objectName)
         .arg(width)
-        .arg(height);
+        .arg(height)
+        .arg(properties);
+}
+
+// A string-list property of one entry.
+QString firstRow(const char *property, const char *text)
+{
+    return QStringLiteral("  <property name=\"%1\"><stringlist><string>%2</string></stringlist>"
+                          "</property>\n")
+        .arg(QLatin1String(property), QLatin1String(text));
 }
 
 template<typename Control> std::function<QWidget *(QWidget *)> maker()
@@ -45,7 +58,7 @@ ControlDescription navigator()
                             "CANCEL and DELETE for the field controls registered with it. "
                             "Set sIDfield, sDescfield and sDesc here."),
              QStringLiteral(":/plx/designer/mvplxrecs.png"),
-             entry(name, QStringLiteral("navigator"), 560, 110),
+             entry(name, QStringLiteral("navigator"), 560, 150),
              maker<mvPLXRecs>() };
 }
 
@@ -60,7 +73,7 @@ ControlDescription names()
                             "captions in sCaptions and their fields in sFieldNames, one line "
                             "a row."),
              QStringLiteral(":/plx/designer/mvname.png"),
-             entry(name, QStringLiteral("names"), 320, 60),
+             entry(name, QStringLiteral("names"), 320, 60, firstRow("sCaptions", "Caption")),
              maker<mvName>() };
 }
 
@@ -74,7 +87,7 @@ ControlDescription valueItems()
                             "list of allowed values, kept in a settings file (sVINIFile, "
                             "sVINISec, sVINIVar). Rows are edited as sCaptions and sFieldNames."),
              QStringLiteral(":/plx/designer/mvvitext.png"),
-             entry(name, QStringLiteral("valueItems"), 320, 60),
+             entry(name, QStringLiteral("valueItems"), 320, 60, firstRow("sCaptions", "Caption")),
              maker<mvVIText>() };
 }
 
@@ -88,7 +101,7 @@ ControlDescription checks()
                             "current record (logical, or a T/F or 1/0 field). Rows are edited "
                             "as sCaptions and sFieldNames; bBoldOnChk shows ticked rows in bold."),
              QStringLiteral(":/plx/designer/mvchecks.png"),
-             entry(name, QStringLiteral("checks"), 240, 60),
+             entry(name, QStringLiteral("checks"), 240, 60, firstRow("sCaptions", "CheckBox")),
              maker<mvChecks>() };
 }
 
@@ -102,7 +115,10 @@ ControlDescription checkWithText()
                             "text fields that belong to it (sCaptionsTxt, sFieldNamesTxt, one "
                             "line a row), all bound to the navigator's current record."),
              QStringLiteral(":/plx/designer/mvchkwithtxt.png"),
-             entry(name, QStringLiteral("checkWithText"), 420, 60),
+             entry(name, QStringLiteral("checkWithText"), 420, 60,
+                   QStringLiteral(
+                       "  <property name=\"sCaptionChk\"><string>CheckBox</string></property>\n")
+                       + firstRow("sCaptionsTxt", "Caption")),
              maker<mvChkWithTxt>() };
 }
 

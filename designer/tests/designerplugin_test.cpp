@@ -5,6 +5,7 @@
 // The widgets come from the plugin's own copy of the libraries, so the test reaches them
 // through their meta-objects (by property and method name), as a form loaded at run time
 // is reached.
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -107,6 +108,29 @@ TEST_F(DesignedForm, TheLoaderKnowsEveryControl)
     const QStringList available = loader.availableWidgets();
     for (const QString &name : kControls)
         EXPECT_TRUE(available.contains(name)) << str(name);
+}
+
+// What Designer puts on a form when a control is dropped: each entry loads, at its size,
+// and a stack's first row has a caption to be seen by.
+TEST_F(DesignedForm, EveryControlsNewFormEntryLoads)
+{
+    QPluginLoader plugin(pluginFile());
+    auto *collection = qobject_cast<QDesignerCustomWidgetCollectionInterface *>(plugin.instance());
+    ASSERT_NE(collection, nullptr);
+    for (QDesignerCustomWidgetInterface *control : collection->customWidgets()) {
+        QByteArray xml = control->domXml().toUtf8();
+        QBuffer entry(&xml);
+        std::unique_ptr<QWidget> made(loader.load(&entry));
+        ASSERT_TRUE(made) << str(control->name()) << ": " << str(loader.errorString());
+        EXPECT_EQ(made->metaObject()->className(), control->name().toLatin1());
+        EXPECT_GE(made->width(), made->minimumSizeHint().width()) << str(control->name());
+        EXPECT_GE(made->height(), made->sizeHint().height()) << str(control->name());
+        const QVariant captions = made->property(
+            control->name() == QStringLiteral("plx::mvChkWithTxt") ? "sCaptionsTxt" : "sCaptions");
+        if (captions.isValid()) {
+            EXPECT_FALSE(captions.toStringList().value(0).isEmpty()) << str(control->name());
+        }
+    }
 }
 
 TEST_F(DesignedForm, NavigatorPropertiesArrive)
