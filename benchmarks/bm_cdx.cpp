@@ -4,6 +4,8 @@
 //   BM_Cdx_FindFirstIdNoIndex     the same without an index (a pass over the file)
 //   BM_Cdx_AddNewUpdate           AddNew, set ID and NAME, Update (durable), both tags kept
 //   BM_Cdx_AddNewUpdateNoIndex    the same append without an index
+//   BM_Cdx_SortById               a record source ordered by ID, read from the ID tag's leaves
+//   BM_Cdx_SortByIdNoIndex        the same sort by ranks without an index, no ranks kept
 //   BM_Cdx_Reindex                every tag rebuilt from the 1,000,000 records
 // The tables are copies of $PLX_BENCH_DIR/foxpro/T.DBF (default /tmp/plx-bench) made on first
 // use into foxpro-cdx (flagged, with T.CDX) and foxpro-plain; the appends grow both copies.
@@ -12,6 +14,7 @@
 #include "services/recordsource/database.h"
 #include "services/recordsource/dbf/internal/cdxindex.h"
 #include "services/recordsource/dbf/internal/dbftable.h"
+#include "services/recordsource/foxpro/internal/rankcache.h"
 #include "services/recordsource/tablegen/benchtable.h"
 #include "services/texthelpers.h"
 
@@ -149,6 +152,33 @@ void BM_Cdx_AddNewUpdateNoIndex(benchmark::State &state)
     addNewUpdate(state, false);
 }
 BENCHMARK(BM_Cdx_AddNewUpdateNoIndex)->Unit(benchmark::kMicrosecond);
+
+void sortById(benchmark::State &state, bool indexed)
+{
+    Database *db = database(indexed);
+    if (!db)
+        return state.SkipWithError("no benchmark table");
+    for (auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores): the loop counter
+        state.PauseTiming();
+        foxpro::RankCache::global().clear();
+        state.ResumeTiming();
+        auto rs = db->OpenRecordset(QStringLiteral("SELECT * from T ORDER BY T.ID"));
+        if (!rs.isOk())
+            return state.SkipWithError(rs.status().message().toUtf8().constData());
+    }
+}
+
+void BM_Cdx_SortById(benchmark::State &state)
+{
+    sortById(state, true);
+}
+BENCHMARK(BM_Cdx_SortById)->Unit(benchmark::kMillisecond);
+
+void BM_Cdx_SortByIdNoIndex(benchmark::State &state)
+{
+    sortById(state, false);
+}
+BENCHMARK(BM_Cdx_SortByIdNoIndex)->Unit(benchmark::kMillisecond);
 
 void BM_Cdx_Reindex(benchmark::State &state)
 {

@@ -267,4 +267,11 @@ Result<QList<quint32>> CdxIndex::find(int tag, const QByteArray &key) const
     return tree.find(key);
 }
 
+Result<std::vector<quint32>> CdxIndex::recordsInOrder(int tag) const
+{
+    cdxpages::PageFile pages(m_fd, path());
+    const cdxtree::Tree tree(pages, cdxindex::treeTag(tags()[tag], m_compiled[size_t(tag)].pad));
+    return tree.records();
+}
+
 } // namespace plx

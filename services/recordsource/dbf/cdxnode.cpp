@@ -95,6 +95,24 @@ bool decodeLeaf(const char *page, int keyLength, char pad, int count, Node *node
 
 } // namespace
 
+bool leafRecords(const char *page, std::vector<quint32> *records, QString *problem)
+{
+    LeafLayout layout;
+    if ((dbfio::le16(page) & kLeafPage) == 0)
+        return fail(problem, QStringLiteral("the page is no leaf"));
+    if (!readLayout(page, &layout, problem))
+        return false;
+    const int count = dbfio::le16(page + 2);
+    if (kLeafHeader + count * layout.entryBytes > kPageSize)
+        return fail(problem, QStringLiteral("%1 keys do not fit a leaf page").arg(count));
+    for (int i = 0; i < count; ++i) {
+        const quint64 bits =
+            entryBits(page + kLeafHeader + qsizetype(i) * layout.entryBytes, layout.entryBytes);
+        records->push_back(quint32(bits) & layout.recordMask);
+    }
+    return true;
+}
+
 bool decode(const char *page, int keyLength, char pad, Node *node, QString *problem)
 {
     node->attributes = dbfio::le16(page);

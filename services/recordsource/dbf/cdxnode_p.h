@@ -18,6 +18,8 @@
 #include <QList>
 #include <QString>
 
+#include <vector>
+
 namespace plx::cdxnode {
 
 constexpr int kPageSize = 512;
@@ -47,16 +49,20 @@ struct Node
 // `problem` (a sentence fragment such as "the key counts do not fit the page").
 bool decode(const char *page, int keyLength, char pad, Node *node, QString *problem);
 
+// Appends the record numbers of the leaf at `page`, in order, without decoding its keys;
+// false with the reason in `problem` for a page that is no leaf or whose counts do not fit.
+bool leafRecords(const char *page, std::vector<quint32> *records, QString *problem);
+
 // How a leaf packs its entries: FoxPro gives the duplicate and trailing counts the bits the
 // key length needs, takes the fewest whole bytes that also hold the leaf's greatest record
 // number, and gives the record number every bit left over.
-struct LeafLayout
+struct PackedLayout
 {
     int recordBits = 0;
     int countBits = 0; // of the duplicate count and of the trailing count each
     int entryBytes = 0;
 };
-LeafLayout leafLayout(int keyLength, quint32 greatestRecno);
+PackedLayout leafLayout(int keyLength, quint32 greatestRecno);
 
 // The leaf bytes `key` takes after `previous` (empty for the first key of a leaf).
 int storedBytes(const QByteArray &previous, const QByteArray &key, char pad);

@@ -75,7 +75,7 @@ bool encodeLeaf(const Node &node, int keyLength, char pad, char *page)
     quint32 greatest = 0;
     for (const Entry &e : node.entries)
         greatest = std::max(greatest, e.recno);
-    const LeafLayout layout = leafLayout(keyLength, greatest);
+    const PackedLayout layout = leafLayout(keyLength, greatest);
     std::memset(page, 0, kPageSize);
     const qsizetype entriesEnd = kLeafHeader + node.entries.size() * layout.entryBytes;
     int keyEnd = kPageSize;
@@ -111,7 +111,7 @@ bool encodeLeaf(const Node &node, int keyLength, char pad, char *page)
 
 } // namespace
 
-LeafLayout leafLayout(int keyLength, quint32 greatestRecno)
+PackedLayout leafLayout(int keyLength, quint32 greatestRecno)
 {
     const auto countBits = int(std::bit_width(unsigned(keyLength)));
     const int recnoBits = std::max(1, int(std::bit_width(greatestRecno)));

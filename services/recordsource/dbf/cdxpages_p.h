@@ -34,6 +34,7 @@ public:
     PageFile(dbfio::FileHandle file, QString path) : m_file(file), m_path(std::move(path)) { }
 
     const QString &path() const { return m_path; }
+    dbfio::FileHandle handle() const { return m_file; }
     Status read(quint32 offset, char *page) const;
     Status write(quint32 offset, const char *page);
     // Writes a few bytes inside a page (a tag header's root, the file header's words).

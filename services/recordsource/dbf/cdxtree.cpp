@@ -153,6 +153,32 @@ Result<QList<quint32>> Tree::find(const QByteArray &key)
     return found;
 }
 
+Result<std::vector<quint32>> Tree::records() const
+{
+    Path path;
+    if (Status st = descend(QByteArray(), 0, &path); !st.isOk())
+        return st;
+    std::vector<quint32> records;
+    quint32 offset = path.last().offset;
+    char page[cdxnode::kPageSize];
+    QString problem;
+    const Result<qint64> size = dbfio::fileSize(m_pages.handle(), m_pages.path());
+    const qint64 pages = size.isOk() ? *size / cdxnode::kPageSize : 0;
+    for (qint64 visited = 0; isPage(offset); ++visited) {
+        if (visited > pages)
+            return dbfio::fileError(Status::Code::Corrupt, m_pages.path(),
+                                    QStringLiteral("the leaves' links form a cycle"));
+        if (Status st = m_pages.read(offset, page); !st.isOk())
+            return st;
+        if (!cdxnode::leafRecords(page, &records, &problem))
+            return dbfio::fileError(
+                Status::Code::Corrupt, m_pages.path(),
+                QStringLiteral("the index page at %1 is damaged: %2").arg(offset).arg(problem));
+        offset = dbfio::le32(page + 8);
+    }
+    return records;
+}
+
 // Writes the node at `level` of `path`, splitting it when its entries outgrew the page.
 Status Tree::rewrite(Path &path, qsizetype level)
 {

@@ -33,6 +33,8 @@ public:
     Status remove(const QByteArray &key, quint32 recno);
     // The record numbers filed under `key`, in order.
     Result<QList<quint32>> find(const QByteArray &key);
+    // Every record number of the tree in key order, read from the leaves left to right.
+    Result<std::vector<quint32>> records() const;
 
 private:
     struct Step

@@ -24,4 +24,10 @@ namespace plx::foxpro {
 std::optional<std::vector<quint32>> cdxCandidates(const DbfTable &table, int field,
                                                   QByteArrayView wanted);
 
+// The live records of the whole table in the order of character field `field`'s tag (the
+// order an ORDER BY on the field gives in binary comparison: blank-padded bytes, ties in
+// record order); nothing when no tag serves the field, or when the tag does not hold exactly
+// the table's live records (an index another program left behind its table).
+std::optional<std::vector<quint32>> cdxOrder(const DbfTable &table, int field);
+
 } // namespace plx::foxpro

@@ -300,6 +300,17 @@ Result<std::vector<quint32>> FoxProRecordSource::filter(const NodePtr &where,
 // from an earlier sort of the unchanged file, else numbered during the scan. A statement
 // without WHERE numbers every record of a settled file and keeps the ranks for the queries
 // that follow (the navigator's find runs in the order of its sort query).
+// A whole table sorted on one character field in binary comparison, ascending, is the order
+// of a tag on that field: read from the tag's leaves instead of ranked and sorted.
+std::optional<std::vector<quint32>>
+FoxProRecordSource::tagOrder(const jet::SelectStatement &stmt) const
+{
+    if (stmt.where || stmt.orderBy.size() != 1 || stmt.orderBy[0].descending
+        || m_collate != TextCompare::Binary || stmt.orderBy[0].expr->kind != NodeKind::Column)
+        return std::nullopt;
+    return cdxOrder(*m_table, stmt.orderBy[0].expr->column);
+}
+
 Status FoxProRecordSource::build(const jet::SelectStatement &stmt)
 {
     if (stmt.where) {
@@ -317,6 +328,13 @@ Status FoxProRecordSource::build(const jet::SelectStatement &stmt)
     // Taken before the records are read: a write in between is seen as a change.
     if (stamp.isOk())
         m_seenStamp = stamp.value();
+    if (std::optional<std::vector<quint32>> inTagOrder = tagOrder(stmt)) {
+        m_keys = std::move(*inTagOrder);
+        m_recnoOrder = false;
+        m_where = stmt.where;
+        m_order = stmt.orderBy;
+        return Status::ok();
+    }
     const bool keep = !stmt.where && stamp.isOk() && stamp->settled;
     std::vector<std::optional<KeyRanks>> byteKeys(stmt.orderBy.size());
     std::vector<ScanRanking> rankings;

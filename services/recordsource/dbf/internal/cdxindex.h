@@ -87,6 +87,8 @@ public:
     int tagWithExpression(const QByteArray &expression) const;
     // The record numbers tag `tag` files under `key` (key bytes, padded to the key length).
     Result<QList<quint32>> find(int tag, const QByteArray &key) const;
+    // Every record number tag `tag` holds, in its key order.
+    Result<std::vector<quint32>> recordsInOrder(int tag) const;
     // The key of a value in tag `tag` (its key length, as keyOf()).
     int keyLength(int tag) const { return tags()[tag].keyLength; }
 

@@ -94,6 +94,7 @@ private:
     FoxProRecordSource() = default;
 
     Status build(const jet::SelectStatement &stmt);
+    std::optional<std::vector<quint32>> tagOrder(const jet::SelectStatement &stmt) const;
     // NotSupported with readOnlyReason() when writes are refused; OK otherwise.
     Status checkWritable() const;
     Result<jet::NodePtr> bindExpression(const jet::NodePtr &node) const;

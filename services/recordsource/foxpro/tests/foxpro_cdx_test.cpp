@@ -1,6 +1,6 @@
 // A FoxPro table with a structural index, edited through the record source: every write
-// keeps every tag consistent, and a FindFirst by ID reads the ID tag and lands where a pass
-// over the file lands.
+// keeps every tag consistent, a FindFirst by ID reads the ID tag and lands where a pass over
+// the file lands, and a sort on ID reads the tag's order, equal to the ranked sort.
 #include "services/recordsource/database.h"
 #include "services/recordsource/dbf/internal/cdxindex.h"
 #include "services/recordsource/dbf/internal/dbftable.h"
@@ -105,6 +105,21 @@ TEST_F(FoxProCdxTest, EditsKeepTheTagsAndFindFirstByIdAnswersAsAPass)
         }
     }
 
+    // A sort on ID alone reads the ID tag; ID twice is sorted by ranks: the same order.
+    const auto order = [&](const char *by) {
+        QStringList rows;
+        auto sorted =
+            db->OpenRecordset(QStringLiteral("SELECT * from P ORDER BY ") + QLatin1String(by));
+        EXPECT_TRUE(sorted.isOk());
+        for (RecordSource &s = *sorted.value(); !s.isEOF(); (void)s.MoveNext())
+            rows << s.value(QStringLiteral("ID")).value().toString() + QLatin1Char('|')
+                    + s.value(QStringLiteral("NAME")).value().toString();
+        return rows;
+    };
+    const QStringList ranked = order("P.ID, P.ID");
+    EXPECT_EQ(ranked.size(), 300);
+    EXPECT_EQ(order("P.ID"), ranked);
+
     // The look-up reads the tag: a record whose key is taken out of it is not found by ID.
     auto table = DbfTable::open(tablePath(), DbfTable::OpenMode::ReadOnly);
     ASSERT_TRUE(table.isOk());
@@ -119,6 +134,8 @@ TEST_F(FoxProCdxTest, EditsKeepTheTagsAndFindFirstByIdAnswersAsAPass)
     EXPECT_NE(landing(*fresh.value(), QStringLiteral("ID >= %1 AND ID <= %1").arg(strToASC(id))),
               QStringLiteral("-"));
     EXPECT_EQ(landing(*fresh.value(), QStringLiteral("ID = ") + strToASC(id)), QStringLiteral("-"));
+    // A tag that lacks a record does not give the sort order.
+    EXPECT_EQ(order("P.ID"), ranked);
 }
 
 } // namespace
