@@ -114,6 +114,26 @@ Status writeTable(const QString &name, const QString &connect, const QList<QVari
     if (Status s = db.value()->createTable(QStringLiteral("FACILITY"), sampleFields()); !s.isOk())
         return s;
     Status s = db.value()->appendRecords(QStringLiteral("FACILITY"), rows);
+    // An index on the ID and on each of the form's sorts, where the engine keeps indexes,
+    // so that look-ups by ID and sort changes are answered from them.
+    const struct
+    {
+        const char *name;
+        QStringList fields;
+    } indexes[] = {
+        { "FACILITY_ID", { QStringLiteral("ID") } },
+        { "FACILITY_NAME", { QStringLiteral("NAME"), QStringLiteral("CITY") } },
+        { "FACILITY_CITY", { QStringLiteral("CITY"), QStringLiteral("NAME") } },
+        { "FACILITY_STATE", { QStringLiteral("STATE"), QStringLiteral("CITY") } },
+    };
+    for (const auto &index : indexes) {
+        if (!s.isOk())
+            break;
+        const Status made = db.value()->createIndex(QStringLiteral("FACILITY"),
+                                                    QString::fromLatin1(index.name), index.fields);
+        if (made.code() != Status::Code::NotSupported)
+            s = made;
+    }
     db.value()->Close();
     return s;
 }

@@ -1,4 +1,4 @@
-// apps/plxsql/commands.cpp: the back-end table and the three commands of plxsql.
+// apps/plxsql/commands.cpp: the back-end table and the commands of plxsql.
 #include "apps/plxsql/commands.h"
 
 #include "apps/plxsql/textoutput.h"
@@ -64,6 +64,19 @@ Status runInfo(const Database &db, const QString &dir, const QString &table, QTe
     return Status::ok();
 }
 
+// --index TABLE NAME FIELDS: an index in the dialect's order, FIELDS separated by commas.
+Status runIndex(Database &db, const QStringList &args, QTextStream &out)
+{
+    QStringList fields;
+    for (const QString &field : args.at(2).split(QLatin1Char(','), Qt::SkipEmptyParts))
+        fields << field.trimmed();
+    if (Status s = db.createIndex(args.at(0), args.at(1), fields); !s.isOk())
+        return s;
+    out << "index " << args.at(1) << " on " << args.at(0) << " ("
+        << fields.join(QStringLiteral(", ")) << ")\n";
+    return Status::ok();
+}
+
 Status runEval(const QString &expression, QTextStream &out)
 {
     Result<QVariant> value = jet::evaluateExpression(expression);
@@ -91,6 +104,14 @@ Status run(const QStringList &args, QTextStream &out)
                 QStringLiteral("%1 needs a %2")
                     .arg(QLatin1String(backEnd.option), QLatin1String(backEnd.argumentName)));
         const QString target = rest.takeFirst();
+        if (!rest.isEmpty() && rest.first() == QLatin1String("--index")) {
+            if (rest.size() != 4)
+                return usageError(QStringLiteral("--index takes TABLE NAME FIELD[,FIELD...]"));
+            Result<std::unique_ptr<Database>> db = backEnd.open(target);
+            if (!db.isOk())
+                return db.status();
+            return runIndex(*db.value(), rest.mid(1), out);
+        }
         const bool info = rest.size() == 2 && rest.first() == QLatin1String("--info")
             && args.first() == QLatin1String("--foxpro");
         const bool countOnly = !info && rest.removeAll(QStringLiteral("--count")) > 0;

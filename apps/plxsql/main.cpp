@@ -4,6 +4,8 @@
 //   plxsql --sqlite FILE --count "SQL"  open the statement, MoveLast, print RecordCount
 //   plxsql --foxpro DIR ...             the same on a directory of FoxPro tables
 //   plxsql --foxpro DIR --info TABLE    print a FoxPro table's header and fields
+//   plxsql --sqlite FILE --index TABLE NAME FIELD[,FIELD...]
+//                                       make index NAME in the dialect's text order
 //   plxsql --postgres CONNINFO ...      the same on a PostgreSQL database (a libpq
 //                                       connection string or postgresql:// URI)
 //   plxsql --eval "EXPR"                evaluate one Jet expression, print its typed value
@@ -27,6 +29,8 @@ void printUsage(QTextStream &err)
     err << "usage: plxsql --sqlite FILE [--count] \"SQL\"\n"
            "       plxsql --foxpro DIR [--count] \"SQL\"\n"
            "       plxsql --foxpro DIR --info TABLE\n"
+           "       plxsql --sqlite FILE --index TABLE NAME FIELD[,FIELD...]\n"
+           "       plxsql --postgres CONNINFO --index TABLE NAME FIELD[,FIELD...]\n"
            "       plxsql --postgres CONNINFO [--count] \"SQL\"\n"
            "       plxsql --eval \"EXPRESSION\"\n";
     for (const plx::plxsql::BackEnd &backEnd : plx::plxsql::backEnds())

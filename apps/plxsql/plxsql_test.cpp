@@ -69,6 +69,38 @@ TEST_F(PlxsqlTest, CountPrintsTheRecordCountAfterMoveLast)
     EXPECT_EQ(r.out, QStringLiteral("0\n"));
 }
 
+// The index is made in the file (another program sees it in sqlite_master) and a query
+// ordered by its field still gives the dialect's order.
+TEST_F(PlxsqlTest, IndexMakesAnIndexInTheDialectsOrder)
+{
+    const Outcome made =
+        plxsql({ QStringLiteral("--sqlite"), m_file, QStringLiteral("--index"), QStringLiteral("T"),
+                 QStringLiteral("T_NAME"), QStringLiteral("name, id") });
+    ASSERT_EQ(made.exitCode, 0) << made.err.toStdString();
+    EXPECT_EQ(made.out, QStringLiteral("index T_NAME on T (name, id)\n"));
+    sqlite3 *db = nullptr;
+    ASSERT_EQ(sqlite3_open(m_file.toUtf8().constData(), &db), SQLITE_OK);
+    sqlite3_stmt *stmt = nullptr;
+    ASSERT_EQ(sqlite3_prepare_v2(db, "SELECT sql FROM sqlite_master WHERE name = 'T_NAME'", -1,
+                                 &stmt, nullptr),
+              SQLITE_OK);
+    ASSERT_EQ(sqlite3_step(stmt), SQLITE_ROW);
+    EXPECT_STREQ(reinterpret_cast<const char *>(sqlite3_column_text(stmt, 0)),
+                 "CREATE INDEX \"T_NAME\" ON \"T\" (\"NAME\" COLLATE JETNOCASE, \"ID\" COLLATE "
+                 "JETNOCASE)");
+    sqlite3_finalize(stmt);
+    sqlite3_close(db);
+    const Outcome sorted = plxsql(
+        { QStringLiteral("--sqlite"), m_file, QStringLiteral("SELECT ID from T ORDER BY NAME") });
+    EXPECT_EQ(sorted.out, QStringLiteral("ID\nPLE3\nPLE2\nPLE1\n"));
+    const Outcome again =
+        plxsql({ QStringLiteral("--sqlite"), m_file, QStringLiteral("--index"), QStringLiteral("T"),
+                 QStringLiteral("T_NAME"), QStringLiteral("ID") });
+    EXPECT_EQ(again.exitCode, 1);
+    EXPECT_EQ(again.err,
+              QStringLiteral("Error: Invalid argument: an index named T_NAME exists already\n"));
+}
+
 TEST_F(PlxsqlTest, ErrorsPrintOneErrorLineAndExitOne)
 {
     for (const QStringList &args :

@@ -22,6 +22,12 @@ Status Database::appendRecords(const QString &name, const QList<QVariantList> &)
                   QStringLiteral("this database cannot append records to %1").arg(name));
 }
 
+Status Database::createIndex(const QString &table, const QString &, const QStringList &)
+{
+    return Status(Status::Code::NotSupported,
+                  QStringLiteral("this database cannot index the table %1").arg(table));
+}
+
 Result<TableDescription> Database::describeTable(const QString &name) const
 {
     return Status(Status::Code::NotSupported,

@@ -73,6 +73,13 @@ public:
     // end (a failed batch leaves the rows it wrote marked deleted). NotSupported on a
     // read-only database and on an engine that cannot, as this default.
     virtual Status appendRecords(const QString &name, const QList<QVariantList> &rows);
+    // Makes the index `indexName` on `fields` of the table `table`, in the order and with
+    // the matching the dialect uses (text without regard to case), so that sorts, finds
+    // and ID look-ups on those fields are answered from it. InvalidArgument for a field
+    // the table lacks or an index name in use, NotFound for a missing table, NotSupported
+    // on a read-only database and on an engine without such indexes, as this default.
+    virtual Status createIndex(const QString &table, const QString &indexName,
+                               const QStringList &fields);
     // The fields of the table `name` (case-insensitive) and the engine's account of it,
     // without reading its records. NotFound when there is no such table; NotSupported on
     // an engine that cannot, as this default.

@@ -2,6 +2,7 @@
 // and described, batches appended with COPY.
 #include "services/recordsource/postgres/pgdatabase_p.h"
 
+#include "services/recordsource/internal/indexfields.h"
 #include "services/recordsource/postgres/pgkeys_p.h"
 #include "services/recordsource/postgres/pgrecordsource_p.h"
 #include "services/recordsource/postgres/pgschema_p.h"
@@ -76,6 +77,8 @@ public:
     TextCompare textCompare() const override { return TextCompare::NoCase; }
     Status createTable(const QString &name, const QList<FieldInfo> &fields) override;
     Status appendRecords(const QString &name, const QList<QVariantList> &rows) override;
+    Status createIndex(const QString &table, const QString &indexName,
+                       const QStringList &fields) override;
     Result<TableDescription> describeTable(const QString &name) const override;
     void Close() override
     {
@@ -213,6 +216,30 @@ Status PgDatabase::appendRecords(const QString &name, const QList<QVariantList> 
         return s;
     }
     return m_conn->run(QStringLiteral("COMMIT"));
+}
+
+Status PgDatabase::createIndex(const QString &table, const QString &indexName,
+                               const QStringList &fields)
+{
+    if (Status s = writable(); !s.isOk())
+        return s;
+    Result<TableDescription> described = describeTable(table);
+    if (!described.isOk())
+        return described.status();
+    Result<QList<FieldInfo>> indexed = indexFields(described.value(), fields);
+    if (!indexed.isOk())
+        return indexed.status();
+    // The text columns carry plx.nocase already: the index keeps the dialect's order.
+    QStringList columns;
+    for (const FieldInfo &f : indexed.value())
+        columns << quoteName(f.name);
+    Status s = m_conn->run(QStringLiteral("CREATE INDEX %1 ON %2 (%3)")
+                               .arg(quoteName(indexName), quoteName(described->name),
+                                    columns.join(QStringLiteral(", "))));
+    if (s.code() == Status::Code::Engine && s.engineMessage().startsWith(QLatin1String("42P07")))
+        return Status(Status::Code::InvalidArgument,
+                      QStringLiteral("an index named %1 exists already").arg(indexName));
+    return s;
 }
 
 Result<TableDescription> PgDatabase::describeTable(const QString &name) const

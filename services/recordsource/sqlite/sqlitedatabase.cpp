@@ -1,6 +1,7 @@
 // services/recordsource/sqlite/sqlitedatabase.cpp: the SQLite Database.
 #include "services/recordsource/sqlite/sqlitedatabase_p.h"
 
+#include "services/recordsource/internal/indexfields.h"
 #include "services/recordsource/sqlite/internal/sqliteconnection.h"
 #include "services/recordsource/sqlite/internal/sqliterecordsource.h"
 #include "services/recordsource/sqlite/internal/sqlitevalues.h"
@@ -41,6 +42,8 @@ public:
     }
     TextCompare textCompare() const override { return TextCompare::NoCase; }
     Status createTable(const QString &name, const QList<FieldInfo> &fields) override;
+    Status createIndex(const QString &table, const QString &indexName,
+                       const QStringList &fields) override;
     Status appendRecords(const QString &name, const QList<QVariantList> &rows) override;
     Result<TableDescription> describeTable(const QString &name) const override;
     void Close() override { m_conn.reset(); }
@@ -77,6 +80,34 @@ Status SqliteDatabase::createTable(const QString &name, const QList<FieldInfo> &
         columns << quotedName(f.name) + QLatin1Char(' ') + declaredTypeFor(f);
     return m_conn->exec(QStringLiteral("CREATE TABLE %1 (%2)")
                             .arg(quotedName(name), columns.join(QStringLiteral(", "))));
+}
+
+Status SqliteDatabase::createIndex(const QString &table, const QString &indexName,
+                                   const QStringList &fields)
+{
+    if (!m_conn)
+        return closedDatabase();
+    if (m_conn->isReadOnly())
+        return Status(Status::Code::NotSupported, m_conn->readOnlyReason());
+    Result<TableDescription> described = describeTable(table);
+    if (!described.isOk())
+        return described.status();
+    Result<QList<FieldInfo>> indexed = indexFields(described.value(), fields);
+    if (!indexed.isOk())
+        return indexed.status();
+    // Text in the dialect's own order, so that its comparisons and ORDER BY can use it.
+    QStringList columns;
+    for (const FieldInfo &f : indexed.value()) {
+        const bool text = f.type == FieldType::Text || f.type == FieldType::Memo;
+        columns << quotedName(f.name) + (text ? QStringLiteral(" COLLATE JETNOCASE") : QString());
+    }
+    Status s = m_conn->exec(QStringLiteral("CREATE INDEX %1 ON %2 (%3)")
+                                .arg(quotedName(indexName), quotedName(described->name),
+                                     columns.join(QStringLiteral(", "))));
+    if (!s.isOk() && (s.message() + s.engineMessage()).contains(QLatin1String("already exists")))
+        return Status(Status::Code::InvalidArgument,
+                      QStringLiteral("an index named %1 exists already").arg(indexName));
+    return s;
 }
 
 Status SqliteDatabase::appendRecords(const QString &name, const QList<QVariantList> &rows)

@@ -101,6 +101,68 @@ TEST_P(CreateTableTest, NamesTakenOrMissingAndReadOnlyDatabasesAreRefused)
     EXPECT_FALSE(readOnly.value()->tableNames().contains(QStringLiteral("U"), Qt::CaseInsensitive));
 }
 
+// An index keeps the dialect's text order and matching: the same records in the same order
+// as without it. What it cannot cover is refused with the reason.
+TEST_P(CreateTableTest, AnIndexKeepsTheDialectsOrderAndRefusesWhatItCannotCover)
+{
+    ASSERT_TRUE(m_db->createTable(QStringLiteral("T"), kFields.mid(0, 3)).isOk());
+    ASSERT_TRUE(m_db->appendRecords(QStringLiteral("T"),
+                                    { { QStringLiteral("5"), QStringLiteral("ZOE"), 1 },
+                                      { QStringLiteral("2"), QStringLiteral("\u00e9mile"), 2 },
+                                      { QStringLiteral("3"), QStringLiteral("adams"), 3 },
+                                      { QStringLiteral("4"), QStringLiteral("Emile"), 4 },
+                                      { QStringLiteral("1"), QStringLiteral("Baker"), 5 } })
+                    .isOk());
+    auto ids = [this](const char *sql) {
+        QStringList out;
+        auto rs = m_db->OpenRecordset(QString::fromUtf8(sql));
+        EXPECT_TRUE(rs.isOk()) << rs.status().toString().toStdString();
+        for (RecordSource *r = rs.isOk() ? rs.value().get() : nullptr; r && !r->isEOF();
+             (void)r->MoveNext())
+            out << r->value(QStringLiteral("ID")).value().toString().trimmed();
+        return out;
+    };
+    const char *byName = "SELECT * FROM T ORDER BY NAME, ID";
+    const char *emile = "SELECT * FROM T WHERE NAME = 'EMILE' ORDER BY ID";
+    const QStringList before = ids(byName);
+    const QStringList matched = ids(emile);
+
+    const Status made = m_db->createIndex(QStringLiteral("t"), QStringLiteral("T_NAME"),
+                                          { QStringLiteral("name") });
+    if (made.code() == Code::NotSupported)
+        GTEST_SKIP() << made.message().toStdString();
+    ASSERT_TRUE(made.isOk()) << made.toString().toStdString();
+    EXPECT_EQ(ids(byName), before);
+    EXPECT_EQ(ids(emile), matched);
+    // The dialect's order and matching, not only the same as before.
+    if (m_db->textCompare() == TextCompare::NoCase) {
+        EXPECT_EQ(before,
+                  (QStringList{ QStringLiteral("3"), QStringLiteral("1"), QStringLiteral("4"),
+                                QStringLiteral("2"), QStringLiteral("5") }));
+        EXPECT_EQ(matched, QStringList{ QStringLiteral("4") });
+    }
+
+    const Status twice =
+        m_db->createIndex(QStringLiteral("T"), QStringLiteral("T_NAME"), { QStringLiteral("ID") });
+    EXPECT_EQ(twice.code(), Code::InvalidArgument);
+    EXPECT_EQ(twice.message(), QStringLiteral("an index named T_NAME exists already"));
+    const Status unknown = m_db->createIndex(QStringLiteral("T"), QStringLiteral("T_C"),
+                                             { QStringLiteral("ID"), QStringLiteral("COLOUR") });
+    EXPECT_EQ(unknown.code(), Code::InvalidArgument);
+    EXPECT_EQ(unknown.message(), QStringLiteral("the table T has no field COLOUR"));
+    EXPECT_EQ(
+        m_db->createIndex(QStringLiteral("NOPE"), QStringLiteral("N"), { QStringLiteral("ID") })
+            .code(),
+        Code::NotFound);
+    auto readOnly = GetParam()->openReadOnly(m_dir.path());
+    ASSERT_TRUE(readOnly.isOk());
+    EXPECT_EQ(
+        readOnly.value()
+            ->createIndex(QStringLiteral("T"), QStringLiteral("T_ID"), { QStringLiteral("ID") })
+            .code(),
+        Code::NotSupported);
+}
+
 // Reads every record of `table` through a fresh connection, in the table's order.
 QList<QVariantList> readBack(Database &db, const QString &table)
 {
