@@ -23,10 +23,11 @@ QString engineName(Engine engine)
     return engine == Engine::SQLite ? QStringLiteral("SQLite") : QStringLiteral("FoxPro");
 }
 
-SmallTable::SmallTable(Engine engine, TableSpec spec) : m_engine(engine), m_spec(std::move(spec))
+SmallTable::SmallTable(Engine engine, TableContent content)
+    : m_engine(engine), m_content(std::move(content))
 {
     if (!m_dir.isValid()) {
-        ADD_FAILURE() << "no temporary folder for table " << m_spec.name.toStdString();
+        ADD_FAILURE() << "no temporary folder for table " << m_content.name.toStdString();
         return;
     }
     // SQLite makes its file on first open; a FoxPro database is the folder itself.
@@ -39,11 +40,11 @@ SmallTable::SmallTable(Engine engine, TableSpec spec) : m_engine(engine), m_spec
         return;
     }
     std::shared_ptr<Database> db(std::move(opened.value()));
-    Status made = db->createTable(m_spec.name, m_spec.fields);
-    if (made.isOk() && !m_spec.rows.isEmpty())
-        made = db->appendRecords(m_spec.name, m_spec.rows);
+    Status made = db->createTable(m_content.name, m_content.fields);
+    if (made.isOk() && !m_content.rows.isEmpty())
+        made = db->appendRecords(m_content.name, m_content.rows);
     if (!made.isOk()) {
-        ADD_FAILURE() << "cannot make table " << m_spec.name.toStdString() << ": "
+        ADD_FAILURE() << "cannot make table " << m_content.name.toStdString() << ": "
                       << describe(made);
         return;
     }
@@ -70,14 +71,14 @@ QString SmallTable::connect() const
 QString SmallTable::tableFile() const
 {
     return m_engine == Engine::SQLite ? databaseName()
-                                      : m_dir.filePath(m_spec.name + QStringLiteral(".DBF"));
+                                      : m_dir.filePath(m_content.name + QStringLiteral(".DBF"));
 }
 
 std::shared_ptr<RecordSource> SmallTable::open(const QString &tableOrSql) const
 {
     if (!m_database)
         return nullptr;
-    const QString what = tableOrSql.isEmpty() ? m_spec.name : tableOrSql;
+    const QString what = tableOrSql.isEmpty() ? m_content.name : tableOrSql;
     Result<std::unique_ptr<RecordSource>> rs = m_database->OpenRecordset(what);
     if (!rs.isOk()) {
         ADD_FAILURE() << "cannot open " << what.toStdString() << ": " << describe(rs.status());
@@ -104,10 +105,10 @@ void SmallTable::attach(mvPLXRecs &nav) const
         nav.setSDBFPathFileName(tableFile());
         return;
     }
-    std::shared_ptr<RecordSource> rs = open(QStringLiteral("SELECT * from ") + m_spec.name);
+    std::shared_ptr<RecordSource> rs = open(QStringLiteral("SELECT * from ") + m_content.name);
     if (!rs)
         return;
-    nav.setDatabase(m_database, m_spec.name, tableFile());
+    nav.setDatabase(m_database, m_content.name, tableFile());
     nav.setRs(rs);
 }
 

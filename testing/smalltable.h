@@ -36,7 +36,7 @@ enum class Engine { SQLite, FoxPro };
 // "SQLite" or "FoxPro", usable in a test's name.
 QString engineName(Engine engine);
 
-struct TableSpec
+struct TableContent
 {
     QString name;
     QList<FieldInfo> fields;
@@ -46,7 +46,7 @@ struct TableSpec
 class SmallTable
 {
 public:
-    SmallTable(Engine engine, TableSpec spec);
+    SmallTable(Engine engine, TableContent content);
     SmallTable(const SmallTable &) = delete;
     SmallTable &operator=(const SmallTable &) = delete;
     ~SmallTable();
@@ -54,7 +54,7 @@ public:
     // False when the table could not be made (the test has failed already).
     bool isOk() const { return m_database != nullptr; }
     Engine engine() const { return m_engine; }
-    const TableSpec &spec() const { return m_spec; }
+    const TableContent &content() const { return m_content; }
     // The temporary folder: the SQLite file or the FoxPro table is in it, and a test may
     // put its own files (settings, logs) beside them.
     QString folder() const { return m_dir.path(); }
@@ -78,7 +78,7 @@ private:
     QString connect() const;
 
     Engine m_engine;
-    TableSpec m_spec;
+    TableContent m_content;
     QTemporaryDir m_dir;
     std::shared_ptr<Database> m_database;
 };

@@ -13,7 +13,7 @@ using plx::test::Engine;
 
 namespace {
 
-plx::test::TableSpec facilities()
+plx::test::TableContent facilities()
 {
     using plx::FieldType;
     return { QStringLiteral("FACILITY"),

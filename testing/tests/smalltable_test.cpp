@@ -17,7 +17,7 @@ namespace {
 
 using test::Engine;
 
-test::TableSpec people()
+test::TableContent people()
 {
     return { QStringLiteral("PEOPLE"),
              { { QStringLiteral("ID"), FieldType::Text, 10, 0 },
@@ -45,8 +45,8 @@ TEST_P(SmallTableTest, ReadsBackEveryRowThroughANewConnection)
     Result<std::unique_ptr<RecordSource>> rs = again->OpenRecordset(QStringLiteral("PEOPLE"));
     ASSERT_TRUE(rs.isOk());
     RecordSource &records = *rs.value();
-    const QList<FieldInfo> &fields = table.spec().fields;
-    for (const QVariantList &row : table.spec().rows) {
+    const QList<FieldInfo> &fields = table.content().fields;
+    for (const QVariantList &row : table.content().rows) {
         ASSERT_FALSE(records.isEOF());
         for (int i = 0; i < fields.size(); ++i) {
             const QVariant read = records.value(i).value();
@@ -64,10 +64,10 @@ TEST_P(SmallTableTest, ReadsBackEveryRowThroughANewConnection)
 
 TEST_P(SmallTableTest, AValueTheFieldCannotHoldFailsTheTest)
 {
-    test::TableSpec spec = people();
-    spec.rows[1][3] = QStringLiteral("not a date");
+    test::TableContent content = people();
+    content.rows[1][3] = QStringLiteral("not a date");
     bool made = true;
-    EXPECT_NONFATAL_FAILURE(made = test::SmallTable(GetParam(), spec).isOk(),
+    EXPECT_NONFATAL_FAILURE(made = test::SmallTable(GetParam(), content).isOk(),
                             "cannot make table PEOPLE");
     EXPECT_FALSE(made);
 }
