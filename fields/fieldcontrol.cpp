@@ -1,6 +1,8 @@
 // fields/fieldcontrol.cpp
 #include "fields/fieldcontrol_p.h"
 
+#include "services/paths.h"
+
 #include <QFileInfo>
 #include <QWidget>
 
@@ -10,7 +12,9 @@ FieldControlPrivate::~FieldControlPrivate() = default;
 
 bool FieldControlPrivate::tableFileFound(const QString &path) const
 {
-    if (QFileInfo::exists(path) && !QFileInfo(path).isDir())
+    // Hosts write the library's "\" paths; the disk wants its own separators.
+    const QFileInfo file(plx::toDiskPath(path));
+    if (file.exists() && !file.isDir())
         return true;
     (void)plx::prompterOf(services).msgBox(QStringLiteral("Database file not found:\r\n") + path,
                                            plx::MsgStyle::Critical,

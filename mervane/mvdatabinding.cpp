@@ -4,6 +4,7 @@
 #include "services/recordsource/querytext.h"
 
 #include "services/codepages.h"
+#include "services/paths.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -56,18 +57,19 @@ void mvDataBinding::setSFieldName(const QString &name)
 void mvDataBinding::setDBFPathFileName(const QString &path)
 {
     m_path = path;
-    m_codePage = QFileInfo::exists(path) ? codePageOfTableFile(path) : 0;
+    const QString onDisk = plx::toDiskPath(path);
+    m_codePage = QFileInfo::exists(onDisk) ? codePageOfTableFile(onDisk) : 0;
 }
 
 QString mvDataBinding::Connect()
 {
     if (m_path.trimmed().isEmpty())
         return QStringLiteral("no table file is set");
-    QString dir =
-        QFileInfo(QString(m_path).replace(QLatin1Char('\\'), QLatin1Char('/'))).absolutePath();
+    const QFileInfo file(plx::toDiskPath(m_path));
+    const QString dir = file.absolutePath();
     QString table = m_tableName.trimmed();
     if (table.isEmpty())
-        table = QFileInfo(m_path).completeBaseName();
+        table = file.completeBaseName();
     auto db = plx::OpenDatabase(dir, false, false, QStringLiteral("FoxPro 2.6;"));
     if (!db.isOk())
         return db.status().message();

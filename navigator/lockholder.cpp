@@ -38,6 +38,8 @@ QString LockHolders::notePath(const QString &id) const
 
 void LockHolders::claim(const QString &id, const QString &user, const QDateTime &since) const
 {
+    if (m_dir.isEmpty())
+        return;
     QDir().mkpath(m_dir);
     QSaveFile note(notePath(id));
     if (!note.open(QIODevice::WriteOnly))
@@ -51,6 +53,8 @@ void LockHolders::claim(const QString &id, const QString &user, const QDateTime 
 
 void LockHolders::release(const QString &id) const
 {
+    if (m_dir.isEmpty())
+        return;
     QFile note(notePath(id));
     if (!note.open(QIODevice::ReadOnly))
         return;
@@ -63,6 +67,8 @@ void LockHolders::release(const QString &id) const
 
 QString LockHolders::describe(const QString &id) const
 {
+    if (m_dir.isEmpty())
+        return QString();
     QFile note(notePath(id));
     if (!note.open(QIODevice::ReadOnly))
         return QString();

@@ -15,7 +15,8 @@ namespace plx {
 class LockHolders
 {
 public:
-    // `directory`: the folder of notes of one table.
+    // `directory`: the folder of notes of one table; "" (a table with no folder for side
+    // files) keeps no notes.
     explicit LockHolders(QString directory) : m_dir(std::move(directory)) { }
 
     // Records that this process now holds record `id` for `user`. Failures are ignored:

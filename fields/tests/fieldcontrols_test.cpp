@@ -1,11 +1,13 @@
 // fields/tests/fieldcontrols_test.cpp: what every field control does alike, run on each:
 // a missing table file is told once and changes nothing, and enabling reaches every part
-// whether it comes through the control's own setEnabled or QWidget's.
+// whether it comes through the control's own setEnabled or QWidget's, and a table file named
+// in the library's "\" form binds.
 #include "fields/mvchecks.h"
 #include "fields/mvchkwithtxt.h"
 #include "fields/mvname.h"
 
 #include "testing/fakeenv.h"
+#include "tests/support/rowfixtures.h"
 
 #include <QLineEdit>
 #include <QTemporaryDir>
@@ -66,6 +68,25 @@ TEST_P(FieldControlTest, AMissingTableFileIsToldOnceAndChangesNothing)
     EXPECT_EQ(env.prompter.shown().size(), 1);
     EXPECT_EQ(widget->property("sDBFPathFileName").toString(), QString()) << "nothing changed";
     EXPECT_EQ(control->RecordSet(), nullptr);
+}
+
+// The library writes "\" paths on every platform; the file is found, opened and its code
+// page read through the disk's form of the path, with no box.
+TEST_P(FieldControlTest, ATableFileNamedWithBackslashesBinds)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(
+        rowtest::makeTable(rowtest::Store::FoxPro850, dir.path(), { rowtest::smithRecord() }));
+    const QString libraryPath =
+        QString(rowtest::tableFile(dir.path())).replace(QLatin1Char('/'), QLatin1Char('\\'));
+    widget->setProperty("sDBFPathFileName", libraryPath);
+    EXPECT_TRUE(env.prompter.shown().isEmpty());
+    EXPECT_EQ(widget->property("sDBFPathFileName").toString(), libraryPath);
+    ASSERT_TRUE(control->RecordSet());
+    EXPECT_EQ(control->RecordSet()->value(QStringLiteral("NAME")).value().toString().trimmed(),
+              QStringLiteral("SMITH"));
+    for (mvRow *row : widget->findChildren<mvRow *>())
+        EXPECT_EQ(row->DataBinding()->CodePage(), 850) << row->objectName().toStdString();
 }
 
 TEST_P(FieldControlTest, EnablingReachesEveryPartThroughAnyPointer)

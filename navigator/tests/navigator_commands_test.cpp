@@ -491,6 +491,28 @@ TEST_P(Commands, AnUnusableKeyFileIsToldOnceAndNothingIsCreated)
     EXPECT_EQ(env.prompter.pending(), 0);
 }
 
+// A host that attaches a SQLite database without naming its file gives the navigator no
+// folder for side files: the edit goes on without the holder's note, and no folder without
+// a name is asked of Qt (which would warn about it).
+TEST_P(Commands, ASqliteDatabaseAttachedWithoutItsPathEditsWithoutWarnings)
+{
+    if (GetParam() != "SQLite")
+        GTEST_SKIP() << "only a SQLite database is a file the navigator may not be told";
+    configureWithFields();
+    nav->setDatabase(nav->database(), QStringLiteral("T"));
+    const QString id = nav->sCurrentID();
+    static QStringList warnings;
+    warnings.clear();
+    const QtMessageHandler previous = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext &, const QString &text) { warnings << text; });
+    nav->ClickButton(QStringLiteral("EDIT"));
+    fields->setSValue(1, QStringLiteral("WACO"));
+    nav->ClickButton(QStringLiteral("SAVE"));
+    qInstallMessageHandler(previous);
+    EXPECT_EQ(warnings, QStringList());
+    EXPECT_EQ(onDisk(id).value(QStringLiteral("CITY")), QStringLiteral("WACO"));
+}
+
 INSTANTIATE_TEST_SUITE_P(BackEnds, Commands, ::testing::ValuesIn(navigatorBackEnds()), backEndName);
 
 } // namespace
