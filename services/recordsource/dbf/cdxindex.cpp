@@ -174,9 +174,19 @@ Status CdxIndex::endUpdate(bool completed, bool durable)
     return st;
 }
 
+// The mark is also there while another process is in the middle of an update: it holds the
+// index lock throughout, so the mark is read under the lock (shared, which a read-only file
+// can take), and what is found there is an update nobody is finishing.
 Result<bool> CdxIndex::stale() const
 {
-    return cdxpages::PageFile(m_fd, path()).updateMarked();
+    const cdxpages::PageFile pages(m_fd, path());
+    if (m_locked)
+        return pages.updateMarked();
+    if (Status st = lockRange(m_fd, kIndexLockAt, 1, LockKind::Shared, 5000); !st.isOk())
+        return st;
+    const Result<bool> marked = pages.updateMarked();
+    (void)unlockRange(m_fd, kIndexLockAt, 1);
+    return marked;
 }
 
 Status CdxIndex::applyChange(quint32 recno, const Keys &before, const Keys &after)

@@ -24,6 +24,7 @@ constexpr quint32 kHeaderSize = 2 * cdxnode::kPageSize;
 constexpr quint32 kDirectoryAt = kHeaderSize;
 constexpr quint32 kFirstTagAt = kDirectoryAt + cdxnode::kPageSize;
 constexpr int kTagNameLength = 10;
+constexpr quint64 kIndexLockAt = 0x7FFFFFFE;
 
 // A tag's keys gathered from the table, in index order.
 struct TagKeys
@@ -123,7 +124,7 @@ Status CdxIndex::reindex()
                       QStringLiteral("%1 is open read only").arg(path()));
     const bool held = m_locked;
     if (!held) {
-        if (Status st = lockRange(m_fd, 0x7FFFFFFE, 1, LockKind::Exclusive, 5000); !st.isOk())
+        if (Status st = lockRange(m_fd, kIndexLockAt, 1, LockKind::Exclusive, 5000); !st.isOk())
             return st;
         m_locked = true;
     }
@@ -143,7 +144,7 @@ Status CdxIndex::reindex()
     if (st.isOk())
         st = reload();
     if (!held) {
-        (void)unlockRange(m_fd, 0x7FFFFFFE, 1);
+        (void)unlockRange(m_fd, kIndexLockAt, 1);
         m_locked = false;
     }
     return st;

@@ -344,18 +344,16 @@ void DbfTableOpener::openIndex(DbfTable &t)
     if (index.isOk()) {
         const Result<bool> stale = (*index)->stale();
         problem = stale.status();
-        if (stale.isOk() && *stale && canWrite) {
-            problem = t.lockHeader(t.m_headerLockTimeoutMs);
-            if (problem.isOk()) {
-                problem = (*index)->reindex();
-                (void)t.unlockHeader();
-            }
-        } else if (stale.isOk() && *stale) {
+        if (stale.isOk() && *stale && !canWrite)
             return;
-        }
         if (problem.isOk()) {
             t.m_index = std::move(*index);
-            return;
+            // Rebuilt from the table as it is now, under the header lock (DbfTable::reindex).
+            if (*stale)
+                problem = t.reindex();
+            if (problem.isOk())
+                return;
+            t.m_index.reset();
         }
     }
     if (!canWrite)

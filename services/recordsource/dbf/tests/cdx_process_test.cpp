@@ -79,6 +79,27 @@ TEST(CdxTables, ATagThatCannotBeEvaluatedKeepsTheTableReadOnlyAndSaysWhich)
     EXPECT_EQ(readBytes(indexPathOf(path)), cdx);
 }
 
+// Two processes appending to one indexed table at once: every record of both gets its keys,
+// none twice, as the index lock taken after the header lock orders the updates.
+TEST(CdxTables, TwoProcessesAppendingKeepOneConsistentIndex)
+{
+    QTemporaryDir dir;
+    const QString path = makeSmallTable(dir.path(), 3);
+    ASSERT_NO_FATAL_FAILURE(indexTable(path));
+    TestChild a({ QStringLiteral("table"), QStringLiteral("append"), path, QStringLiteral("300"),
+                  QStringLiteral("AAA") });
+    TestChild b({ QStringLiteral("table"), QStringLiteral("append"), path, QStringLiteral("300"),
+                  QStringLiteral("BBB") });
+    ASSERT_EQ(a.exitCode(60000), 0) << a.errors().toStdString();
+    ASSERT_EQ(b.exitCode(60000), 0) << b.errors().toStdString();
+    auto table = DbfTable::open(path, DbfTable::OpenMode::ReadOnly);
+    ASSERT_TRUE(table.isOk());
+    EXPECT_EQ((*table)->recordCount(), 603U);
+    ASSERT_NE((*table)->index(), nullptr);
+    EXPECT_TRUE((*table)->index()->check().isOk())
+        << (*table)->index()->check().message().toStdString();
+}
+
 // A record source's Edit+Update, AddNew+Update and Delete on an indexed table, ended before
 // each of its writes in turn (table, memo and index writes alike): the table is whole, old
 // or new, and the index either passes the checker or carries the mark of an update cut short,
