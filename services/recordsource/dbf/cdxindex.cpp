@@ -184,7 +184,7 @@ Result<bool> CdxIndex::stale() const
         return pages.updateMarked();
     if (Status st = lockRange(m_fd, kIndexLockAt, 1, LockKind::Shared, 5000); !st.isOk())
         return st;
-    const Result<bool> marked = pages.updateMarked();
+    Result<bool> marked = pages.updateMarked();
     (void)unlockRange(m_fd, kIndexLockAt, 1);
     return marked;
 }
