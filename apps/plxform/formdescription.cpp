@@ -167,23 +167,6 @@ bool checkKnownKeys(const Sections &sections, QStringList *warnings)
     return hasForm;
 }
 
-// Sorts=Name:FIELD, FIELD|Name:FIELD; a sort without a name or fields is warned of and left
-// out.
-QList<QPair<QString, QString>> readSorts(const QString &text, QStringList *warnings)
-{
-    QList<QPair<QString, QString>> sorts;
-    for (const QString &sort : text.split(QLatin1Char('|'), Qt::SkipEmptyParts)) {
-        const qsizetype colon = sort.indexOf(QLatin1Char(':'));
-        if (colon < 1 || getLenTrim(sort.mid(colon + 1)) < 1) {
-            warnings->append(QStringLiteral("Sort \"%1\" ignored: write it as Name:FIELD, FIELD")
-                                 .arg(sort.trimmed()));
-            continue;
-        }
-        sorts.append({ sort.left(colon).trimmed(), sort.mid(colon + 1).trimmed() });
-    }
-    return sorts;
-}
-
 // GenerateIDs, CodePage and Collate; a value plxform cannot use is warned of and the
 // default kept.
 void readTableOptions(const DescriptionReader &in, FormDescription &form)
@@ -400,10 +383,7 @@ Status saveFormDescription(const FormDescription &form, const QString &path)
     set(f, "GenerateIDs", form.generateIDs ? QString() : QStringLiteral("No"));
     set(f, "CodePage", form.codePage > 0 ? QString::number(form.codePage) : QString());
     set(f, "Collate", form.collate);
-    QStringList sorts;
-    for (const auto &[name, fields] : form.sorts)
-        sorts << name + QLatin1Char(':') + fields;
-    set(f, "Sorts", sorts.join(QLatin1Char('|')));
+    set(f, "Sorts", sortsText(form.sorts));
     set(f, "Required", form.required.join(QStringLiteral(", ")));
     for (qsizetype i = 0; i < form.rows.size(); ++i) {
         const RowDescription &r = form.rows[i];
@@ -610,6 +590,29 @@ QString FormDescription::databaseLabel() const
             + (name.isEmpty() ? QStringLiteral("(default)") : name);
     }
     return QFileInfo(database).fileName();
+}
+
+QList<QPair<QString, QString>> readSorts(const QString &text, QStringList *warnings)
+{
+    QList<QPair<QString, QString>> sorts;
+    for (const QString &sort : text.split(QLatin1Char('|'), Qt::SkipEmptyParts)) {
+        const qsizetype colon = sort.indexOf(QLatin1Char(':'));
+        if (colon < 1 || getLenTrim(sort.mid(colon + 1)) < 1) {
+            warnings->append(QStringLiteral("Sort \"%1\" ignored: write it as Name:FIELD, FIELD")
+                                 .arg(sort.trimmed()));
+            continue;
+        }
+        sorts.append({ sort.left(colon).trimmed(), sort.mid(colon + 1).trimmed() });
+    }
+    return sorts;
+}
+
+QString sortsText(const QList<QPair<QString, QString>> &sorts)
+{
+    QStringList out;
+    for (const auto &[name, fields] : sorts)
+        out << name + QLatin1Char(':') + fields;
+    return out.join(QLatin1Char('|'));
 }
 
 } // namespace plx::form

@@ -96,6 +96,11 @@ struct FormDescription
     QString databaseLabel() const;
 };
 
+// Sorts as a form description writes them, "Name:FIELD, FIELD|Name:FIELD", and back; a sort
+// without a name or fields is warned of and left out.
+QList<QPair<QString, QString>> readSorts(const QString &text, QStringList *warnings);
+QString sortsText(const QList<QPair<QString, QString>> &sorts);
+
 // The database a libpq connection string or URI names ("" when it names none).
 QString serverDatabaseName(const QString &conninfo);
 

@@ -8,6 +8,7 @@
 #include "fields/mvname.h"
 #include "navigator/filterlist.h"
 #include "navigator/mvplxrecs.h"
+#include "services/widgets/boundcontrol.h"
 #include "services/widgets/formplacement.h"
 #include "services/ini.h"
 #include "services/paths.h"
@@ -136,18 +137,6 @@ mvName *makeTextRows(const QList<RowDescription> &shownRows, const QList<FieldIn
     return rows;
 }
 
-// The rows of the fields the form requires refuse a blank value, as a rule of the row:
-// the stack's own validation then names them like any row it refuses.
-void requireValues(mvName &rows, const QStringList &required)
-{
-    for (qint16 n = 0; n <= rows.nUbound(); ++n)
-        for (const QString &field : required)
-            if (rows.sFieldName(n).compare(field.trimmed(), Qt::CaseInsensitive) == 0)
-                rows.setRule(n, [](const QString &text) {
-                    return getLenTrim(text) < 1 ? QStringLiteral("is required") : QString();
-                });
-}
-
 mvChecks *makeCheckBoxes(const QList<CheckDescription> &shownChecks)
 {
     auto *checks = new mvChecks;
@@ -243,6 +232,16 @@ QWidget *formLayout(mvPLXRecs *nav, mvName *rows, const QList<mvVIText *> &value
 }
 
 } // namespace
+
+void requireValues(mvName &rows, const QStringList &required)
+{
+    for (qint16 n = 0; n <= rows.nUbound(); ++n)
+        for (const QString &field : required)
+            if (rows.sFieldName(n).compare(field.trimmed(), Qt::CaseInsensitive) == 0)
+                rows.setRule(n, [](const QString &text) {
+                    return getLenTrim(text) < 1 ? QStringLiteral("is required") : QString();
+                });
+}
 
 QString systemUserName()
 {
@@ -452,7 +451,9 @@ bool HostForm::openForm(const FormDescription &form, QStringList *warnings, QStr
     // The new form replaces the old one only now that it works.
     m_form = shown;
     m_db = db;
-    placeWidgets(nav.release(), rows, valueRows, checks, pairs);
+    mvPLXRecs *shownNav = nav.release();
+    placeWidgets(formLayout(shownNav, rows, valueRows, checks, pairs), shownNav, rows, valueRows,
+                 checks, pairs);
     m_readOnlyReason = m_nav->rs()->readOnlyReason();
     m_madeIDRow = -1;
     for (qint16 n = 0; m_form.generateIDs && n <= rows->nUbound(); ++n)
@@ -478,10 +479,11 @@ bool HostForm::openForm(const FormDescription &form, QStringList *warnings, QStr
     return true;
 }
 
-void HostForm::placeWidgets(mvPLXRecs *nav, mvName *rows, const QList<mvVIText *> &valueRows,
-                            mvChecks *checks, const QList<mvChkWithTxt *> &pairs)
+void HostForm::placeWidgets(QWidget *central, mvPLXRecs *nav, mvName *rows,
+                            const QList<mvVIText *> &valueRows, mvChecks *checks,
+                            const QList<mvChkWithTxt *> &pairs)
 {
-    setCentralWidget(formLayout(nav, rows, valueRows, checks, pairs));
+    setCentralWidget(central);
     m_nav = nav;
     m_rows = rows;
     m_checks = checks;
@@ -510,14 +512,10 @@ void HostForm::placeWidgets(mvPLXRecs *nav, mvName *rows, const QList<mvVIText *
 
 void HostForm::showRecord()
 {
-    m_rows->UpdateDBF();
-    m_checks->UpdateDBF();
-    for (const QPointer<mvChkWithTxt> &pair : m_pairs)
-        if (pair)
-            pair->UpdateDBF();
-    for (const QPointer<mvVIText> &valueRow : m_valueRows)
-        if (valueRow)
-            valueRow->UpdateDBF();
+    // Every field control the navigator drives, as the form laid them out.
+    for (QObject *control : m_nav->cMervaneControls())
+        if (auto *bound = dynamic_cast<BoundControl *>(control))
+            bound->UpdateDBF();
 }
 
 bool HostForm::OKtoSave(qint16)

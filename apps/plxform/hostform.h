@@ -28,6 +28,12 @@ class Database;
 
 namespace plx::form {
 
+struct DesignedForm;
+
+// The rows of the fields `required` names refuse a blank value ("is required"), as a rule of
+// the row: the stack's own validation then names them like any row it refuses.
+void requireValues(mvName &rows, const QStringList &required);
+
 class HostForm : public QMainWindow
 {
     Q_OBJECT
@@ -40,6 +46,10 @@ public:
     // navigator's configuration lines) come back in `warnings`; false with `error` when
     // the table cannot be opened (the form is then left as it was).
     bool openForm(const FormDescription &form, QStringList *warnings, QString *error);
+    // Shows the form laid out in Designer (`designed`, taken over) on the table `form`
+    // names, with what the designed navigator says of sorts, key and required fields.
+    bool openDesignedForm(DesignedForm designed, const FormDescription &form, QStringList *warnings,
+                          QString *error);
     // What is shown now, with the rows made from the table's fields (for --save-form).
     const FormDescription &form() const { return m_form; }
 
@@ -110,8 +120,10 @@ private:
     // The file the form's side files (its filters) are named after: the table file, the
     // SQLite database, or for a server's table a file in a work-directory folder of its own.
     QString sideFile(const FormDescription &form) const;
-    void placeWidgets(mvPLXRecs *nav, mvName *rows, const QList<mvVIText *> &valueRows,
-                      mvChecks *checks, const QList<mvChkWithTxt *> &pairs);
+    // Makes `central` the form's contents and `nav` and the field controls the form's own.
+    void placeWidgets(QWidget *central, mvPLXRecs *nav, mvName *rows,
+                      const QList<mvVIText *> &valueRows, mvChecks *checks,
+                      const QList<mvChkWithTxt *> &pairs);
     void configureNavigator(mvPLXRecs &nav, const FormDescription &form);
     void connectNavigator();
     void buildMenus();

@@ -11,6 +11,7 @@
 //   plxform --save-form FORM.INI [...]   writes the description of what it would show
 //   plxform --screenshot FILE.png [...]  draws the form into a PNG and exits
 //   plxform --script FILE [...]          runs the commands of FILE on the form and exits
+#include "apps/plxform/designedform.h"
 #include "apps/plxform/hostform.h"
 #include "apps/plxform/opening.h"
 #include "apps/plxform/scriptrunner.h"
@@ -26,6 +27,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 #include <QStandardPaths>
 
 #include <cstdio>
@@ -38,8 +40,11 @@ using plx::Services;
 using plx::Status;
 using plx::form::describePath;
 using plx::form::describeRequest;
+using plx::form::DesignedForm;
+using plx::form::designedFormXml;
 using plx::form::FormDescription;
 using plx::form::HostForm;
+using plx::form::loadDesignedForm;
 using plx::form::OpenRequest;
 using plx::form::parseCodePage;
 using plx::form::parseCollate;
@@ -148,6 +153,12 @@ void defineOptions(QCommandLineParser &args)
                      QStringLiteral("How a FoxPro table orders text: general (a A b B) or "
                                     "machine (character codes)."),
                      QStringLiteral("general|machine") });
+    args.addOption({ QStringLiteral("ui"),
+                     QStringLiteral("A form laid out in Qt Designer, run on the table named."),
+                     QStringLiteral("FORM.ui") });
+    args.addOption({ QStringLiteral("save-ui"),
+                     QStringLiteral("Write the form as a .ui file Qt Designer opens, and exit."),
+                     QStringLiteral("FORM.ui") });
     args.addOption({ QStringLiteral("dark"), QStringLiteral("Use a dark palette.") });
     args.addOption({ QStringLiteral("screenshot"),
                      QStringLiteral("Draw the form into a PNG file and exit."),
@@ -163,6 +174,33 @@ int saveForm(const HostForm &form, const QString &path)
     }
     std::printf("%s\n", qPrintable(path));
     return 0;
+}
+
+// --save-ui: the exit code.
+int saveUi(const HostForm &form, const QString &path)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(designedFormXml(form)) < 0
+        || !file.commit()) {
+        say(QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
+        return 1;
+    }
+    std::printf("%s\n", qPrintable(path));
+    return 0;
+}
+
+// Opens what was asked: the form plxform makes for the table, or the designed one (--ui).
+bool openRequested(HostForm &form, const QCommandLineParser &args, const FormDescription &described,
+                   QStringList *warnings, QString *error)
+{
+    if (!args.isSet(QStringLiteral("ui")))
+        return form.openForm(described, warnings, error);
+    Result<DesignedForm> designed = loadDesignedForm(args.value(QStringLiteral("ui")));
+    if (!designed.isOk()) {
+        *error = designed.status().message();
+        return false;
+    }
+    return form.openDesignedForm(std::move(designed).value(), described, warnings, error);
 }
 
 // --script: shows the form and runs the file's commands on it; false when the file cannot
@@ -255,7 +293,8 @@ int main(int argc, char **argv)
     ScriptPrompter scriptUser;
     Services scripted{ &scriptUser, nullptr, nullptr };
     const bool unattended = args.isSet(QStringLiteral("script"))
-        || args.isSet(QStringLiteral("screenshot")) || args.isSet(QStringLiteral("save-form"));
+        || args.isSet(QStringLiteral("screenshot")) || args.isSet(QStringLiteral("save-form"))
+        || args.isSet(QStringLiteral("save-ui"));
     Services *services = unattended ? &scripted : nullptr;
     // Every control of the process answers to the same prompter, also one that was never
     // handed these services (a dialog, a field made later).
@@ -279,7 +318,7 @@ int main(int argc, char **argv)
     form.resize(920, 660); // the first opening's size; later ones come back as they were left
     QString error;
     warnings.clear();
-    if (!form.openForm(described.value(), &warnings, &error)) {
+    if (!openRequested(form, args, described.value(), &warnings, &error)) {
         reportOpenFailure(services, error);
         return 1;
     }
@@ -287,6 +326,8 @@ int main(int argc, char **argv)
         say(w);
     if (args.isSet(QStringLiteral("save-form")))
         return saveForm(form, args.value(QStringLiteral("save-form")));
+    if (args.isSet(QStringLiteral("save-ui")))
+        return saveUi(form, args.value(QStringLiteral("save-ui")));
     if (args.isSet(QStringLiteral("script"))) {
         if (!runScriptFile(form, args.value(QStringLiteral("script"))))
             return 1;
