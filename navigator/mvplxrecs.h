@@ -69,9 +69,13 @@ class mvPLXRecs : public QWidget
     Q_PROPERTY(qint32 lDelayMS READ lDelayMS WRITE setLDelayMS DESIGNABLE false)
     Q_PROPERTY(qint32 lListIndex READ lListIndex WRITE setLListIndex DESIGNABLE false)
     Q_PROPERTY(qint32 lWatchMS READ lWatchMS WRITE setLWatchMS)
-    Q_PROPERTY(QList<QObject *> cMervaneControls READ cMervaneControls WRITE setCMervaneControls)
-    Q_PROPERTY(QList<QObject *> cOtherControls READ cOtherControls WRITE setCOtherControls)
-    Q_PROPERTY(QObject *fParent READ fParent WRITE setFParent)
+    // Set by the form's code or a script once the controls exist; a form designer has no
+    // editor for object lists.
+    Q_PROPERTY(QList<QObject *> cMervaneControls READ cMervaneControls WRITE setCMervaneControls
+                   DESIGNABLE false)
+    Q_PROPERTY(QList<QObject *> cOtherControls READ cOtherControls WRITE setCOtherControls
+                   DESIGNABLE false)
+    Q_PROPERTY(QObject *fParent READ fParent WRITE setFParent DESIGNABLE false)
 
 public:
     explicit mvPLXRecs(QWidget *parent = nullptr);
