@@ -5,25 +5,36 @@
 
 namespace plx {
 
-// The fields of `table` named by `names`, in that order, each matched without regard to
-// case; InvalidArgument naming the first one the table lacks, or when none is named.
-inline Result<QList<FieldInfo>> indexFields(const TableDescription &table, const QStringList &names)
+// What an index on fields `names` of `table` covers: the table's name as stored and the
+// fields, in that order, each matched without regard to case. NotFound for a missing table,
+// InvalidArgument naming the first field the table lacks, or when none is named.
+struct IndexedFields
 {
+    QString table;
+    QList<FieldInfo> fields;
+};
+
+inline Result<IndexedFields> indexFields(const Database &db, const QString &table,
+                                         const QStringList &names)
+{
+    Result<TableDescription> described = db.describeTable(table);
+    if (!described.isOk())
+        return described.status();
     if (names.isEmpty())
         return Status(Status::Code::InvalidArgument,
-                      QStringLiteral("an index on %1 needs at least one field").arg(table.name));
-    QList<FieldInfo> fields;
+                      QStringLiteral("an index on %1 needs at least one field").arg(table));
+    IndexedFields indexed{ described->name, {} };
     for (const QString &name : names) {
-        const auto found =
-            std::find_if(table.fields.begin(), table.fields.end(), [&](const FieldInfo &f) {
+        const auto found = std::find_if(
+            described->fields.begin(), described->fields.end(), [&](const FieldInfo &f) {
                 return f.name.compare(name.trimmed(), Qt::CaseInsensitive) == 0;
             });
-        if (found == table.fields.end())
+        if (found == described->fields.end())
             return Status(Status::Code::InvalidArgument,
-                          QStringLiteral("the table %1 has no field %2").arg(table.name, name));
-        fields << *found;
+                          QStringLiteral("the table %1 has no field %2").arg(table, name));
+        indexed.fields << *found;
     }
-    return fields;
+    return indexed;
 }
 
 } // namespace plx

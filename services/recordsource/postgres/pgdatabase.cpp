@@ -223,18 +223,15 @@ Status PgDatabase::createIndex(const QString &table, const QString &indexName,
 {
     if (Status s = writable(); !s.isOk())
         return s;
-    Result<TableDescription> described = describeTable(table);
-    if (!described.isOk())
-        return described.status();
-    Result<QList<FieldInfo>> indexed = indexFields(described.value(), fields);
+    Result<IndexedFields> indexed = indexFields(*this, table, fields);
     if (!indexed.isOk())
         return indexed.status();
     // The text columns carry plx.nocase already: the index keeps the dialect's order.
     QStringList columns;
-    for (const FieldInfo &f : indexed.value())
+    for (const FieldInfo &f : indexed->fields)
         columns << quoteName(f.name);
     Status s = m_conn->run(QStringLiteral("CREATE INDEX %1 ON %2 (%3)")
-                               .arg(quoteName(indexName), quoteName(described->name),
+                               .arg(quoteName(indexName), quoteName(indexed->table),
                                     columns.join(QStringLiteral(", "))));
     if (s.code() == Status::Code::Engine && s.engineMessage().startsWith(QLatin1String("42P07")))
         return Status(Status::Code::InvalidArgument,

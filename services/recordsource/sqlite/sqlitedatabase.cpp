@@ -89,20 +89,17 @@ Status SqliteDatabase::createIndex(const QString &table, const QString &indexNam
         return closedDatabase();
     if (m_conn->isReadOnly())
         return Status(Status::Code::NotSupported, m_conn->readOnlyReason());
-    Result<TableDescription> described = describeTable(table);
-    if (!described.isOk())
-        return described.status();
-    Result<QList<FieldInfo>> indexed = indexFields(described.value(), fields);
+    Result<IndexedFields> indexed = indexFields(*this, table, fields);
     if (!indexed.isOk())
         return indexed.status();
     // Text in the dialect's own order, so that its comparisons and ORDER BY can use it.
     QStringList columns;
-    for (const FieldInfo &f : indexed.value()) {
+    for (const FieldInfo &f : indexed->fields) {
         const bool text = f.type == FieldType::Text || f.type == FieldType::Memo;
         columns << quotedName(f.name) + (text ? QStringLiteral(" COLLATE JETNOCASE") : QString());
     }
     Status s = m_conn->exec(QStringLiteral("CREATE INDEX %1 ON %2 (%3)")
-                                .arg(quotedName(indexName), quotedName(described->name),
+                                .arg(quotedName(indexName), quotedName(indexed->table),
                                      columns.join(QStringLiteral(", "))));
     if (!s.isOk() && (s.message() + s.engineMessage()).contains(QLatin1String("already exists")))
         return Status(Status::Code::InvalidArgument,
