@@ -27,7 +27,7 @@ const QString &workDir()
     static const QString dir = [] {
         const QString base = QDir(QStringLiteral("/dev/shm")).exists() ? QStringLiteral("/dev/shm")
                                                                        : QDir::tempPath();
-        const QString d = base + QStringLiteral("/plx_cdx_fuzz_%1").arg(::getpid());
+        QString d = base + QStringLiteral("/plx_cdx_fuzz_%1").arg(::getpid());
         QDir().mkpath(d);
         return d;
     }();
