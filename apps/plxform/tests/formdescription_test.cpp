@@ -1,6 +1,7 @@
 // apps/plxform/tests/formdescription_test.cpp: form descriptions written, edited by hand
 // and read back; files that are wrong in every way a user can make them wrong.
 #include "apps/plxform/formdescription.h"
+#include "apps/plxform/tests/sampletesting.h"
 
 #include "services/ini.h"
 
@@ -9,12 +10,6 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-
-// Readable QString values in failure messages.
-inline void PrintTo(const QString &text, std::ostream *out)
-{
-    *out << '"' << text.toStdString() << '"';
-}
 
 namespace plx::form {
 namespace {

@@ -5,6 +5,7 @@
 #include "apps/plxform/designedform.h"
 #include "apps/plxform/hostform.h"
 #include "apps/plxform/sampledata.h"
+#include "apps/plxform/tests/sampletesting.h"
 
 #include "fields/mvchecks.h"
 #include "fields/mvchkwithtxt.h"
@@ -30,23 +31,11 @@ class DesignedSample : public ::testing::TestWithParam<std::string>
 protected:
     void SetUp() override
     {
-        qputenv("PLX_HARROWBY_DIR", dir.path().toUtf8());
-        QDir().mkpath(dir.filePath(QStringLiteral("WORK-PLX")));
-        Result<SamplePaths> sample = ensureSample(dir.path());
-        ASSERT_TRUE(sample.isOk()) << sample.status().message().toStdString();
-        paths = sample.value();
-        QStringList warnings;
-        Result<FormDescription> form = loadFormDescription(paths.formFile, &warnings);
-        ASSERT_TRUE(form.isOk());
-        table = form.value();
-        if (GetParam() == "SQLite") {
-            table.file.clear();
-            table.database = paths.sqliteFile;
-            table.table = QStringLiteral("FACILITY");
-        }
+        ASSERT_NO_FATAL_FAILURE(readSample(dir.path(), GetParam(), &paths, &table));
         // The form plxform makes for the sample, written as Designer would keep it.
         HostForm generated(env.services());
         QString error;
+        QStringList warnings;
         ASSERT_TRUE(generated.openForm(table, &warnings, &error)) << error.toStdString();
         made = generated.form();
         uiFile = dir.filePath(QStringLiteral("facility.ui"));
@@ -54,7 +43,6 @@ protected:
         ASSERT_TRUE(ui.open(QIODevice::WriteOnly));
         ui.write(designedFormXml(generated));
     }
-    void TearDown() override { qunsetenv("PLX_HARROWBY_DIR"); }
 
     // The table's description alone, as a user names it beside the designed form.
     FormDescription tableOnly() const
@@ -83,6 +71,7 @@ protected:
 
     test::TestServices env;
     QTemporaryDir dir;
+    WorkFolder work{ dir.path() };
     SamplePaths paths;
     FormDescription table, made;
     QString uiFile;

@@ -5,6 +5,7 @@
 #include "apps/plxform/filtereditor.h"
 #include "apps/plxform/hostform.h"
 #include "apps/plxform/sampledata.h"
+#include "apps/plxform/tests/sampletesting.h"
 
 #include "fields/mvname.h"
 #include "navigator/mvplxrecs.h"
@@ -35,20 +36,7 @@ protected:
     void SetUp() override
     {
         test::FullDisk::prepare();
-        qputenv("PLX_HARROWBY_DIR", dir.path().toUtf8());
-        QDir().mkpath(dir.filePath(QStringLiteral("WORK-PLX")));
-        Result<SamplePaths> sample = ensureSample(dir.path());
-        ASSERT_TRUE(sample.isOk()) << sample.status().message().toStdString();
-        paths = sample.value();
-        QStringList warnings;
-        Result<FormDescription> form = loadFormDescription(paths.formFile, &warnings);
-        ASSERT_TRUE(form.isOk());
-        description = form.value();
-        if (GetParam() == "SQLite") {
-            description.file.clear();
-            description.database = paths.sqliteFile;
-            description.table = QStringLiteral("FACILITY");
-        }
+        ASSERT_NO_FATAL_FAILURE(readSample(dir.path(), GetParam(), &paths, &description));
         if (isServer()) {
             ASSERT_NO_FATAL_FAILURE(copySampleToServer());
             description.file.clear();
@@ -56,6 +44,7 @@ protected:
             description.table = QStringLiteral("FACILITY");
         }
         window = std::make_unique<HostForm>(env.services());
+        QStringList warnings;
         QString error;
         ASSERT_TRUE(window->openForm(description, &warnings, &error)) << error.toStdString();
         EXPECT_TRUE(warnings.isEmpty()) << warnings.join(QLatin1Char('\n')).toStdString();
@@ -63,24 +52,11 @@ protected:
         window->show();
         QApplication::processEvents();
     }
-    void TearDown() override
-    {
-        window.reset();
-        qunsetenv("PLX_HARROWBY_DIR");
-    }
+    void TearDown() override { window.reset(); }
 
     mvPLXRecs *nav() { return window->navigator(); }
-    void menu(const char *name)
-    {
-        window->findChild<QAction *>(QString::fromLatin1(name))->trigger();
-    }
-    qint16 row(const char *field)
-    {
-        for (qint16 n = 0; n <= window->textRows()->nUbound(); ++n)
-            if (window->textRows()->sFieldName(n) == QLatin1String(field))
-                return n;
-        return -1;
-    }
+    void menu(const char *name) { triggerMenu(*window, name); }
+    qint16 row(const char *field) { return rowOf(*window, field); }
     QString shown(const char *field) { return window->textRows()->sValue(row(field)); }
     void type(const char *field, const QString &text)
     {
@@ -175,6 +151,7 @@ protected:
 
     test::TestServices env;
     QTemporaryDir dir;
+    WorkFolder work{ dir.path() };
     SamplePaths paths;
     FormDescription description;
     std::unique_ptr<HostForm> window;

@@ -6,6 +6,7 @@
 #include "apps/plxform/hostform.h"
 #include "apps/plxform/sampledata.h"
 #include "apps/plxform/scriptrunner.h"
+#include "apps/plxform/tests/sampletesting.h"
 
 #include "dialogs/frmvivalues.h"
 #include "dialogs/listselect.h"
@@ -32,33 +33,22 @@ class SampleTools : public ::testing::Test
 protected:
     void SetUp() override
     {
-        qputenv("PLX_HARROWBY_DIR", dir.path().toUtf8());
-        QDir().mkpath(dir.filePath(QStringLiteral("WORK-PLX")));
         // Where plxform makes it: in the work directory, beside its user settings.
-        Result<SamplePaths> sample = ensureSample(dir.filePath(QStringLiteral("WORK-PLX")));
-        ASSERT_TRUE(sample.isOk()) << sample.status().message().toStdString();
-        paths = sample.value();
-        QStringList warnings;
-        Result<FormDescription> form = loadFormDescription(paths.formFile, &warnings);
-        ASSERT_TRUE(form.isOk());
+        FormDescription form;
+        ASSERT_NO_FATAL_FAILURE(
+            readSample(dir.filePath(QStringLiteral("WORK-PLX")), "FoxPro", &paths, &form));
         window = std::make_unique<HostForm>(env.services());
+        QStringList warnings;
         QString error;
-        ASSERT_TRUE(window->openForm(form.value(), &warnings, &error)) << error.toStdString();
+        ASSERT_TRUE(window->openForm(form, &warnings, &error)) << error.toStdString();
         EXPECT_TRUE(warnings.isEmpty()) << warnings.join(QLatin1Char('\n')).toStdString();
         window->show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
         id = window->navigator()->sCurrentID().trimmed();
     }
-    void TearDown() override
-    {
-        window.reset();
-        qunsetenv("PLX_HARROWBY_DIR");
-    }
+    void TearDown() override { window.reset(); }
 
-    void menu(const char *name)
-    {
-        window->findChild<QAction *>(QString::fromLatin1(name))->trigger();
-    }
+    void menu(const char *name) { triggerMenu(*window, name); }
 
     // The record's fields as python3-dbf reads the table file: trimmed text, "True"/"False".
     QHash<QString, QString> recordOnDisk()
@@ -92,6 +82,7 @@ protected:
 
     test::TestServices env;
     QTemporaryDir dir;
+    WorkFolder work{ dir.path() };
     SamplePaths paths;
     std::unique_ptr<HostForm> window;
     QString id;

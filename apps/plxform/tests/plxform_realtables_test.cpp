@@ -10,6 +10,7 @@
 #include "apps/plxform/opening.h"
 #include "apps/plxform/sampledata.h"
 #include "apps/plxform/tablechooser.h"
+#include "apps/plxform/tests/sampletesting.h"
 
 #include "navigator/mvplxrecs.h"
 #include "services/ini.h"
@@ -29,12 +30,6 @@
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
-
-// Readable QString values in failure messages.
-inline void PrintTo(const QString &text, std::ostream *out)
-{
-    *out << '"' << text.toStdString() << '"';
-}
 
 namespace plx::form {
 namespace {
@@ -89,16 +84,10 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(dir.isValid());
-        qputenv("PLX_HARROWBY_DIR", dir.path().toUtf8());
-        QDir().mkpath(dir.filePath(QStringLiteral("WORK-PLX")));
         window = std::make_unique<HostForm>(env.services());
         window->resize(920, 660);
     }
-    void TearDown() override
-    {
-        window.reset();
-        qunsetenv("PLX_HARROWBY_DIR");
-    }
+    void TearDown() override { window.reset(); }
 
     // A copy of the sample table `name` (with its memo and index files), writable.
     QString copied(const QString &name)
@@ -141,15 +130,14 @@ protected:
     }
     mvText *row(const char *field)
     {
-        for (qint16 n = 0; n <= window->textRows()->nUbound(); ++n)
-            if (window->textRows()->sFieldName(n) == QLatin1String(field))
-                return window->textRows()->textRow(n);
-        return nullptr;
+        const qint16 n = rowOf(*window, field);
+        return n < 0 ? nullptr : window->textRows()->textRow(n);
     }
     QString settings() { return dir.filePath(QStringLiteral("WORK-PLX/PLXFORM.INI")); }
 
     test::TestServices env;
     QTemporaryDir dir;
+    WorkFolder work{ dir.path() };
     std::unique_ptr<HostForm> window;
 };
 
@@ -497,19 +485,15 @@ protected:
     void SetUp() override
     {
         RealTables::SetUp();
-        Result<SamplePaths> sample = ensureSample(dir.filePath(QStringLiteral("sample")));
-        ASSERT_TRUE(sample.isOk());
-        QStringList warnings;
-        Result<FormDescription> form = loadFormDescription(sample.value().formFile, &warnings);
-        ASSERT_TRUE(form.isOk());
-        ASSERT_TRUE(open(form.value()));
+        SamplePaths paths;
+        FormDescription form;
+        ASSERT_NO_FATAL_FAILURE(
+            readSample(dir.filePath(QStringLiteral("sample")), "FoxPro", &paths, &form));
+        ASSERT_TRUE(open(form));
         window->show();
         QApplication::processEvents();
     }
-    void menu(const char *name)
-    {
-        window->findChild<QAction *>(QString::fromLatin1(name))->trigger();
-    }
+    void menu(const char *name) { triggerMenu(*window, name); }
     QString position() { return window->statusText().section(QStringLiteral(" | "), 1, 1); }
     const QString closeTitle = QStringLiteral("Close plxform");
     const QString closeQuestion = QStringLiteral(
