@@ -68,10 +68,11 @@ project(PLXFormFromPackage LANGUAGES CXX)
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_AUTOMOC ON)
 find_package(PLXControls REQUIRED)
+find_package(Qt6 REQUIRED COMPONENTS UiTools) # plxform runs forms laid out in Designer
 add_executable(plxform ${form_list})
 target_include_directories(plxform PRIVATE \"${form_root}\")
 target_compile_definitions(plxform PRIVATE PLX_VERSION=\"package\")
-target_link_libraries(plxform PRIVATE plx::plx)
+target_link_libraries(plxform PRIVATE plx::plx Qt6::UiTools)
 ")
 run_step(${CMAKE_COMMAND} -S "${form_root}/apps/plxform" -B "${WORK_DIR}/form" -G Ninja
          -DCMAKE_BUILD_TYPE=Release "-DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix")
