@@ -91,7 +91,8 @@ public:
     // --- Record source -------------------------------------------------------------
     // The database the navigator opens its sort, filter and find queries on, the table
     // they select from, and the path its side files (filters, ID key file) sit beside:
-    // for a SQLite database the database file, whose folder then holds them. Setting
+    // for a SQLite database the database file, whose folder then holds them (the
+    // database's own file when no path is given). Setting
     // sDBFPathFileName fills all three for a FoxPro table file.
     void setDatabase(std::shared_ptr<Database> database, const QString &tableName,
                      const QString &dataPath = QString());

@@ -36,7 +36,9 @@ void mvPLXRecs::setDatabase(std::shared_ptr<Database> database, const QString &t
     Q_D(mvPLXRecs);
     d->db = std::move(database);
     d->table = tableName;
-    d->dataPath = dataPath;
+    // A database kept in one file keeps the navigator's side files (filters, lock holders,
+    // the key file) beside it when the host names no path.
+    d->dataPath = getLenTrim(dataPath) < 1 && d->db ? d->db->filePath() : dataPath;
 }
 
 void mvPLXRecs::setRs(std::shared_ptr<RecordSource> rs)

@@ -506,10 +506,13 @@ TEST_P(Commands, ASqliteDatabaseAttachedWithoutItsPathEditsWithoutWarnings)
     const QtMessageHandler previous = qInstallMessageHandler(
         [](QtMsgType, const QMessageLogContext &, const QString &text) { warnings << text; });
     nav->ClickButton(QStringLiteral("EDIT"));
+    // The side files go beside the database: the note naming who holds the record.
+    EXPECT_FALSE(QDir(dir.filePath(QStringLiteral("T_Holders"))).isEmpty(QDir::Files));
     fields->setSValue(1, QStringLiteral("WACO"));
     nav->ClickButton(QStringLiteral("SAVE"));
     qInstallMessageHandler(previous);
     EXPECT_EQ(warnings, QStringList());
+    EXPECT_EQ(nav->keyFilePath(), dir.filePath(QStringLiteral("T_IDLast7.TXT")));
     EXPECT_EQ(onDisk(id).value(QStringLiteral("CITY")), QStringLiteral("WACO"));
 }
 

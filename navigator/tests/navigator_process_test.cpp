@@ -15,6 +15,7 @@
 #include <QTemporaryDir>
 #include <QSet>
 #include <QSysInfo>
+#include <QThread>
 
 namespace plx::test {
 namespace {
@@ -55,10 +56,17 @@ TEST_P(TwoUsers, ARecordHeldElsewhereIsDeniedUntilItsHolderDies)
     EXPECT_TRUE(nav->bButtonEnable(QStringLiteral("EDIT")));
     EXPECT_FALSE(nav->bButtonEnable(QStringLiteral("SAVE")));
 
-    // A holder that dies takes its lock with it; its note is then ignored.
+    // A holder that dies takes its lock with it; its note is then ignored. A server lets go
+    // once its session sees the connection closed, a moment after the process is gone:
+    // until then the user is still told the record is locked.
     holder.kill();
     holder.waitForFinished();
     nav->ClickButton(QStringLiteral("EDIT"));
+    for (int retry = 0; isServer() && boxes.titles.size() > 1 && retry < 50; ++retry) {
+        QThread::msleep(100);
+        boxes.titles = { boxes.titles.first() };
+        nav->ClickButton(QStringLiteral("EDIT"));
+    }
     EXPECT_EQ(boxes.titles.size(), 1);
     EXPECT_EQ(events->names(), QStringList{ QStringLiteral("RecEditStart") });
 }

@@ -84,6 +84,9 @@ public:
     // without reading its records. NotFound when there is no such table; NotSupported on
     // an engine that cannot, as this default.
     virtual Result<TableDescription> describeTable(const QString &name) const;
+    // The file the database is kept in (a SQLite database file), or "" for a folder of
+    // table files and a server: where a caller may keep files that belong beside it.
+    virtual QString filePath() const { return QString(); }
     // Closes the database. Record sources already open stay usable until they close.
     virtual void Close() = 0;
 };

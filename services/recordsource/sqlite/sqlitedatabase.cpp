@@ -25,6 +25,7 @@ public:
             return Status(Status::Code::InvalidArgument, QStringLiteral("the database is closed"));
         return SqliteRecordSource::open(m_conn, tableOrSql);
     }
+    QString filePath() const override { return m_conn ? m_conn->path() : QString(); }
 
     // Writes are committed and synced by Update itself and record locks are released by
     // Update/CancelUpdate, so nothing is pending. In WAL mode a passive checkpoint keeps the
