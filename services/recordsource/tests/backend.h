@@ -32,10 +32,14 @@ public:
     // Writes `tables` as the back end's files inside `dir` (an empty folder). Test set-up
     // failures are returned, not asserted, so the test can report them.
     virtual Status createTables(const QString &dir, const QList<TableDef> &tables) const = 0;
-    // Opens the database kept in `dir`; called again for a second, independent connection.
-    virtual Result<std::unique_ptr<Database>> open(const QString &dir) const = 0;
-    // The same, opened read-only (OpenDatabase's readOnly).
-    virtual Result<std::unique_ptr<Database>> openReadOnly(const QString &dir) const = 0;
+    // Opens the database kept in `dir` (read-only as OpenDatabase's readOnly); called again
+    // for a second, independent connection.
+    virtual Result<std::unique_ptr<Database>> open(const QString &dir, bool readOnly) const = 0;
+    Result<std::unique_ptr<Database>> open(const QString &dir) const { return open(dir, false); }
+    Result<std::unique_ptr<Database>> openReadOnly(const QString &dir) const
+    {
+        return open(dir, true);
+    }
     // The file that holds `table` inside `dir` (for SQLite the one database file).
     virtual QString tableFile(const QString &dir, const QString &table) const = 0;
 };

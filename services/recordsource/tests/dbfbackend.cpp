@@ -37,14 +37,9 @@ public:
         return Status::ok();
     }
 
-    Result<std::unique_ptr<Database>> open(const QString &dir) const override
+    Result<std::unique_ptr<Database>> open(const QString &dir, bool readOnly) const override
     {
-        return OpenDatabase(dir, false, false, QStringLiteral("FoxPro 2.6"));
-    }
-
-    Result<std::unique_ptr<Database>> openReadOnly(const QString &dir) const override
-    {
-        return OpenDatabase(dir, false, true, QStringLiteral("FoxPro 2.6"));
+        return OpenDatabase(dir, false, readOnly, QStringLiteral("FoxPro 2.6"));
     }
 
     QString tableFile(const QString &dir, const QString &table) const override

@@ -31,7 +31,7 @@ public:
         const QString failure = server.createDatabase(postgresDatabaseFor(dir));
         if (!failure.isEmpty())
             return Status(Status::Code::Engine, failure);
-        Result<std::unique_ptr<Database>> db = open(dir);
+        Result<std::unique_ptr<Database>> db = open(dir, false);
         if (!db.isOk())
             return db.status();
         for (const TableDef &t : tables) {
@@ -44,20 +44,12 @@ public:
         return Status::ok();
     }
 
-    Result<std::unique_ptr<Database>> open(const QString &dir) const override
+    Result<std::unique_ptr<Database>> open(const QString &dir, bool readOnly) const override
     {
         if (!PgServer::instance().unavailable().isEmpty())
             return unavailable();
-        return OpenDatabase(PgServer::instance().conninfo(postgresDatabaseFor(dir)), false, false,
-                            QStringLiteral("PostgreSQL"));
-    }
-
-    Result<std::unique_ptr<Database>> openReadOnly(const QString &dir) const override
-    {
-        if (!PgServer::instance().unavailable().isEmpty())
-            return unavailable();
-        return OpenDatabase(PgServer::instance().conninfo(postgresDatabaseFor(dir)), false, true,
-                            QStringLiteral("PostgreSQL"));
+        return OpenDatabase(PgServer::instance().conninfo(postgresDatabaseFor(dir)), false,
+                            readOnly, QStringLiteral("PostgreSQL"));
     }
 
     QString tableFile(const QString &, const QString &) const override { return {}; }

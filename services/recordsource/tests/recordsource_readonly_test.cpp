@@ -86,8 +86,7 @@ protected:
 
     std::unique_ptr<Database> openDatabase(bool readOnly = false) const
     {
-        return orFail(readOnly ? GetParam()->openReadOnly(m_dir.path())
-                               : GetParam()->open(m_dir.path()));
+        return orFail(GetParam()->open(m_dir.path(), readOnly));
     }
 
     QTemporaryDir m_dir;
@@ -142,7 +141,7 @@ TEST_P(ReadOnlySourceTest, AMissingPathIsNotFoundAndNotCreated)
 {
     const QString missing = m_dir.filePath(QStringLiteral("elsewhere"));
     for (bool readOnly : { false, true }) {
-        auto db = readOnly ? GetParam()->openReadOnly(missing) : GetParam()->open(missing);
+        auto db = GetParam()->open(missing, readOnly);
         EXPECT_EQ(db.status().code(), Code::NotFound) << readOnly;
         EXPECT_TRUE(db.status().message().contains(QStringLiteral("not found")))
             << db.status().message().toStdString();

@@ -77,14 +77,9 @@ public:
         return s;
     }
 
-    Result<std::unique_ptr<Database>> open(const QString &dir) const override
+    Result<std::unique_ptr<Database>> open(const QString &dir, bool readOnly) const override
     {
-        return OpenDatabase(fileIn(dir), false, false, QString());
-    }
-
-    Result<std::unique_ptr<Database>> openReadOnly(const QString &dir) const override
-    {
-        return OpenDatabase(fileIn(dir), false, true, QString());
+        return OpenDatabase(fileIn(dir), false, readOnly, QString());
     }
 
     QString tableFile(const QString &dir, const QString &) const override { return fileIn(dir); }

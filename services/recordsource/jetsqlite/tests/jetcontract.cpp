@@ -76,11 +76,6 @@ QString printedFromSqlite(const QVariant &v, const QString &expected)
 
 } // namespace
 
-void expectBothWays(std::initializer_list<Case> cases)
-{
-    expectBothWays(std::vector<Case>(cases));
-}
-
 void expectBothWays(const std::vector<Case> &cases)
 {
     for (const Case &c : cases) {

@@ -25,7 +25,6 @@ struct Case
     const char *expected;
 };
 
-void expectBothWays(std::initializer_list<Case> cases);
 void expectBothWays(const std::vector<Case> &cases);
 
 // Cases that one documented rule gives, named as a test is.
