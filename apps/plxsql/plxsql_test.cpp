@@ -1,10 +1,14 @@
 // apps/plxsql/plxsql_test.cpp: plxsql as a user runs it: the printed rows, the count,
 // typed expression values, and the error and usage exits.
+#include "tests/support/texts.h"
+
 #include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+
+using plx::test::texts;
 
 namespace {
 
@@ -22,6 +26,12 @@ Outcome plxsql(const QStringList &args)
     p.waitForFinished(20000);
     return { p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
              QString::fromUtf8(p.readAllStandardError()) };
+}
+
+// plxsql on the database or directory `at`, its other arguments written as UTF-8 literals.
+Outcome plxsql(const char *option, const QString &at, std::initializer_list<const char *> args)
+{
+    return plxsql(QStringList{ QString::fromLatin1(option), at } + texts(args));
 }
 
 class PlxsqlTest : public ::testing::Test
@@ -49,8 +59,7 @@ protected:
 TEST_F(PlxsqlTest, QueryPrintsHeaderAndTabSeparatedPlainRows)
 {
     const Outcome r = plxsql(
-        { QStringLiteral("--sqlite"), m_file,
-          QStringLiteral("SELECT * from T WHERE UCase([T.NAME]) LIKE 'SM*' ORDER BY T.NAME") });
+        "--sqlite", m_file, { "SELECT * from T WHERE UCase([T.NAME]) LIKE 'SM*' ORDER BY T.NAME" });
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     EXPECT_EQ(r.out,
               QStringLiteral("ID\tNAME\tAMOUNT\tBORN\tACTIVE\tNOTES\n"
@@ -60,12 +69,10 @@ TEST_F(PlxsqlTest, QueryPrintsHeaderAndTabSeparatedPlainRows)
 
 TEST_F(PlxsqlTest, CountPrintsTheRecordCountAfterMoveLast)
 {
-    Outcome r = plxsql(
-        { QStringLiteral("--sqlite"), m_file, QStringLiteral("--count"), QStringLiteral("T") });
+    Outcome r = plxsql("--sqlite", m_file, { "--count", "T" });
     EXPECT_EQ(r.exitCode, 0);
     EXPECT_EQ(r.out, QStringLiteral("3\n"));
-    r = plxsql({ QStringLiteral("--sqlite"), m_file, QStringLiteral("--count"),
-                 QStringLiteral("SELECT * FROM T WHERE ID = 'NONE'") });
+    r = plxsql("--sqlite", m_file, { "--count", "SELECT * FROM T WHERE ID = 'NONE'" });
     EXPECT_EQ(r.out, QStringLiteral("0\n"));
 }
 
@@ -73,9 +80,7 @@ TEST_F(PlxsqlTest, CountPrintsTheRecordCountAfterMoveLast)
 // ordered by its field still gives the dialect's order.
 TEST_F(PlxsqlTest, IndexMakesAnIndexInTheDialectsOrder)
 {
-    const Outcome made =
-        plxsql({ QStringLiteral("--sqlite"), m_file, QStringLiteral("--index"), QStringLiteral("T"),
-                 QStringLiteral("T_NAME"), QStringLiteral("name, id") });
+    const Outcome made = plxsql("--sqlite", m_file, { "--index", "T", "T_NAME", "name, id" });
     ASSERT_EQ(made.exitCode, 0) << made.err.toStdString();
     EXPECT_EQ(made.out, QStringLiteral("index T_NAME on T (name, id)\n"));
     sqlite3 *db = nullptr;
@@ -90,12 +95,9 @@ TEST_F(PlxsqlTest, IndexMakesAnIndexInTheDialectsOrder)
                  "JETNOCASE)");
     sqlite3_finalize(stmt);
     sqlite3_close(db);
-    const Outcome sorted = plxsql(
-        { QStringLiteral("--sqlite"), m_file, QStringLiteral("SELECT ID from T ORDER BY NAME") });
+    const Outcome sorted = plxsql("--sqlite", m_file, { "SELECT ID from T ORDER BY NAME" });
     EXPECT_EQ(sorted.out, QStringLiteral("ID\nPLE3\nPLE2\nPLE1\n"));
-    const Outcome again =
-        plxsql({ QStringLiteral("--sqlite"), m_file, QStringLiteral("--index"), QStringLiteral("T"),
-                 QStringLiteral("T_NAME"), QStringLiteral("ID") });
+    const Outcome again = plxsql("--sqlite", m_file, { "--index", "T", "T_NAME", "ID" });
     EXPECT_EQ(again.exitCode, 1);
     EXPECT_EQ(again.err,
               QStringLiteral("Error: Invalid argument: an index named T_NAME exists already\n"));
@@ -103,24 +105,20 @@ TEST_F(PlxsqlTest, IndexMakesAnIndexInTheDialectsOrder)
 
 TEST_F(PlxsqlTest, ErrorsPrintOneErrorLineAndExitOne)
 {
+    const QStringList file{ QStringLiteral("--sqlite"), m_file };
     for (const QStringList &args :
-         { QStringList{ QStringLiteral("--sqlite"), m_file,
-                        QStringLiteral("SELECT * FROM T WHERE (") },
-           QStringList{ QStringLiteral("--sqlite"), m_file,
-                        QStringLiteral("SELECT NOSUCH FROM T") },
-           QStringList{ QStringLiteral("--sqlite"), m_file },
+         { file + texts({ "SELECT * FROM T WHERE (" }), file + texts({ "SELECT NOSUCH FROM T" }),
+           file,
            // Line breaks the input brings into the message are shown escaped.
-           QStringList{ QStringLiteral("--sqlite"), m_file,
-                        QStringLiteral("SELECT [NO\r\nSUCH\u2028FIELD] FROM T") },
-           QStringList{ QStringLiteral("--eval"), QStringLiteral("1 'two\nlines'") },
-           QStringList{ QStringLiteral("--bogus"), QStringLiteral("x") } }) {
+           file + texts({ u"SELECT [NO\r\nSUCH\u2028FIELD] FROM T" }),
+           texts({ "--eval", "1 'two\nlines'" }), texts({ "--bogus", "x" }) }) {
         const Outcome r = plxsql(args);
         EXPECT_EQ(r.exitCode, 1) << args.join(QLatin1Char(' ')).toStdString();
         EXPECT_TRUE(r.err.startsWith(QLatin1String("Error:"))) << r.err.toStdString();
         EXPECT_EQ(r.err.count(QLatin1Char('\n')), 1);
         EXPECT_TRUE(r.out.isEmpty());
     }
-    const Outcome echoed = plxsql({ QStringLiteral("--eval"), QStringLiteral("1 'a\nb'") });
+    const Outcome echoed = plxsql(texts({ "--eval", "1 'a\nb'" }));
     EXPECT_EQ(echoed.err,
               QStringLiteral("Error: Syntax error: an operator expected but 'a\\nb' found at "
                              "position 3\n"));
@@ -149,12 +147,11 @@ TEST(PlxsqlEvalTest, EvalPrintsTypedValues)
         EXPECT_EQ(r.exitCode, 0) << expression.toStdString() << r.err.toStdString();
         EXPECT_EQ(r.out, printed + QLatin1Char('\n')) << expression.toStdString();
     }
-    const Outcome bad = plxsql({ QStringLiteral("--eval"), QStringLiteral("1 +") });
+    const Outcome bad = plxsql(texts({ "--eval", "1 +" }));
     EXPECT_EQ(bad.exitCode, 1);
     EXPECT_TRUE(bad.err.startsWith(QLatin1String("Error:")));
     // A function's error names it and where its call stands.
-    const Outcome interval =
-        plxsql({ QStringLiteral("--eval"), QStringLiteral("DateAdd('x', 1, Now())") });
+    const Outcome interval = plxsql(texts({ "--eval", "DateAdd('x', 1, Now())" }));
     EXPECT_EQ(interval.exitCode, 1);
     EXPECT_TRUE(interval.err.contains(QLatin1String("in DateAdd at position 1")))
         << interval.err.toStdString();
@@ -177,21 +174,18 @@ TEST(PlxsqlFoxProTest, QueriesAndDescribesAFoxProDirectory)
 
     // 100 records, of which number 17, 50 and 83 are marked deleted.
     const Outcome count =
-        plxsql({ QStringLiteral("--foxpro"), dir.path(), QStringLiteral("--count"),
-                 QStringLiteral("SELECT * from T ORDER BY T.NAME, T.CITY") });
+        plxsql("--foxpro", dir.path(), { "--count", "SELECT * from T ORDER BY T.NAME, T.CITY" });
     ASSERT_EQ(count.exitCode, 0) << count.err.toStdString();
     EXPECT_EQ(count.out, QStringLiteral("97\n"));
 
-    const Outcome info = plxsql(
-        { QStringLiteral("--foxpro"), dir.path(), QStringLiteral("--info"), QStringLiteral("t") });
+    const Outcome info = plxsql("--foxpro", dir.path(), { "--info", "t" });
     ASSERT_EQ(info.exitCode, 0) << info.err.toStdString();
     EXPECT_TRUE(info.out.contains(QStringLiteral("Version byte: 0xF5")));
     EXPECT_TRUE(info.out.contains(QStringLiteral("Code page: 1252 (mark 0x03)")));
     EXPECT_TRUE(info.out.contains(QStringLiteral("Records: 100 physical, 97 live, 3 deleted")));
     EXPECT_TRUE(info.out.contains(QStringLiteral("AMOUNT     N(12,2)")));
 
-    const Outcome missing =
-        plxsql({ QStringLiteral("--foxpro"), dir.path(), QStringLiteral("SELECT * from NOPE") });
+    const Outcome missing = plxsql("--foxpro", dir.path(), { "SELECT * from NOPE" });
     EXPECT_EQ(missing.exitCode, 1);
     EXPECT_TRUE(missing.err.startsWith(QStringLiteral("Error:")));
 }
@@ -209,13 +203,11 @@ TEST(PlxsqlSqliteToolTest, ReadsADatabaseMadeByTheSqlite3Tool)
                                 "('PLE0000001', 'Smith'), ('XYZ0000003', 'smithers');") });
     if (!tool.waitForFinished(20000) || tool.exitCode() != 0)
         GTEST_SKIP() << "the sqlite3 tool is not available";
-    const Outcome r =
-        plxsql({ QStringLiteral("--sqlite"), file,
-                 QStringLiteral("Select * from T WHERE  Left([ID],3) = 'PLE' Order By ID DESC") });
+    const Outcome r = plxsql("--sqlite", file,
+                             { "Select * from T WHERE  Left([ID],3) = 'PLE' Order By ID DESC" });
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     EXPECT_EQ(r.out, QStringLiteral("ID\tNAME\nPLE0000002\tjones\nPLE0000001\tSmith\n"));
-    const Outcome count =
-        plxsql({ QStringLiteral("--sqlite"), file, QStringLiteral("--count"),
-                 QStringLiteral("SELECT * from T WHERE UCase([T.NAME]) LIKE 'SMITH*'") });
+    const Outcome count = plxsql(
+        "--sqlite", file, { "--count", "SELECT * from T WHERE UCase([T.NAME]) LIKE 'SMITH*'" });
     EXPECT_EQ(count.out, QStringLiteral("2\n"));
 }
