@@ -95,17 +95,6 @@ FormDescription completedForm(FormDescription form, const QList<FieldInfo> &fiel
     return form;
 }
 
-// How tall a memo's row is: room for a few lines.
-constexpr qint16 kMemoRowHeight = 1300;
-
-bool isMemo(const QList<FieldInfo> &fields, const QString &name)
-{
-    for (const FieldInfo &f : fields)
-        if (f.type == FieldType::Memo && f.name.compare(name, Qt::CaseInsensitive) == 0)
-            return true;
-    return false;
-}
-
 mvName *makeTextRows(const QList<RowDescription> &shownRows, const QList<FieldInfo> &fields)
 {
     auto *rows = new mvName;
@@ -232,6 +221,14 @@ QWidget *formLayout(mvPLXRecs *nav, mvName *rows, const QList<mvVIText *> &value
 }
 
 } // namespace
+
+bool isMemo(const QList<FieldInfo> &fields, const QString &name)
+{
+    for (const FieldInfo &f : fields)
+        if (f.type == FieldType::Memo && f.name.compare(name, Qt::CaseInsensitive) == 0)
+            return true;
+    return false;
+}
 
 void requireValues(mvName &rows, const QStringList &required)
 {

@@ -28,8 +28,15 @@ bool HostForm::openDesignedForm(DesignedForm designed, const FormDescription &fo
     if (shown.desc.isEmpty())
         shown.desc = shown.table;
     configureNavigator(*nav, shown);
-    for (mvName *rows : designed.names)
+    // Memo rows a few lines high, as in the forms plxform makes, unless designed taller.
+    const QList<FieldInfo> fields = nav->rs()->fieldInfos();
+    for (mvName *rows : designed.names) {
         requireValues(*rows, shown.required);
+        for (qint16 n = 0; n <= rows->nUbound(); ++n)
+            if (isMemo(fields, rows->sFieldName(n)) && rows->iHeight(n) < kMemoRowHeight)
+                rows->setIHeight(n, kMemoRowHeight);
+        rows->setNUbound(rows->nUbound()); // the stack's height takes its rows' again
+    }
     const QList<QObject *> controls = designed.fieldControls();
     nav->setCMervaneControls(controls);
     for (QObject *control : controls)

@@ -15,6 +15,7 @@
 #include "services/recordsource/database.h"
 #include "services/recordsource/recordsource.h"
 #include "testing/fakeenv.h"
+#include "tests/support/testfiles.h"
 
 #include <QComboBox>
 #include <QFile>
@@ -39,9 +40,7 @@ protected:
         ASSERT_TRUE(generated.openForm(table, &warnings, &error)) << error.toStdString();
         made = generated.form();
         uiFile = dir.filePath(QStringLiteral("facility.ui"));
-        QFile ui(uiFile);
-        ASSERT_TRUE(ui.open(QIODevice::WriteOnly));
-        ui.write(designedFormXml(generated));
+        ASSERT_NO_FATAL_FAILURE(test::writeBytes(uiFile, designedFormXml(generated)));
     }
 
     // The table's description alone, as a user names it beside the designed form.
@@ -124,6 +123,8 @@ TEST_P(DesignedSample, RunsFindsRefusesAndSavesAsAGeneratedForm)
     auto row = [rows](const char *field) {
         return qint16(rows->sFieldNames().indexOf(QString::fromLatin1(field)));
     };
+    // A memo's row is a few lines high, as in the forms plxform makes.
+    EXPECT_EQ(rows->iHeight(row("NOTES")), kMemoRowHeight);
     // The designed sorts and the find.
     auto *sorts = nav->findChild<QComboBox *>(QStringLiteral("cboSort"));
     EXPECT_EQ(sorts->count(), made.sorts.size());
@@ -168,22 +169,17 @@ TEST(DesignedForm, AFormWithoutOneNavigatorOrNoFormAtAllIsRefused)
               QStringLiteral("The designed form %1 was not found.")
                   .arg(dir.filePath(QStringLiteral("none.ui"))));
     const QString two = dir.filePath(QStringLiteral("two.ui"));
-    QFile file(two);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("<ui version=\"4.0\"><widget class=\"QWidget\" name=\"F\">"
-               "<layout class=\"QVBoxLayout\" name=\"c\">"
-               "<item><widget class=\"plx::mvPLXRecs\" name=\"a\"/></item>"
-               "<item><widget class=\"mvPLXRecs\" name=\"b\"/></item>"
-               "</layout></widget></ui>");
-    file.close();
+    test::writeBytes(two,
+                     "<ui version=\"4.0\"><widget class=\"QWidget\" name=\"F\">"
+                     "<layout class=\"QVBoxLayout\" name=\"c\">"
+                     "<item><widget class=\"plx::mvPLXRecs\" name=\"a\"/></item>"
+                     "<item><widget class=\"mvPLXRecs\" name=\"b\"/></item>"
+                     "</layout></widget></ui>");
     EXPECT_EQ(loadDesignedForm(two).status().message(),
               QStringLiteral("%1 holds 2 record navigators (mvPLXRecs); a form needs exactly one")
                   .arg(two));
     const QString text = dir.filePath(QStringLiteral("text.ui"));
-    QFile notUi(text);
-    ASSERT_TRUE(notUi.open(QIODevice::WriteOnly));
-    notUi.write("just some text");
-    notUi.close();
+    test::writeBytes(text, "just some text");
     EXPECT_EQ(loadDesignedForm(text).status().code(), Status::Code::InvalidArgument);
 }
 
