@@ -4,6 +4,7 @@
 #include "services/installdir.h"
 
 #include "tests/support/envguard.h"
+#include "tests/support/testfiles.h"
 #include "services/ini.h"
 #include "services/paths.h"
 #include "services/texthelpers.h"
@@ -37,11 +38,7 @@ protected:
     {
         return tmp.filePath(QStringLiteral("component/") + QString::fromLatin1(name));
     }
-    QByteArray supportReport() const
-    {
-        QFile f(componentFile("HBTecSup.Txt"));
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
+    QByteArray supportReport() const { return test::readBytes(componentFile("HBTecSup.Txt")); }
 
     test::EnvGuard guard;
     QTemporaryDir tmp;
@@ -66,11 +63,9 @@ TEST_F(InstallDirTest, FirstFamilyExecutableOnPathGivesItsDirectory)
 {
     const QString bin = tmp.filePath(QStringLiteral("bin"));
     QDir().mkpath(bin);
-    QFile exe(bin + QStringLiteral("/hbsecond"));
-    ASSERT_TRUE(exe.open(QIODevice::WriteOnly));
-    exe.write("#!/bin/sh\n");
-    exe.close();
-    exe.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    const QString exe = bin + QStringLiteral("/hbsecond");
+    ASSERT_NO_FATAL_FAILURE(test::writeBytes(exe, "#!/bin/sh\n"));
+    QFile::setPermissions(exe, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     qputenv("PATH", bin.toLocal8Bit());
     setFamilyExecutables({ QStringLiteral("hbfirst"), QStringLiteral("hbsecond") });
     EXPECT_EQ(getHarrowbyDirectoryAny(), fromDiskPath(bin) + QLatin1Char('\\'));
@@ -80,10 +75,8 @@ TEST_F(InstallDirTest, FirstFamilyExecutableOnPathGivesItsDirectory)
 
 TEST_F(InstallDirTest, RegistryIniBesideTheComponentIsTheFallback)
 {
-    QFile ini(componentFile("HBRegistry.INI"));
-    ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
-    ini.write("[config]\r\nharrowbydirectory = D:\\X\r\n");
-    ini.close();
+    ASSERT_NO_FATAL_FAILURE(test::writeBytes(componentFile("HBRegistry.INI"),
+                                             "[config]\r\nharrowbydirectory = D:\\X\r\n"));
     EXPECT_EQ(getHarrowbyDirectoryAny(), QStringLiteral("D:\\X"));
     EXPECT_TRUE(supportReport().isEmpty());
     // Doubled separators at the end are cleaned up to one.
@@ -128,10 +121,8 @@ TEST_F(InstallDirTest, FamilyListComesFromTheSetterThenTheEnvironment)
 TEST_F(InstallDirTest, BlankSettingsFileMeansTheDefaultsFileOfTheInstallation)
 {
     guard.installAt(tmp.path());
-    QFile defaults(tmp.filePath(QStringLiteral("HBDEFAULTS.INI")));
-    ASSERT_TRUE(defaults.open(QIODevice::WriteOnly));
-    defaults.write("[CONFIG]\r\nColor=blue\r\nFlag=TRUE\r\n");
-    defaults.close();
+    ASSERT_NO_FATAL_FAILURE(test::writeBytes(tmp.filePath(QStringLiteral("HBDEFAULTS.INI")),
+                                             "[CONFIG]\r\nColor=blue\r\nFlag=TRUE\r\n"));
     QString file = QStringLiteral("  ");
     EXPECT_EQ(getINIString(QStringLiteral("CONFIG"), QStringLiteral("Color"), QString(), file),
               QStringLiteral("blue"));

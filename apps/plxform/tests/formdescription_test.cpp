@@ -4,9 +4,9 @@
 #include "apps/plxform/tests/sampletesting.h"
 
 #include "services/ini.h"
+#include "tests/support/testfiles.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -14,12 +14,7 @@
 namespace plx::form {
 namespace {
 
-void writeText(const QString &path, const QByteArray &text)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(text);
-}
+using test::writeBytes;
 
 TEST(FormDescription, RoundTripKeepsEveryPartAndAHandEditIsRead)
 {
@@ -45,12 +40,10 @@ TEST(FormDescription, RoundTripKeepsEveryPartAndAHandEditIsRead)
     ASSERT_TRUE(saveFormDescription(form, path).isOk());
 
     // The user changes one caption in an editor.
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    QByteArray text = file.readAll();
-    file.close();
+    QByteArray text = test::readBytes(path);
+    ASSERT_FALSE(text.isEmpty());
     text.replace("Caption=Opened", "Caption=Opened on");
-    writeText(path, text);
+    writeBytes(path, text);
 
     QStringList warnings;
     Result<FormDescription> read = loadFormDescription(path, &warnings);
@@ -78,10 +71,10 @@ TEST(FormDescription, MistakesAreReportedNotFatal)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("form.ini"));
-    writeText(path,
-              "[FORM]\r\nFile=/x/T.DBF\r\nColour=blue\r\nSorts=Name:NAME|broken|ID:\r\n"
-              "[ROW1]\r\nCaption=Name\r\nField=NAME\r\nMaxLength=lots\r\n"
-              "[ROW2]\r\nCaption=Nothing\r\n[EXTRA]\r\nx=1\r\n");
+    writeBytes(path,
+               "[FORM]\r\nFile=/x/T.DBF\r\nColour=blue\r\nSorts=Name:NAME|broken|ID:\r\n"
+               "[ROW1]\r\nCaption=Name\r\nField=NAME\r\nMaxLength=lots\r\n"
+               "[ROW2]\r\nCaption=Nothing\r\n[EXTRA]\r\nx=1\r\n");
     QStringList warnings;
     Result<FormDescription> read = loadFormDescription(path, &warnings);
     ASSERT_TRUE(read.isOk());
@@ -113,12 +106,12 @@ TEST(FormDescription, ValueItemRowsFindTheirListBesideTheDescription)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("form.ini"));
-    writeText(path,
-              "[FORM]\nFile=/x/T.DBF\n"
-              "[VALUES1]\nCaption=Programs\nField=PROGRAMS\nListFile=LISTS.INI\n"
-              "ListSection=FACILITY\nListKey=Programs\n"
-              "[VALUES2]\nCaption=Payers\nField=PAYERS\nListFile=/lists/P.INI\nListSection=P\n"
-              "[VALUES3]\nCaption=Nothing\nListKey=x\nColour=red\n");
+    writeBytes(path,
+               "[FORM]\nFile=/x/T.DBF\n"
+               "[VALUES1]\nCaption=Programs\nField=PROGRAMS\nListFile=LISTS.INI\n"
+               "ListSection=FACILITY\nListKey=Programs\n"
+               "[VALUES2]\nCaption=Payers\nField=PAYERS\nListFile=/lists/P.INI\nListSection=P\n"
+               "[VALUES3]\nCaption=Nothing\nListKey=x\nColour=red\n");
     QStringList warnings;
     Result<FormDescription> read = loadFormDescription(path, &warnings);
     ASSERT_TRUE(read.isOk());
@@ -158,22 +151,22 @@ TEST(FormDescription, FilesThatAreNoDescriptionAreRefusedWithAReason)
         loadFormDescription(dir.filePath(QStringLiteral("missing.ini")), &warnings).status().code(),
         Status::Code::NotFound);
     const QString binary = dir.filePath(QStringLiteral("binary.ini"));
-    writeText(binary, QByteArray("\x00\x01\x02[FORM]\xff", 9));
+    writeBytes(binary, QByteArray("\x00\x01\x02[FORM]\xff", 9));
     EXPECT_EQ(loadFormDescription(binary, &warnings).status().code(), Status::Code::Corrupt);
     const QString noForm = dir.filePath(QStringLiteral("noform.ini"));
-    writeText(noForm, "just some text\nwithout sections");
+    writeBytes(noForm, "just some text\nwithout sections");
     EXPECT_EQ(loadFormDescription(noForm, &warnings).status().code(), Status::Code::Corrupt);
     const QString both = dir.filePath(QStringLiteral("both.ini"));
-    writeText(both, "[FORM]\nFile=a.dbf\nDatabase=b.sqlite\nTable=T\n");
+    writeBytes(both, "[FORM]\nFile=a.dbf\nDatabase=b.sqlite\nTable=T\n");
     EXPECT_EQ(loadFormDescription(both, &warnings).status().code(), Status::Code::InvalidArgument);
     const QString noTable = dir.filePath(QStringLiteral("notable.ini"));
-    writeText(noTable, "[FORM]\nDatabase=b.sqlite\n");
+    writeBytes(noTable, "[FORM]\nDatabase=b.sqlite\n");
     EXPECT_EQ(loadFormDescription(noTable, &warnings).status().code(),
               Status::Code::InvalidArgument);
-    writeText(noTable, "[FORM]\nServer=dbname=crm\n");
+    writeBytes(noTable, "[FORM]\nServer=dbname=crm\n");
     EXPECT_EQ(loadFormDescription(noTable, &warnings).status().code(),
               Status::Code::InvalidArgument);
-    writeText(both, "[FORM]\nServer=dbname=crm\nDatabase=b.sqlite\nTable=T\n");
+    writeBytes(both, "[FORM]\nServer=dbname=crm\nDatabase=b.sqlite\nTable=T\n");
     EXPECT_EQ(loadFormDescription(both, &warnings).status().code(), Status::Code::InvalidArgument);
 }
 
@@ -286,9 +279,9 @@ TEST(FormDescription, TableOptionsAreReadWrittenAndCheckedNotFatal)
     EXPECT_EQ(back.value().collate, QStringLiteral("General"));
     EXPECT_EQ(back.value().source, path);
 
-    writeText(path,
-              "[FORM]\r\nFile=T.DBF\r\nGenerateIDs=maybe\r\nCodePage=cyrillic\r\n"
-              "Collate=alphabetical\r\n");
+    writeBytes(path,
+               "[FORM]\r\nFile=T.DBF\r\nGenerateIDs=maybe\r\nCodePage=cyrillic\r\n"
+               "Collate=alphabetical\r\n");
     warnings.clear();
     back = loadFormDescription(path, &warnings);
     ASSERT_TRUE(back.isOk());
@@ -321,7 +314,7 @@ TEST(FormDescription, AHundredThousandRowsAreReadWholeAndAtOnce)
     const QString path = dir.filePath(QStringLiteral("many.ini"));
     const QByteArray text = manyRows(100000);
     ASSERT_GT(text.size(), 2000000);
-    writeText(path, text);
+    writeBytes(path, text);
     QStringList warnings;
     QElapsedTimer timer;
     timer.start();
@@ -344,13 +337,13 @@ TEST(FormDescription, OversizeFilesAndValuesAreRefusedNeverCut)
     const QString huge = dir.filePath(QStringLiteral("huge.ini"));
     QByteArray text = "[FORM]\r\nFile=/data/T.DBF\r\n[ROW1]\r\nField=NAME\r\n";
     text += QByteArray(kMaxSettingsFileBytes + 1 - text.size(), ' ');
-    writeText(huge, text);
+    writeBytes(huge, text);
     QStringList warnings;
     const Status refused = loadFormDescription(huge, &warnings).status();
     EXPECT_EQ(refused.message(), huge + QStringLiteral(" is larger than 16 MB and was not read"));
     EXPECT_NE(refused.code(), Status::Code::Ok);
     text.chop(1); // at the limit it is read
-    writeText(huge, text);
+    writeBytes(huge, text);
     ASSERT_TRUE(loadFormDescription(huge, &warnings).isOk());
 
     // Values past the settings reader's 1,998 characters are read whole; values past 64 KB
@@ -360,9 +353,9 @@ TEST(FormDescription, OversizeFilesAndValuesAreRefusedNeverCut)
         sorts += "|Sort " + QByteArray::number(i) + ":FIELD" + QByteArray::number(i);
     ASSERT_GT(sorts.size(), 1998);
     const QString path = dir.filePath(QStringLiteral("long.ini"));
-    writeText(path,
-              "[FORM]\r\nFile=/data/T.DBF\r\nSorts=" + sorts.mid(1) + "\r\n[ROW1]\r\nCaption="
-                  + QByteArray(kMaxSettingsValueChars + 1, 'c') + "\r\nField=NAME\r\n");
+    writeBytes(path,
+               "[FORM]\r\nFile=/data/T.DBF\r\nSorts=" + sorts.mid(1) + "\r\n[ROW1]\r\nCaption="
+                   + QByteArray(kMaxSettingsValueChars + 1, 'c') + "\r\nField=NAME\r\n");
     warnings.clear();
     Result<FormDescription> read = loadFormDescription(path, &warnings);
     ASSERT_TRUE(read.isOk());

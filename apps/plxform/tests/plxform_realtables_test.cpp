@@ -15,6 +15,7 @@
 #include "navigator/mvplxrecs.h"
 #include "services/ini.h"
 #include "testing/fakeenv.h"
+#include "tests/support/testfiles.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -56,10 +57,9 @@ void writeDosTable(const QString &path)
         f[16] = char(width);
         return f;
     };
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(header + field("ID", 4) + field("NAME", 10) + "\r");
-    file.write(QByteArray(" 1   ") + QByteArray("\x9B\xE5        ", 10) + "\x1A");
+    test::writeBytes(path,
+                     header + field("ID", 4) + field("NAME", 10) + "\r" + QByteArray(" 1   ")
+                         + QByteArray("\x9B\xE5        ", 10) + "\x1A");
 }
 
 // A SQLite database holding `tables` (each with an ID and a NAME and `rows` records).
@@ -324,10 +324,8 @@ TEST_F(RealTables, ACodePageAndCollationFromTheCommandLineWinOverTheDescription)
     const QString table = dir.filePath(QStringLiteral("DOSNAMES.DBF"));
     writeDosTable(table);
     const QString ini = dir.filePath(QStringLiteral("dos.ini"));
-    QFile file(ini);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("[FORM]\r\nFile=" + table.toUtf8() + "\r\nCodePage=850\r\nCollate=general\r\n");
-    file.close();
+    ASSERT_NO_FATAL_FAILURE(test::writeBytes(
+        ini, "[FORM]\r\nFile=" + table.toUtf8() + "\r\nCodePage=850\r\nCollate=general\r\n"));
     QStringList warnings;
     OpenRequest request;
     request.target = ini;
@@ -377,10 +375,7 @@ TEST_F(RealTables, ATableThatCannotBeOpenedIsToldInABoxWithTheReason)
 
     // A file that is no table: the engine's reason, after what could not be opened.
     const QString bogus = dir.filePath(QStringLiteral("NOTATABLE.DBF"));
-    QFile file(bogus);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("this is a letter, not a table\n");
-    file.close();
+    ASSERT_NO_FATAL_FAILURE(test::writeBytes(bogus, "this is a letter, not a table\n"));
     form = FormDescription();
     form.file = bogus;
     EXPECT_FALSE(window->openForm(form, &warnings, &error));

@@ -3,6 +3,7 @@
 // sources, and sources that outlive their Database (read-only databases: the contract suite).
 #include "services/recordsource/database.h"
 #include "services/recordsource/tests/sqlitefilefixture.h"
+#include "tests/support/testfiles.h"
 
 #include <QDate>
 #include <QDateTime>
@@ -170,10 +171,8 @@ TEST(SqliteOpenDatabaseTest, AFileThatIsNoDatabaseFailsAtOpen)
 {
     QTemporaryDir dir;
     const QString file = dir.filePath(QStringLiteral("notes.txt"));
-    QFile text(file);
-    ASSERT_TRUE(text.open(QIODevice::WriteOnly));
-    text.write(QByteArray("just some text, long enough to be read as a header").repeated(20));
-    text.close();
+    ASSERT_NO_FATAL_FAILURE(test::writeBytes(
+        file, QByteArray("just some text, long enough to be read as a header").repeated(20)));
     EXPECT_EQ(OpenDatabase(file, false, false, QString()).status().code(), Code::Corrupt);
     EXPECT_EQ(OpenDatabase(file, false, true, QString()).status().code(), Code::Corrupt);
 }
