@@ -91,8 +91,6 @@ public:
     QString currentID() const { return m_current; }
     int position() const { return m_position; }
     QString sortName() const { return m_sort; }
-    QString filterName() const { return m_filter; }
-    bool hasNewRecord() const { return m_newRecord.has_value(); }
     // The records of the navigator's query in their order's runs of equals.
     int count() const;
     QString countText() const;
