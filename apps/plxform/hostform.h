@@ -30,15 +30,6 @@ namespace plx::form {
 
 struct DesignedForm;
 
-// How tall a memo's row is: room for a few lines.
-inline constexpr qint16 kMemoRowHeight = 1300;
-// Whether `name` is a memo field of `fields`.
-bool isMemo(const QList<FieldInfo> &fields, const QString &name);
-
-// The rows of the fields `required` names refuse a blank value ("is required"), as a rule of
-// the row: the stack's own validation then names them like any row it refuses.
-void requireValues(mvName &rows, const QStringList &required);
-
 class HostForm : public QMainWindow
 {
     Q_OBJECT

@@ -1,6 +1,7 @@
 // apps/plxform/hostform_designed.cpp: a form laid out in Qt Designer, run as plxform runs the
 // forms it makes.
 #include "apps/plxform/designedform.h"
+#include "apps/plxform/formwidgets.h"
 #include "apps/plxform/hostform.h"
 
 #include "fields/mvchecks.h"

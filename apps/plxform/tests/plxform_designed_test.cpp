@@ -3,6 +3,7 @@
 // end it finds, refuses a record without its required fields, edits and saves a record that
 // another connection then reads.
 #include "apps/plxform/designedform.h"
+#include "apps/plxform/formwidgets.h"
 #include "apps/plxform/hostform.h"
 #include "apps/plxform/sampledata.h"
 #include "apps/plxform/tests/sampletesting.h"
