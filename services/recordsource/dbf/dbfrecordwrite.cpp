@@ -74,19 +74,25 @@ public:
     IndexUpdate(const IndexUpdate &) = delete;
     IndexUpdate &operator=(const IndexUpdate &) = delete;
 
-    // `recno` 0: a record about to be appended, which has no keys yet.
+    // `recno` 0: a record about to be appended, which has no keys yet. The keys are read
+    // under the index lock, after beginUpdate() has read again the tags another object may
+    // have added since.
     Status begin(quint32 recno)
     {
         if (!m_index)
             return Status::ok();
+        Status s = m_index->beginUpdate();
+        if (!s.isOk())
+            return s;
         Result<CdxIndex::Keys> before = recno
             ? m_index->keysOf(recno)
             : Result<CdxIndex::Keys>(CdxIndex::Keys(m_index->tags().size()));
-        if (!before.isOk())
+        if (!before.isOk()) {
+            (void)m_index->endUpdate(true, false); // nothing was written
             return before.status();
+        }
         m_before = std::move(*before);
-        Status s = m_index->beginUpdate();
-        m_begun = s.isOk();
+        m_begun = true;
         return s;
     }
 
@@ -186,8 +192,8 @@ Status DbfTable::touchDate()
 // appended it since this object last read the header.
 Status DbfTable::checkWritableRecord(quint32 recno)
 {
-    if (!isWritable())
-        return m_writable;
+    if (Status s = adoptNewIndex(); !s.isOk())
+        return s;
     if (recno == 0 || recno > m_count) {
         auto count = refreshCount();
         if (!count.isOk())
@@ -245,6 +251,8 @@ Result<quint32> DbfTable::appendRecord(const QVariantList &values)
         return s;
     HeaderLockGuard headerLock(*this, m_headerLockTimeoutMs);
     s = headerLock.acquire();
+    if (s.isOk())
+        s = adoptNewIndex();
     if (!s.isOk())
         return s;
     // Under the lock, count from the header and from the file size and take the larger, so

@@ -371,6 +371,24 @@ void DbfTableOpener::openIndex(DbfTable &t)
                              .arg(QFileInfo(cdxPath).fileName());
 }
 
+Status DbfTable::adoptNewIndex()
+{
+    if (!isWritable())
+        return m_writable;
+    if (m_index || m_header.structuralIndex)
+        return Status::ok();
+    char flags = 0;
+    if (Result<qint64> got = dbfio::readAt(m_fd, 28, &flags, 1, m_path); !got.isOk())
+        return got.status();
+    if ((quint8(flags) & 0x01) == 0)
+        return Status::ok();
+    m_header.tableFlags = quint8(flags);
+    m_header.structuralIndex = true;
+    m_scheme = DbfLockScheme::Extended;
+    DbfTableOpener::openIndex(*this);
+    return m_writable;
+}
+
 DbfTable::DbfTable() : m_fd(dbfio::noFile()) { }
 
 DbfTable::~DbfTable()

@@ -2,9 +2,11 @@
 #include "services/recordsource/foxpro/foxprodatabase_p.h"
 
 #include "services/recordsource/foxpro/dbfvtab_p.h"
+#include "services/recordsource/foxpro/indextag_p.h"
 #include "services/recordsource/foxpro/internal/fieldmapping.h"
 #include "services/recordsource/foxpro/internal/foxprorecordsource.h"
 #include "services/recordsource/foxpro/statementbounds_p.h"
+#include "services/recordsource/internal/indexfields.h"
 #include "services/recordsource/jet/internal/parser.h"
 #include "services/recordsource/sqlite/internal/sqliterecordsource.h"
 
@@ -123,6 +125,39 @@ public:
         }
         (void)table.unlockHeader();
         return s;
+    }
+
+    // A tag of the table's structural index (indextag_p.h). Record sources open on the table
+    // take the new tag up at their next write (DbfTable::addIndexTag); sorts and finds read
+    // it from the next query on.
+    Status createIndex(const QString &table, const QString &indexName,
+                       const QStringList &fields) override
+    {
+        if (m_closed)
+            return Status(Status::Code::InvalidArgument, QStringLiteral("the database is closed"));
+        if (m_readOnly)
+            return Status(Status::Code::NotSupported,
+                          QStringLiteral("the database was opened read-only"));
+        const Result<IndexedFields> indexed = indexFields(*this, table, fields);
+        if (!indexed.isOk())
+            return indexed.status();
+        Result<std::unique_ptr<DbfTable>> opened =
+            DbfTable::open(tablePath(table), DbfTable::OpenMode::ReadWrite, m_codePage);
+        if (!opened.isOk())
+            return opened.status();
+        DbfTable &dbf = *opened.value();
+        QStringList names;
+        for (const FieldInfo &f : indexed->fields)
+            names << f.name;
+        const Result<CdxTagDefinition> tag = indexTag(dbf, indexName, names);
+        if (!tag.isOk())
+            return tag.status();
+        Status added = dbf.addIndexTag(*tag);
+        if (added.code() == Status::Code::InvalidArgument
+            && added.message() == QStringLiteral("an index named %1 exists already").arg(tag->name))
+            return Status(Status::Code::InvalidArgument,
+                          QStringLiteral("an index named %1 exists already").arg(indexName));
+        return added;
     }
 
     Result<TableDescription> describeTable(const QString &name) const override

@@ -78,6 +78,10 @@ public:
     // Rewrites the whole file from the table: every tag rebuilt, the free list emptied.
     // Takes the index lock itself.
     Status reindex();
+    // Rewrites the whole file with the tags it has and `tag` (built as create() builds
+    // them), in place and under the index lock, raising the update counter so that other
+    // objects on the file reload its tags. InvalidArgument for a name in use.
+    Status addTag(const CdxTagDefinition &tag);
     // The first inconsistency between the index and the table, as a Corrupt Status naming
     // the tag; Ok when every tag holds exactly the keys the table gives.
     Status check() const;

@@ -97,6 +97,7 @@ struct DbfHeader
 
 class DbfMemoFile;
 class CdxIndex;
+struct CdxTagDefinition;
 namespace dbfio {
 class FileMapping;
 }
@@ -307,6 +308,13 @@ public:
     const CdxIndex *index() const { return m_index.get(); }
     // Rebuilds every tag from the table under the header and index locks.
     Status reindex();
+    // Adds `tag` to the structural index, as INDEX ON ... TAG does: a table without one gets
+    // a new .CDX beside it and the header's structural-index flag; an existing index is
+    // rewritten whole with its tags and the new one, under the header and index locks, and
+    // the other objects on the file read the new tags at their next write (the index's
+    // update counter moves). InvalidArgument for a tag name in use or a stray .CDX the
+    // header does not announce; the table's writable() when it cannot be written.
+    Status addIndexTag(const CdxTagDefinition &tag);
 
     // The header description: version byte, code page, record counts (physical and live),
     // header and record length, and one line per field with type, length and decimals.
@@ -341,6 +349,10 @@ private:
     Status writeMemos(QByteArray &rec, const QList<QPair<int, QByteArray>> &memos);
     Status recordLockBytes(quint32 recno, bool lock);
     Status checkWritableRecord(quint32 recno);
+    // Another object on the file may have given it its first structural index since this
+    // one opened it: before a write, the header's flag is read again and the index opened.
+    Status adoptNewIndex();
+    Status createStructuralIndex(const CdxTagDefinition &tag);
 
     QString m_path;
     DbfHeader m_header;
