@@ -145,6 +145,20 @@ Status CdxIndex::beginUpdate(int timeoutMs)
     if (Status st = lockRange(m_fd, kIndexLockAt, 1, LockKind::Exclusive, timeoutMs); !st.isOk())
         return st;
     m_locked = true;
+    Status st = markBegun();
+    if (!st.isOk()) {
+        // Nothing was written (a full disk refuses the mark): the lock goes with the refusal,
+        // or every later reader and writer of the index would wait on it in vain.
+        (void)unlockRange(m_fd, kIndexLockAt, 1);
+        m_locked = false;
+    }
+    return st;
+}
+
+// Under the index lock: the tags read again when another writer moved the counter, and
+// the update's mark set.
+Status CdxIndex::markBegun()
+{
     cdxpages::PageFile pages(m_fd, path());
     const Result<quint32> counter = pages.readWord(cdxpages::kCounterAt);
     if (!counter.isOk())

@@ -101,6 +101,7 @@ private:
     struct Compiled;
     Status compileTags();
     Status reload();
+    Status markBegun();
     Status removeKey(int tag, const QByteArray &key, quint32 recno);
     Status addKey(int tag, const QByteArray &key, quint32 recno);
     Result<std::optional<quint32>> firstRecordWith(int tag, const QByteArray &key,

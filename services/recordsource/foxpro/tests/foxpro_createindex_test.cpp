@@ -3,6 +3,7 @@
 // it existed, and is what a sort and a FindFirst then read.
 #include "services/recordsource/dbf/internal/cdxindex.h"
 #include "services/recordsource/dbf/internal/dbftable.h"
+#include "services/recordsource/dbf/internal/dbftesthooks.h"
 #include "services/recordsource/foxpro/tests/foxprotestsupport.h"
 #include "services/texthelpers.h"
 
@@ -10,6 +11,8 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <cerrno>
 
 namespace plx {
 namespace {
@@ -143,6 +146,28 @@ TEST_F(FoxProCreateIndexTest, ASortAndAFindFirstReadTheNewTag)
     EXPECT_FALSE(rs.value()->NoMatch());
     ASSERT_TRUE(rs.value()->FindFirst(QStringLiteral("ID = ") + strToASC(id)).isOk());
     EXPECT_TRUE(rs.value()->NoMatch());
+}
+
+// A write the full disk refuses before the index is touched lets go of the index lock: the
+// next object on the table opens it writable and the tag is whole.
+TEST_F(FoxProCreateIndexTest, AWriteAFullDiskRefusesLeavesTheIndexUsable)
+{
+    ASSERT_TRUE(
+        m_db->createIndex(QStringLiteral("P"), QStringLiteral("P_ID"), { QStringLiteral("ID") })
+            .isOk());
+    auto rs = m_db->OpenRecordset(QStringLiteral("P"));
+    ASSERT_TRUE(rs.isOk());
+    ASSERT_TRUE(rs.value()->Edit().isOk());
+    ASSERT_TRUE(rs.value()->setValue(QStringLiteral("ID"), QStringLiteral("Z9")).isOk());
+    dbftest::setFailWrites(ENOSPC);
+    const Status full = rs.value()->Update();
+    dbftest::setFailWrites(0);
+    EXPECT_EQ(full.code(), Code::IoError);
+    ASSERT_TRUE(rs.value()->CancelUpdate().isOk());
+    auto later = DbfTable::open(tablePath());
+    ASSERT_TRUE(later.isOk());
+    EXPECT_EQ((*later)->writable().message(), QString());
+    EXPECT_EQ(tags().last(), QStringLiteral("sound"));
 }
 
 } // namespace
