@@ -138,12 +138,7 @@ TEST_P(DesignedSample, RunsFindsRefusesAndSavesAsAGeneratedForm)
 
     // A new record without its required name is refused as the generated form refuses it.
     nav->ClickButton(QStringLiteral("NEW"));
-    env.prompter.expectMsgBox(QStringLiteral("Required Field"),
-                              QStringLiteral("A Facilities record needs a value in: Name, City."),
-                              48, MsgAnswer::OK);
-    env.prompter.expectMsgBox(QStringLiteral("Record Not Saved"),
-                              QStringLiteral("'Facilities' record has NOT been saved."), 16,
-                              MsgAnswer::OK);
+    expectRefusalWithoutNameAndCity(env.prompter);
     nav->ClickButton(QStringLiteral("SAVE"));
     EXPECT_EQ(env.prompter.pending(), 0);
     rows->setSValue(row("NAME"), QStringLiteral("Designed Care Home"));

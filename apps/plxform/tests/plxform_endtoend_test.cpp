@@ -208,12 +208,7 @@ TEST_P(SampleForm, SortFindFilterNewEditCancelDeleteThroughTheMenus)
     menu("mnuNew");
     const QString id = nav()->sCurrentID().trimmed();
     ASSERT_TRUE(id.startsWith(QLatin1String("PLE"))) << id.toStdString();
-    env.prompter.expectMsgBox(QStringLiteral("Required Field"),
-                              QStringLiteral("A Facilities record needs a value in: Name, City."),
-                              48, MsgAnswer::OK);
-    env.prompter.expectMsgBox(QStringLiteral("Record Not Saved"),
-                              QStringLiteral("'Facilities' record has NOT been saved."), 16,
-                              MsgAnswer::OK);
+    expectRefusalWithoutNameAndCity(env.prompter);
     menu("mnuSave");
     type("NAME", QStringLiteral("Quarry Hill Care Center"));
     type("CITY", QStringLiteral("Camden"));

@@ -8,6 +8,7 @@
 #include "apps/plxform/sampledata.h"
 
 #include "fields/mvname.h"
+#include "testing/scriptedprompter.h"
 
 #include <QAction>
 #include <QDir>
@@ -72,6 +73,17 @@ inline qint16 rowOf(const HostForm &window, const char *field)
         if (window.textRows()->sFieldName(n) == QLatin1String(field))
             return n;
     return -1;
+}
+
+// The two boxes a SAVE of a sample record without a name and a city shows, in order.
+inline void expectRefusalWithoutNameAndCity(test::ScriptedPrompter &prompter)
+{
+    prompter.expectMsgBox(QStringLiteral("Required Field"),
+                          QStringLiteral("A Facilities record needs a value in: Name, City."), 48,
+                          MsgAnswer::OK);
+    prompter.expectMsgBox(QStringLiteral("Record Not Saved"),
+                          QStringLiteral("'Facilities' record has NOT been saved."), 16,
+                          MsgAnswer::OK);
 }
 
 } // namespace plx::form
